@@ -1,0 +1,154 @@
+#include "support/support.h"
+
+#include <sys/mman.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <velpki/pkv.h>
+
+namespace test {
+
+Bytes hex(std::string_view text) {
+  Bytes out;
+  int high = -1;
+  for (const char c : text) {
+    if (c == ' ' || c == '\n') continue;
+    const char *digits = "0123456789abcdef";
+    const char *at = std::strchr(digits, c >= 'A' && c <= 'F' ? c + 32 : c);
+    if (!at || !c) std::abort();
+    const int value = int(at - digits);
+    if (high < 0) {
+      high = value;
+    } else {
+      out.push_back(uint8_t(high << 4 | value));
+      high = -1;
+    }
+  }
+  if (high >= 0) std::abort();
+  return out;
+}
+
+std::string to_hex(const uint8_t *data, size_t length) {
+  std::string out;
+  for (size_t i = 0; i < length; ++i) {
+    char pair[3];
+    std::snprintf(pair, sizeof pair, "%02x", data[i]);
+    out += pair;
+  }
+  return out;
+}
+
+Bytes read_file(const std::string &path) {
+  std::ifstream in(path, std::ios::binary);
+  return Bytes(std::istreambuf_iterator<char>(in), {});
+}
+
+bool write_file(const std::string &path, const void *data, size_t length) {
+  std::ofstream out(path, std::ios::binary);
+  out.write(static_cast<const char *>(data), std::streamsize(length));
+  return bool(out.flush());
+}
+
+namespace {
+struct TemporaryDirectory {
+  std::string path;
+  TemporaryDirectory() {
+    char pattern[] = "/tmp/velpki-test-XXXXXX";
+    if (!mkdtemp(pattern)) std::abort();
+    path = pattern;
+  }
+  ~TemporaryDirectory() {
+    std::error_code ignored;
+    std::filesystem::remove_all(path, ignored);
+  }
+};
+}  // namespace
+
+std::string temporary_path(std::string_view name) {
+  static const TemporaryDirectory directory;
+  return directory.path + "/" + std::string(name);
+}
+
+std::string vectors(std::string_view below) {
+  const char *given = std::getenv("VELPKI_VECTORS");
+  const std::string path = std::string(given ? given : VELPKI_DEFAULT_VECTORS) + "/" + std::string(below);
+  return std::filesystem::exists(path) ? path : std::string();
+}
+
+std::vector<std::map<std::string, std::string>> read_tsv(const std::string &path) {
+  std::ifstream in(path);
+  std::vector<std::string> names;
+  std::vector<std::map<std::string, std::string>> rows;
+  for (std::string line; std::getline(in, line);) {
+    std::vector<std::string> cells(1);
+    for (const char c : line) {
+      if (c == '\t') cells.emplace_back();
+      else cells.back() += c;
+    }
+    if (names.empty()) {
+      names = cells;
+      continue;
+    }
+    auto &row = rows.emplace_back();
+    for (size_t i = 0; i < names.size() && i < cells.size(); ++i) row[names[i]] = cells[i];
+  }
+  return rows;
+}
+
+std::string run(const std::string &command, int *status) {
+  std::string out;
+  FILE *pipe = popen(command.c_str(), "r");
+  if (!pipe) return out;
+  char piece[4096];
+  for (size_t n; (n = fread(piece, 1, sizeof piece, pipe)) > 0;) out.append(piece, n);
+  const int result = pclose(pipe);
+  if (status) *status = WIFEXITED(result) ? WEXITSTATUS(result) : -1;
+  return out;
+}
+
+std::string captured_stdout(void (*print)(const void *), const void *argument) {
+  std::fflush(stdout);
+  const std::string path = temporary_path("stdout");
+  const int saved = dup(1);
+  FILE *file = std::fopen(path.c_str(), "wb");
+  if (!file || dup2(fileno(file), 1) < 0) std::abort();
+  print(argument);
+  std::fflush(stdout);
+  dup2(saved, 1);
+  close(saved);
+  std::fclose(file);
+  const Bytes octets = read_file(path);
+  return std::string(octets.begin(), octets.end());
+}
+
+size_t live_blocks() {
+  PKV_ACCOUNT account{};
+  PKV_Get_Account(&account);
+  return account.live_blocks;
+}
+
+void fail_allocation(long n) { PKV_Fail_Allocation(n); }
+
+GuardedBytes::GuardedBytes(size_t capacity) {
+  const size_t page = size_t(sysconf(_SC_PAGESIZE));
+  end_ = (capacity + page - 1) / page * page + page;
+  mapped_ = end_ + page;
+  void *mapping = mmap(nullptr, mapped_, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+  if (mapping == MAP_FAILED) std::abort();
+  base_ = static_cast<uint8_t *>(mapping);
+  if (mprotect(base_ + end_, page, PROT_NONE)) std::abort();
+}
+GuardedBytes::~GuardedBytes() { munmap(base_, mapped_); }
+const uint8_t *GuardedBytes::place(const uint8_t *data, size_t length) {
+  uint8_t *at = base_ + end_ - length;
+  if (length) std::memcpy(at, data, length);
+  return at;
+}
+
+}  // namespace test

@@ -1,0 +1,61 @@
+// What the test programs share: octets in hex, files, vectors, the openssl command, memory accounting.
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace test {
+
+using Bytes = std::vector<uint8_t>;
+
+// Octets from hexadecimal text; spaces and line feeds are skipped. Aborts on other characters.
+Bytes hex(std::string_view text);
+std::string to_hex(const uint8_t *data, size_t length);
+inline std::string to_hex(const Bytes &octets) { return to_hex(octets.data(), octets.size()); }
+
+Bytes read_file(const std::string &path);  // empty when it cannot be read
+bool write_file(const std::string &path, const void *data, size_t length);
+
+// A directory of this process, removed at its end.
+std::string temporary_path(std::string_view name);
+
+// The folder of shared test vectors: VELPKI_VECTORS, or the one beside the project; empty when there is none.
+// Tests over it begin with VELPKI_NEED_VECTORS(folder).
+std::string vectors(std::string_view below);
+
+// The rows of a tab-separated file with a header line, by column name.
+std::vector<std::map<std::string, std::string>> read_tsv(const std::string &path);
+
+// Runs a shell command; its standard output, and in `status` its exit status.
+std::string run(const std::string &command, int *status = nullptr);
+
+// What the function writes to standard output.
+std::string captured_stdout(void (*print)(const void *), const void *argument);
+
+// Live blocks of the provider's accounting.
+size_t live_blocks();
+// Makes the n-th allocation from now, and all after it, fail; -1 ends it.
+void fail_allocation(long n);
+
+// The octets at the very end of a page that is followed by an unmapped one, so that any read past them crashes.
+class GuardedBytes {
+ public:
+  explicit GuardedBytes(size_t capacity);
+  ~GuardedBytes();
+  GuardedBytes(const GuardedBytes &) = delete;
+  GuardedBytes &operator=(const GuardedBytes &) = delete;
+  const uint8_t *place(const uint8_t *data, size_t length);  // valid until the next call
+
+ private:
+  uint8_t *base_;
+  size_t mapped_, end_;
+};
+
+}  // namespace test
+
+#define VELPKI_NEED_VECTORS(folder, variable)                                       \
+  const std::string variable = test::vectors(folder);                               \
+  if (variable.empty()) GTEST_SKIP() << "no vectors here (" folder "); set VELPKI_VECTORS"
