@@ -1,0 +1,293 @@
+// ASN1_STRING and the named string types.
+#include "asn1/internal/string.h"
+
+#include <velpki/asn1_error.h>
+
+#include "asn1/internal/encoded_time.h"
+#include "asn1/internal/status.h"
+#include "asn1/internal/writer.h"
+
+namespace velpki {
+
+namespace {
+
+// The octets of a string stand behind its record. A record is always allocated at least one octet longer than the struct,
+// so this address is never that of another block.
+uint8_t *own_octets(ASN1_STRING *string) noexcept { return reinterpret_cast<uint8_t *>(string + 1); }
+
+void release_octets(ASN1_STRING *string) noexcept {
+  if (string->data != own_octets(string)) release(string->data);
+}
+
+constexpr size_t kTerminators = 2;  // one for text, two for UCS-2
+
+}  // namespace
+
+ASN1_STRING *new_string(int type, Octets data, int unused_bits, const char *file, int line) noexcept {
+  if (data.size() > size_t(INT_MAX) - kTerminators) return nullptr;
+  void *block = PKV_Malloc(sizeof(ASN1_STRING) + data.size() + kTerminators, file, line);
+  if (!block) return nullptr;
+  ASN1_STRING *string = static_cast<ASN1_STRING *>(block);
+  uint8_t *octets = own_octets(string);
+  *string = {type, octets, int(data.size()), unused_bits};
+  copy_octets(octets, data);
+  octets[data.size()] = octets[data.size() + 1] = 0;
+  return string;
+}
+
+bool same_octets(const ASN1_STRING *a, const ASN1_STRING *b) noexcept {
+  if (!a || !b || a->length != b->length) return false;
+  const Octets left = octets(*a), right = octets(*b);
+  return left.size() == right.size() && (left.empty() || std::memcmp(left.data(), right.data(), left.size()) == 0);
+}
+
+bool is_string_type(int number) noexcept {
+  constexpr uint32_t kTypes = 1u << TYPE_BIT_STRING | 1u << TYPE_OCTET_STRING | 1u << TYPE_UTF8_STRING |
+                              1u << TYPE_PRINTABLE_STRING | 1u << TYPE_T61_STRING | 1u << TYPE_IA5_STRING |
+                              1u << TYPE_UTC_TIME | 1u << TYPE_GENERALIZED_TIME | 1u << TYPE_BMP_STRING;
+  return number >= 0 && number < 32 && kTypes >> number & 1;
+}
+
+namespace {
+
+Read keep(ASN1_STRING *string, ASN1_STRING *&out) noexcept {
+  if (!string) return Read::no_memory;
+  out = string;
+  return Read::ok;
+}
+
+// Nothing may decide anything by this flag: it only says how the text ends.
+int ends_in_z(Octets text) noexcept { return !text.empty() && text.back() == 'Z'; }
+
+Read read_bits(int type, Octets content, ASN1_STRING *&out) noexcept {
+  if (content.empty()) return Read::malformed;
+  return keep(new_string(type, content.subspan(1), content[0]), out);
+}
+
+Read read_oid_as(int type, Octets content, ASN1_STRING *&out) noexcept {
+  const Read outcome = read_oid(content, out);
+  if (outcome == Read::ok) out->type = type;
+  return outcome;
+}
+
+// Which numbers a generic string may hold.
+bool holds_any_content(int number) noexcept {
+  constexpr uint32_t kTypes = 1u << TYPE_BOOLEAN | 1u << TYPE_INTEGER | 1u << TYPE_OCTET_STRING | 1u << TYPE_NULL |
+                              1u << TYPE_ENUMERATED | 1u << TYPE_UTF8_STRING | 1u << TYPE_SEQUENCE | 1u << TYPE_SET |
+                              1u << TYPE_PRINTABLE_STRING | 1u << TYPE_T61_STRING | 1u << TYPE_IA5_STRING |
+                              1u << TYPE_VISIBLE_STRING | 1u << TYPE_BMP_STRING;
+  return kTypes >> number & 1;
+}
+
+}  // namespace
+
+Read read_string(const Tlv &tlv, int type, ASN1_STRING *&out) noexcept {
+  switch (type) {
+    case TYPE_BIT_STRING:
+      return read_bits(type, tlv.content, out);
+    case TYPE_OBJECT_IDENTIFIER:
+      return read_oid(tlv.content, out);
+    case TYPE_UTC_TIME:
+    case TYPE_GENERALIZED_TIME:
+      return keep(new_string(type, tlv.content, ends_in_z(tlv.content)), out);
+    default:
+      return keep(new_string(type, tlv.content), out);
+  }
+}
+
+Read read_any_string(const Tlv &tlv, ASN1_STRING *&out) noexcept {
+  const int type = tlv.identifier;
+  const int number = tlv.number();
+  if (tag::is_context_or_private(tlv.identifier) || holds_any_content(number)) {
+    return keep(new_string(type, tlv.content), out);
+  }
+  if (number == TYPE_BIT_STRING) return read_bits(type, tlv.content, out);
+  if (number == TYPE_OBJECT_IDENTIFIER) return read_oid_as(type, tlv.content, out);
+  if (number == TYPE_UTC_TIME || number == TYPE_GENERALIZED_TIME) {
+    return keep(new_string(type, tlv.content, ends_in_z(tlv.content)), out);
+  }
+  return tlv.rules.standard ? keep(new_string(type, tlv.content), out) : Read::malformed;
+}
+
+}  // namespace velpki
+
+using namespace velpki;
+
+ASN1_STRING *new_ASN1_STRING(void) noexcept {
+  ASN1_STRING *string = static_cast<ASN1_STRING *>(allocate_zeroed(sizeof(ASN1_STRING) + 1));
+  return string;
+}
+
+void clean_ASN1_STRING(ASN1_STRING *string) noexcept {
+  if (!string) return;
+  release_octets(string);
+  string->data = nullptr;
+  string->length = string->unused_bits = 0;
+}
+
+void free_ASN1_STRING(ASN1_STRING *string) noexcept {
+  if (!string) return;
+  release_octets(string);
+  release(string);
+}
+
+ASN1_STRING *dup_ASN1_STRING(const ASN1_STRING *string) noexcept {
+  if (!string || string->length < 0 || (!string->data && string->length > 0)) return nullptr;
+  ASN1_STRING *copy = new_string(string->type, octets(*string), string->unused_bits);
+  if (copy && !string->data) copy->data = nullptr;
+  return copy;
+}
+
+int set_ASN1_STRING_value(ASN1_STRING *string, int type, const unsigned char *data, int length) noexcept {
+  if (!string) return fail(F_SET_ASN1_STRING_VALUE, kNullArgument);
+  if (length < 0 || (!data && length > 0) || length > INT_MAX - 2) return fail(F_SET_ASN1_STRING_VALUE, kBadValue);
+  owned<uint8_t> copy;
+  if (data) {
+    copy = new_octets(size_t(length) + kTerminators);
+    if (!copy) return fail(F_SET_ASN1_STRING_VALUE, kNoMemory);
+    copy_octets(copy.get(), octets_of(data, length));
+    copy.get()[length] = copy.get()[length + 1] = 0;
+  }
+  release_octets(string);
+  string->type = type;
+  string->data = copy.release();
+  string->length = length;
+  string->unused_bits = 0;
+  return 0;
+}
+
+int cmp_ASN1_STRING(const ASN1_STRING *a, const ASN1_STRING *b) noexcept {
+  return same_octets(a, b) && a->type == b->type ? 0 : 1;
+}
+
+int cmp_ASN1_STRING_strict(const ASN1_STRING *a, const ASN1_STRING *b) noexcept {
+  if (cmp_ASN1_STRING(a, b)) return 1;
+  return (a->type & 0x1F) == TYPE_BIT_STRING && a->unused_bits != b->unused_bits ? 1 : 0;
+}
+
+int ASN1_STRING_to_Seq(const ASN1_STRING *in, ASN1_UNIT **out) noexcept {
+  if (!in || !out) return fail(F_ASN1_STRING_TO_SEQ, kNullArgument);
+  DerWriter writer;
+  writer.string(in);
+  return unit_from(writer, F_ASN1_STRING_TO_SEQ, out);
+}
+
+namespace {
+
+ASN1_STRING *new_named(int type, const unsigned char *data, int length) noexcept {
+  return data && length >= 0 ? new_string(type, octets_of(data, length)) : nullptr;
+}
+
+// The named types' release functions are those of the generic string under other names.
+#define NAMED_STRING(T)                                                    \
+  void free_##T(T *value) noexcept { free_ASN1_STRING(value); }            \
+  void clean_##T(T *value) noexcept { clean_ASN1_STRING(value); }
+
+bool is_printable(uint8_t c) noexcept {
+  const bool alphanumeric = (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9');
+  return alphanumeric || (c && std::strchr(" '()+,-./:=?", c));
+}
+bool is_ia5(uint8_t c) noexcept { return c < 0x80; }
+
+bool all_are(Octets text, bool (*allowed)(uint8_t)) noexcept {
+  for (const uint8_t c : text)
+    if (!allowed(c)) return false;
+  return true;
+}
+
+// The value of a hexadecimal digit, or -1.
+int digit_value(char c) noexcept {
+  if (c >= '0' && c <= '9') return c - '0';
+  const char lower = char(c | 0x20);
+  return lower >= 'a' && lower <= 'f' ? lower - 'a' + 10 : -1;
+}
+
+bool is_dotted_decimal(std::string_view text) noexcept {
+  if (text.empty() || text.front() == '.' || text.back() == '.') return false;
+  char before = 0;
+  for (const char c : text) {
+    if (!(c == '.' ? before != '.' : c >= '0' && c <= '9')) return false;
+    before = c;
+  }
+  return true;
+}
+
+ASN1_STRING *copy_time(ASN1_STRING *to, const ASN1_STRING *from) noexcept {
+  if (!to || !from) return nullptr;
+  if (to == from) return to;
+  const int unused_bits = from->unused_bits;
+  if (set_ASN1_STRING_value(to, from->type, from->data, from->length)) return nullptr;
+  to->unused_bits = unused_bits;
+  return to;
+}
+
+ASN1_STRING *new_time(int type, const unsigned char *data, int length) noexcept {
+  const Octets text = octets_of(data, length);
+  return is_time_text(type, text) ? new_string(type, text, ends_in_z(text)) : nullptr;
+}
+
+}  // namespace
+
+NAMED_STRING(OBJECT_IDENTIFIER)
+NAMED_STRING(BIT_STRING)
+NAMED_STRING(OCTET_STRING)
+NAMED_STRING(UTF8_STRING)
+NAMED_STRING(PRINTABLE_STRING)
+NAMED_STRING(T61_STRING)
+NAMED_STRING(IA5_STRING)
+NAMED_STRING(BMP_STRING)
+NAMED_STRING(UTC_TIME)
+NAMED_STRING(GENERALIZED_TIME)
+
+OBJECT_IDENTIFIER *new_OBJECT_IDENTIFIER(const char *text, int length) noexcept {
+  if (!text || length < 1 || !is_dotted_decimal({text, size_t(length)})) return nullptr;
+  return new_string(TYPE_OBJECT_IDENTIFIER, octets_of_text({text, size_t(length)}));
+}
+
+BIT_STRING *new_BIT_STRING(const unsigned char *data, int length) noexcept {
+  return new_named(TYPE_BIT_STRING, data, length);
+}
+BIT_STRING *binaryToBIT_STRING(const unsigned char *data, int length) noexcept { return new_BIT_STRING(data, length); }
+OCTET_STRING *new_OCTET_STRING(const unsigned char *data, int length) noexcept {
+  return new_named(TYPE_OCTET_STRING, data, length);
+}
+UTF8_STRING *new_UTF8_STRING(const unsigned char *data, int length) noexcept {
+  return new_named(TYPE_UTF8_STRING, data, length);
+}
+PRINTABLE_STRING *new_PRINTABLE_STRING(const unsigned char *data, int length) noexcept {
+  return all_are(octets_of(data, length), is_printable) ? new_named(TYPE_PRINTABLE_STRING, data, length) : nullptr;
+}
+T61_STRING *new_T61_STRING(const unsigned char *data, int length) noexcept {
+  return new_named(TYPE_T61_STRING, data, length);
+}
+IA5_STRING *new_IA5_STRING(const unsigned char *data, int length) noexcept {
+  return all_are(octets_of(data, length), is_ia5) ? new_named(TYPE_IA5_STRING, data, length) : nullptr;
+}
+BMP_STRING *new_BMP_STRING(const unsigned char *data, int length) noexcept {
+  return new_named(TYPE_BMP_STRING, data, length);
+}
+UTC_TIME *new_UTC_TIME(const unsigned char *data, int length) noexcept { return new_time(TYPE_UTC_TIME, data, length); }
+GENERALIZED_TIME *new_GENERALIZED_TIME(const unsigned char *data, int length) noexcept {
+  return new_time(TYPE_GENERALIZED_TIME, data, length);
+}
+
+BIT_STRING *hexToBIT_STRING(const char *text, int length) noexcept {
+  if (!text || length < 1) return nullptr;
+  owned<BIT_STRING> bits(new_ASN1_STRING());
+  const owned<uint8_t> octets = new_octets(size_t(length) / 2 + 1);
+  if (!bits || !octets) return nullptr;
+  std::memset(octets.get(), 0, size_t(length) / 2 + 1);
+  for (int i = 0; i < length; ++i) {
+    const int value = digit_value(text[i]);
+    if (value < 0) return nullptr;
+    octets.get()[i / 2] |= uint8_t(i % 2 ? value : value << 4);
+  }
+  if (set_ASN1_STRING_value(bits.get(), TYPE_BIT_STRING, octets.get(), length / 2 + length % 2)) return nullptr;
+  bits->unused_bits = length % 2 ? 4 : 0;
+  return bits.release();
+}
+
+UTC_TIME *copy_UTC_TIME(UTC_TIME *to, const UTC_TIME *from) noexcept { return copy_time(to, from); }
+GENERALIZED_TIME *copy_GENERALIZED_TIME(GENERALIZED_TIME *to, const GENERALIZED_TIME *from) noexcept {
+  return copy_time(to, from);
+}
