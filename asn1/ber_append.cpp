@@ -15,9 +15,6 @@ bool is_constructed_type(int type) noexcept {
   return type == TYPE_SEQUENCE || type == TYPE_SET || type == tag::kSequence || type == tag::kSet;
 }
 
-// The types whose value is an encoded unit.
-bool is_unit_type(int type) noexcept { return is_constructed_type(type) || type == TYPE_ASN1_UNIT; }
-
 // Puts new length octets in place of the old ones.
 bool set_length_octets(ASN1_UNIT &unit, Octets octets) noexcept {
   owned<uint8_t> fresh = new_octets(octets.size() + 1);
@@ -80,6 +77,13 @@ bool encode_constructed_string(ASN1_UNIT &out, const ASN1_STRING &string, int le
 
 }  // namespace
 
+bool is_unit_type(int type) noexcept { return is_constructed_type(type) || type == TYPE_ASN1_UNIT; }
+
+bool makes_empty_list(int type, const void *value, int length) noexcept {
+  if (length != 0 || is_unit_type(type)) return false;
+  return type != TYPE_ASN1_STRING || !value || !is_constructed_type(static_cast<const ASN1_STRING *>(value)->type);
+}
+
 bool append_value(ASN1_UNIT &seq, int type, void *value, int length, int form) noexcept {
   if (is_unit_type(type)) return append_unit(seq, static_cast<ASN1_UNIT *>(value), type == TYPE_ASN1_UNIT);
   if (!value && type != TYPE_NULL) return false;
@@ -109,12 +113,6 @@ bool is_sound(int type, int length, int form) noexcept {
 
 bool append(ASN1_UNIT *seq, int type, void *value, int length, int form) noexcept {
   return seq && is_sound(type, length, form) && append_value(*seq, type, value, length, form);
-}
-
-// An element type and no length make an empty list.
-bool makes_empty_list(int type, const void *value, int length) noexcept {
-  if (length != 0 || is_unit_type(type)) return false;
-  return type != TYPE_ASN1_STRING || !value || !is_constructed_type(static_cast<const ASN1_STRING *>(value)->type);
 }
 
 int make_empty_list(ASN1_UNIT *seq, uint8_t identifier, int function) noexcept {

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <bit>
 
+#include "asn1/internal/cursor.h"
 #include "asn1/internal/oid_codec.h"
 #include "asn1/internal/status.h"
 
@@ -204,6 +205,34 @@ void DerWriter::unit(const ASN1_UNIT *value) noexcept {
   raw(tlv.header);
   raw(tlv.content);
   if (tlv.indefinite) raw(Octets(reinterpret_cast<const uint8_t *>("\0"), 2));
+}
+
+namespace {
+
+bool der_less(const Octets &a, const Octets &b) noexcept {
+  const int order = std::memcmp(a.data(), b.data(), std::min(a.size(), b.size()));
+  return order < 0 || (order == 0 && a.size() < b.size());
+}
+
+}  // namespace
+
+void DerWriter::sort_values(size_t from) noexcept {
+  const Octets values = written(from);
+  const int count = count_values(values, rules_);
+  if (count < 2) return;
+  const owned<uint8_t> copy = new_octets(values.size()), block = new_octets(size_t(count) * sizeof(Octets));
+  if (!copy || !block) return fail(Read::no_memory);
+  copy_octets(copy.get(), values);
+  Octets *spans = reinterpret_cast<Octets *>(block.get());
+  Octets rest(copy.get(), values.size());
+  Tlv value;
+  for (int i = 0; i < count && Tlv::parse(rest, rules_, value); ++i) {
+    new (spans + i) Octets(value.whole);
+    rest = rest.subspan(value.whole.size());
+  }
+  std::sort(spans, spans + count, der_less);
+  uint8_t *at = data_ + from;
+  for (int i = 0; i < count; at += spans[i++].size()) copy_octets(at, spans[i]);
 }
 
 int unit_from(DerWriter &writer, int function, ASN1_UNIT **unit) noexcept {

@@ -26,6 +26,11 @@ bool encode_octets(ASN1_UNIT &out, uint8_t identifier, const ASN1_STRING *value,
 // The encoder of `type`, pseudo type 32 included.
 bool encode_value(ASN1_UNIT &out, int type, const void *value, int length, int form) noexcept;
 
+// The types whose value is an encoded unit, and when an append of a list function makes an empty list instead: an element
+// type, no length and no constructed value.
+bool is_unit_type(int type) noexcept;
+bool makes_empty_list(int type, const void *value, int length) noexcept;
+
 // Appends one child of any type to a constructed unit; see addToBERSequence. False when refused, with `seq` untouched.
 bool append_value(ASN1_UNIT &seq, int type, void *value, int length, int form) noexcept;
 

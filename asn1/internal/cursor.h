@@ -34,8 +34,9 @@ class Cursor {
   // The next child where `type` is expected. House form: a child of context-specific or private class is taken as any
   // type, else the tag numbers must be equal. Standard form: the whole identifier must be.
   bool next(int type, Tlv &out) noexcept {
-    return next(out) && (accepts(out, type) || stop(Read::malformed));
+    return next(out) && expect(out, type);
   }
+  bool expect(const Tlv &child, int type) noexcept { return accepts(child, type) || stop(Read::malformed); }
 
   bool oid(OBJECT_IDENTIFIER *&out) noexcept {
     Tlv child;
@@ -58,6 +59,11 @@ class Cursor {
   bool stop(Read reason) noexcept {
     if (reason_ == Read::ok) reason_ = reason;
     return false;
+  }
+  // Takes over the failure of a cursor inside this one's value, or of a decoder that returned a code.
+  bool absorb(const Cursor &inner) noexcept { return keep(inner.reason_); }
+  bool absorb(int code) noexcept {
+    return code == 0 || stop((code & 0xFFFF) == kNoMemory ? Read::no_memory : Read::malformed);
   }
   // A null that can only mean exhausted memory.
   template <class T>
@@ -84,6 +90,9 @@ class Cursor {
 
 // The number of values that follow each other in `octets`, up to the first that does not fit.
 int count_values(Octets octets, Rules rules) noexcept;
+
+// Whether the octets are exactly one value with definite lengths of the fewest octets at every level.
+bool is_der(Octets octets) noexcept;
 
 // Reads the content of an INTEGER: as a magnitude in house form, with its sign in standard form.
 Read read_integer(const Tlv &tlv, BIGINT *&out) noexcept;

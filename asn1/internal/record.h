@@ -82,6 +82,8 @@ template <class E>
 Elements<E> elements(const STACK *list) noexcept {
   return Elements<E>(list);
 }
+// Where a search goes on after the index found last, or begins when that is negative; INT_MAX ends every search.
+constexpr int next_index(int last) noexcept { return last < 0 ? 0 : last == INT_MAX ? last : last + 1; }
 // Appends an element that changes hands on success only.
 template <class E>
 bool append(STACK *list, owned<E> &element) noexcept {
@@ -278,6 +280,19 @@ int to_seq(int function, const R *record, ASN1_UNIT **unit, int (*encode)(const 
   DerWriter out(rules);
   if (const int code = encode(*record, out)) return code;
   return unit_from(out, function, unit);
+}
+
+// The same for the encoders that refill a unit which the caller passes: it is cleaned first, and stays empty on failure.
+template <class R>
+int to_refilled_seq(int function, const R *record, ASN1_UNIT **unit,
+                    int (*encode)(const R &, DerWriter &) noexcept, Rules rules = {}) noexcept {
+  if (!unit || !*unit) return to_seq(function, record, unit, encode, rules);
+  clean_ASN1_UNIT(*unit);
+  ASN1_UNIT *fresh = nullptr;
+  if (const int code = to_seq(function, record, &fresh, encode, rules)) return code;
+  std::swap(**unit, *fresh);
+  free_ASN1_UNIT(fresh);
+  return 0;
 }
 
 // SEQUENCE OF or SET OF E into the list: the elements are counted first, so that the slots come in one piece.

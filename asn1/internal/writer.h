@@ -55,6 +55,9 @@ class DerWriter {
     if (uint8_t *at = reserve(1)) at[0] = value, ++size_;
   }
 
+  // Puts the values written since `from` into the order of DER's SET OF (X.690 11.6).
+  void sort_values(size_t from) noexcept;
+
   // What cannot be encoded is refused by whoever sees it.
   void refuse() noexcept { fail(Read::malformed); }
   [[nodiscard]] Read status() const noexcept { return status_; }

@@ -1,0 +1,288 @@
+// The codec of certificates (RFC 5280 4.1), their lists and pairs.
+#include <velpki/asn1_error.h>
+
+#include "asn1/internal/io.h"
+#include "x509/internal/received.h"
+#include "x509/internal/x509.h"
+
+namespace velpki {
+
+namespace {
+
+constexpr int kVersion = 0, kIssuerUniqueID = 1, kSubjectUniqueID = 2, kExtensions = 3;  // context tags of the TBS
+
+// version [0] EXPLICIT INTEGER DEFAULT v1. More than one content octet is refused, so that 256 cannot read as v1.
+bool read_version(Cursor &in, unsigned char &version) noexcept {
+  Tlv wrapper, number;
+  if (!in.at(tag::explicit_context(kVersion))) return true;
+  if (!in.next(wrapper)) return false;
+  Cursor inner(wrapper);
+  if (!inner.next(TYPE_INTEGER, number)) return in.absorb(inner);
+  if (number.content.size() != 1) return in.stop(Read::malformed);
+  version = number.content[0];
+  return true;
+}
+
+// AlgorithmIdentifier of which only the OID is kept.
+bool read_algorithm_oid(Cursor &in, OBJECT_IDENTIFIER *&out) noexcept {
+  Tlv child;
+  if (!in.next(TYPE_SEQUENCE, child)) return false;
+  Cursor algorithm(child);
+  algorithm.oid(out);
+  return in.absorb(algorithm);
+}
+
+// Validity ::= SEQUENCE { notBefore Time, notAfter Time }
+bool read_validity(Cursor &in, X509_TBS_CERT &out) noexcept {
+  Tlv child;
+  if (!in.next(TYPE_SEQUENCE, child)) return false;
+  Cursor validity(child);
+  if (read_time(validity, out.notBefore)) read_time(validity, out.notAfter);
+  return in.absorb(validity);
+}
+
+// The Extensions inside their explicit tag.
+bool read_extensions(Cursor &in, X509_TBS_CERT &out) noexcept {
+  Tlv wrapper;
+  if (!in.next(wrapper)) return false;
+  Cursor inner(wrapper);
+  read_list(inner, out.extensions, decode_extensions);
+  return in.absorb(inner);
+}
+
+// House form: at most one more element is looked at, and the low four bits of its identifier must say [3].
+bool read_house_tail(Cursor &in, X509_TBS_CERT &out) noexcept {
+  if (in.at_end()) return true;
+  return (in.peek() & 0x0F) == kExtensions ? read_extensions(in, out) : in.stop(Read::malformed);
+}
+
+bool read_unique_id(Cursor &in, int n, BIT_STRING *&out) noexcept {
+  Tlv child;
+  if (!in.at(tag::implicit_context(n))) return true;
+  return in.next(child) && in.keep(read_string(child, TYPE_BIT_STRING, out));
+}
+
+bool read_standard_tail(Cursor &in, X509_TBS_CERT &out) noexcept {
+  const bool read = read_unique_id(in, kIssuerUniqueID, out.issuerUniqueID) &&
+                    read_unique_id(in, kSubjectUniqueID, out.subjectUniqueID) &&
+                    (!in.at(tag::explicit_context(kExtensions)) || read_extensions(in, out));
+  return read && (in.at_end() || in.stop(Read::malformed));
+}
+
+}  // namespace
+
+// Time ::= CHOICE { utcTime UTCTime, generalTime GeneralizedTime }
+bool read_time(Cursor &in, X509_TIME *&out) noexcept {
+  Tlv child;
+  if (!in.next(child)) return false;
+  const int number = child.number();
+  if (number != TYPE_UTC_TIME && number != TYPE_GENERALIZED_TIME) return in.stop(Read::malformed);
+  out = new_X509_TIME();
+  if (!in.made(out)) return false;
+  out->type = number == TYPE_UTC_TIME ? X509_TIME_UTC : X509_TIME_GENERALIZED;
+  return in.keep(read_string(child, number, out->time));
+}
+
+void write_time(const X509_TIME &time, DerWriter &out) noexcept {
+  if (time.type != X509_TIME_UTC && time.type != X509_TIME_GENERALIZED) return out.refuse();
+  out.octets_as(time.type == X509_TIME_UTC ? TYPE_UTC_TIME : TYPE_GENERALIZED_TIME, time.time);
+}
+
+// TBSCertificate ::= SEQUENCE { version [0] EXPLICIT INTEGER DEFAULT v1, serialNumber INTEGER, signature
+//   AlgorithmIdentifier, issuer Name, validity Validity, subject Name, subjectPublicKeyInfo SubjectPublicKeyInfo,
+//   extensions [3] EXPLICIT Extensions OPTIONAL }
+int decode(const Tlv &tlv, X509_TBS_CERT &out) noexcept {
+  if (tlv.number() != TYPE_SEQUENCE) return fail(F_SEQ_TO_X509_TBS_CERT, kBadValue);
+  Cursor in(tlv);
+  if (read_version(in, out.version) && in.integer(out.serialNumber) && read_algorithm_oid(in, out.signature) &&
+      read_list(in, out.issuer, decode_name) && read_validity(in, out) && read_list(in, out.subject, decode_name) &&
+      read_record(in, out.subjectPublicKeyInfo)) {
+    in.rules().standard ? read_standard_tail(in, out) : read_house_tail(in, out);
+  }
+  return in.result(F_SEQ_TO_X509_TBS_CERT);
+}
+
+// Certificate ::= SEQUENCE { tbsCertificate, signatureAlgorithm AlgorithmIdentifier, signatureValue BIT STRING }
+int decode(const Tlv &tlv, X509_CERT &out) noexcept {
+  Cursor in(tlv);
+  Tlv tbs;
+  if (!in.next(TYPE_SEQUENCE, tbs)) return in.result(F_SEQ_TO_X509_CERT);
+  out.tbs = blank<X509_TBS_CERT>();
+  if (!in.made(out.tbs)) return in.result(F_SEQ_TO_X509_CERT);
+  if (const int code = decode(tbs, *out.tbs)) return code;
+  if (read_algorithm_oid(in, out.sig_alg) && in.string(TYPE_BIT_STRING, out.sig_value)) {
+    in.made(out.received = new_received(tlv, tbs.whole));
+  }
+  return in.result(F_SEQ_TO_X509_CERT);
+}
+
+namespace {
+
+// The first field that is missing decides the code.
+int check_fields(const X509_TBS_CERT &tbs) noexcept {
+  const auto missing = [](int reason) { return fail(F_X509_TBS_CERT_TO_SEQ, reason); };
+  if (!tbs.serialNumber) return missing(ERR_TBS_CERT_SERIAL);
+  if (!tbs.signature) return missing(ERR_TBS_CERT_SIGNATURE);
+  if (!tbs.issuer) return missing(ERR_TBS_CERT_ISSUER);
+  if (!tbs.notBefore || !tbs.notAfter) return missing(ERR_TBS_CERT_VALIDITY);
+  if (!tbs.subject) return missing(ERR_TBS_CERT_SUBJECT);
+  return tbs.subjectPublicKeyInfo ? 0 : missing(ERR_TBS_CERT_SPKI);
+}
+
+// Whether a text would pass new_OBJECT_IDENTIFIER.
+bool is_oid_text(const OBJECT_IDENTIFIER &oid) noexcept {
+  const std::string_view dotted = text(oid);
+  if (dotted.empty() || dotted.front() == '.' || dotted.back() == '.') return false;
+  for (size_t i = 0; i < dotted.size(); ++i) {
+    const bool digit = dotted[i] >= '0' && dotted[i] <= '9';
+    if (!digit && !(dotted[i] == '.' && dotted[i - 1] != '.')) return false;
+  }
+  return true;
+}
+
+void write_version(unsigned char version, DerWriter &out) noexcept {
+  if (version == 0) return;
+  const auto wrapper = out.explicit_context(kVersion);
+  out.primitive(TYPE_INTEGER, Octets(&version, 1));
+}
+
+void write_validity(const X509_TBS_CERT &tbs, DerWriter &out) noexcept {
+  const auto sequence = out.sequence();
+  write_time(*tbs.notBefore, out);
+  write_time(*tbs.notAfter, out);
+}
+
+int write_extensions(const X509_TBS_CERT &tbs, DerWriter &out) noexcept {
+  if (!tbs.extensions) return 0;
+  const auto wrapper = out.explicit_context(kExtensions);
+  return encode_extensions(*tbs.extensions, out);
+}
+
+}  // namespace
+
+void write_algorithm_with_null(const OBJECT_IDENTIFIER &oid, DerWriter &out) noexcept {
+  const auto sequence = out.sequence();
+  out.oid(&oid);
+  out.null();
+}
+
+// Whatever goes wrong inside a field is this encoder's own failure, but for exhausted memory.
+int encode(const X509_TBS_CERT &tbs, DerWriter &out) noexcept {
+  if (const int code = check_fields(tbs)) return code;
+  if (!is_oid_text(*tbs.signature)) return fail(F_X509_TBS_CERT_TO_SEQ, kNoMemory);
+  const auto sequence = out.sequence();
+  write_version(tbs.version, out);
+  out.integer(tbs.serialNumber);
+  write_algorithm_with_null(*tbs.signature, out);
+  int code = encode_name(*tbs.issuer, out);
+  write_validity(tbs, out);
+  if (!code) code = encode_name(*tbs.subject, out);
+  if (!code) code = encode(*tbs.subjectPublicKeyInfo, out);
+  if (!code) code = write_extensions(tbs, out);
+  return code ? fail(F_X509_TBS_CERT_TO_SEQ, ERR_ASN1_ENCODING) : out.result(F_X509_TBS_CERT_TO_SEQ);
+}
+
+int encode(const X509_CERT &cert, DerWriter &out) noexcept {
+  if (!cert.tbs) return fail(F_X509_TBS_CERT_TO_SEQ, kNullArgument);
+  const auto sequence = out.sequence();
+  if (const int code = encode(*cert.tbs, out)) return code;
+  if (!cert.sig_alg || !cert.sig_value) return fail(F_X509_CERT_TO_SEQ, ERR_ASN1_ENCODING);
+  if (!is_oid_text(*cert.sig_alg)) return fail(F_X509_CERT_TO_SEQ, kNoMemory);
+  write_algorithm_with_null(*cert.sig_alg, out);
+  out.bits(cert.sig_value);
+  return 0;
+}
+
+namespace {
+
+constexpr Codec<X509_CERT> kCodec{F_SEQ_TO_X509_CERT, F_X509_CERT_TO_SEQ, decode, encode, "CERTIFICATE"};
+
+int decode_certificates(const Tlv &tlv, STACK &list) noexcept {
+  Cursor in(tlv);
+  int code = 0;
+  read_elements<X509_CERT>(in, list, decode, code);
+  return code ? code : in.result(F_SEQ_TO_X509_CERTIFICATES);
+}
+
+int encode_certificates(const STACK &list, DerWriter &out) noexcept {
+  const auto sequence = out.sequence();
+  for (const X509_CERT *cert : elements<X509_CERT>(&list)) {
+    if (!cert) return fail(F_X509_CERTIFICATES_TO_SEQ, ERR_ASN1_ENCODING);
+    if (const int code = encode(*cert, out)) return code;
+  }
+  return 0;
+}
+
+bool read_pair_member(Cursor &in, int n, X509_CERT *&out) noexcept {
+  Tlv wrapper;
+  if (!in.at(tag::explicit_context(n))) return true;
+  if (!in.next(wrapper)) return false;
+  Cursor inner(wrapper);
+  read_record(inner, out);
+  return in.absorb(inner);
+}
+
+int decode_pair(const Tlv &tlv, X509_CERT_PAIR &out) noexcept {
+  Cursor in(tlv);
+  if (read_pair_member(in, 0, out.forward) && read_pair_member(in, 1, out.reverse)) {
+    if (!in.at_end() || (!out.forward && !out.reverse)) in.stop(Read::malformed);
+  }
+  return in.result(F_SEQ_TO_X509_CERT_PAIR);
+}
+
+int write_pair_member(int n, const X509_CERT *cert, DerWriter &out) noexcept {
+  if (!cert) return 0;
+  const auto wrapper = out.explicit_context(n);
+  return encode(*cert, out);
+}
+
+int encode_pair(const X509_CERT_PAIR &pair, DerWriter &out) noexcept {
+  if (!pair.forward && !pair.reverse) return fail(F_X509_CERT_PAIR_TO_SEQ, ERR_ASN1_ENCODING);
+  const auto sequence = out.sequence();
+  if (const int code = write_pair_member(0, pair.forward, out)) return code;
+  return write_pair_member(1, pair.reverse, out);
+}
+
+}  // namespace
+
+template <>
+inline constexpr auto owned_fields<X509_CERT_PAIR> =
+    std::tuple(own(&X509_CERT_PAIR::forward), own(&X509_CERT_PAIR::reverse));
+
+}  // namespace velpki
+
+using namespace velpki;
+
+VELPKI_IO(X509_CERT, kCodec)
+
+int X509_TBS_CERT_to_Seq(const X509_TBS_CERT *in, ASN1_UNIT **out) noexcept {
+  return to_seq(F_X509_TBS_CERT_TO_SEQ, in, out, encode);
+}
+int Seq_to_X509_TBS_CERT(ASN1_UNIT *in, X509_TBS_CERT **out) noexcept {
+  return from_seq(F_SEQ_TO_X509_TBS_CERT, in, out, decode);
+}
+int X509_CERT_to_Seq(const X509_CERT *in, ASN1_UNIT **out) noexcept {
+  return to_seq(F_X509_CERT_TO_SEQ, in, out, encode);
+}
+int Seq_to_X509_CERT(ASN1_UNIT *in, X509_CERT **out) noexcept { return from_seq(F_SEQ_TO_X509_CERT, in, out, decode); }
+
+VELPKI_LIST(X509_CERTIFICATES, X509_CERT)
+
+int add_X509_CERTIFICATES(X509_CERTIFICATES *list, const X509_CERT *cert) noexcept {
+  return insert_copy(list, cert, -1) ? 0 : 1;
+}
+int X509_CERTIFICATES_to_Seq(const X509_CERTIFICATES *in, ASN1_UNIT **out) noexcept {
+  return to_seq(F_X509_CERTIFICATES_TO_SEQ, in, out, encode_certificates);
+}
+int Seq_to_X509_CERTIFICATES(ASN1_UNIT *in, X509_CERTIFICATES **out) noexcept {
+  return list_from_seq<X509_CERT>(F_SEQ_TO_X509_CERTIFICATES, in, out, decode_certificates);
+}
+
+VELPKI_LIFE_CYCLE(X509_CERT_PAIR)
+
+int X509_CERT_PAIR_to_Seq(const X509_CERT_PAIR *in, ASN1_UNIT **out) noexcept {
+  return to_seq(F_X509_CERT_PAIR_TO_SEQ, in, out, encode_pair);
+}
+int Seq_to_X509_CERT_PAIR(ASN1_UNIT *in, X509_CERT_PAIR **out) noexcept {
+  return from_seq(F_SEQ_TO_X509_CERT_PAIR, in, out, decode_pair);
+}

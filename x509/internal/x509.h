@@ -1,0 +1,128 @@
+// The records of x509.h from the inside: how they are owned, and their codecs on Tlv and DerWriter.
+#pragma once
+
+#include <velpki/asn1_objects.h>
+#include <velpki/x509.h>
+
+#include "asn1/internal/record.h"
+
+namespace velpki {
+
+VELPKI_FLAT(X509_NAME_CHILD)
+VELPKI_FLAT(X509_ALGO_IDENTIFIER)
+VELPKI_FLAT(X509_ATTRIBUTE_DATA)
+VELPKI_FLAT(X509_ATTRIBUTE)
+VELPKI_FLAT(X509_EXTENSION)
+VELPKI_FLAT(ASYMMETRIC_KEY)
+VELPKI_FLAT(X509_PUBKEY)
+VELPKI_FLAT(X509_TIME)
+VELPKI_FLAT(X509_AUX)
+VELPKI_FLAT(X509_TBS_CERT)
+VELPKI_FLAT(X509_CERT)
+VELPKI_FLAT(X509_CERT_PAIR)
+
+template <>
+struct Flat<RSA_UNIT> {
+  static void release(RSA_UNIT *key) noexcept { PKV_Free_RSA(key); }
+};
+template <>
+struct Flat<KCDSA_UNIT> {
+  static void release(KCDSA_UNIT *key) noexcept { PKV_Free_KCDSA(key); }
+};
+template <>
+struct Flat<ECC_UNIT> {
+  static void release(ECC_UNIT *key) noexcept { PKV_Free_ECC(key); }
+};
+template <>
+struct Flat<ECURVE> {
+  static void release(ECURVE *curve) noexcept { PKV_Free_ECURVE(curve); }
+};
+template <>
+struct Flat<X509_RECEIVED> {
+  static void release(X509_RECEIVED *received) noexcept;
+  static X509_RECEIVED *copy(const X509_RECEIVED *received) noexcept;
+};
+
+// Registry rows that this library's code names.
+namespace row {
+inline constexpr int kRsaEncryption = 6;
+inline constexpr int kEcPublicKey = 408;
+inline constexpr int kPrime256v1 = 415;
+inline constexpr int kKcdsa1 = 782;
+}  // namespace row
+
+// The codecs. Decoders fill a blank record; encoders write one value. Both return 0 or a composite code; what a DerWriter
+// refuses shows in its own result.
+int decode_name(const Tlv &tlv, STACK &name) noexcept;
+int encode_name(const STACK &name, DerWriter &out) noexcept;
+int decode(const Tlv &tlv, X509_ALGO_IDENTIFIER &out) noexcept;
+int encode(const X509_ALGO_IDENTIFIER &identifier, DerWriter &out) noexcept;
+int decode(const Tlv &tlv, X509_ATTRIBUTE &out) noexcept;
+int encode(const X509_ATTRIBUTE &attribute, DerWriter &out) noexcept;
+int decode_attributes(const Tlv &tlv, STACK &attributes) noexcept;
+int encode_attributes(const STACK &attributes, DerWriter &out, uint8_t identifier = tag::kSet) noexcept;
+int decode(const Tlv &tlv, X509_EXTENSION &out) noexcept;
+int encode(const X509_EXTENSION &extension, DerWriter &out) noexcept;
+int decode_extensions(const Tlv &tlv, STACK &extensions) noexcept;
+int encode_extensions(const STACK &extensions, DerWriter &out) noexcept;
+int decode(const Tlv &tlv, X509_PUBKEY &out) noexcept;
+int encode(const X509_PUBKEY &pubkey, DerWriter &out) noexcept;
+int decode(const Tlv &tlv, X509_TBS_CERT &out) noexcept;
+int encode(const X509_TBS_CERT &tbs, DerWriter &out) noexcept;
+int decode(const Tlv &tlv, X509_CERT &out) noexcept;
+int encode(const X509_CERT &cert, DerWriter &out) noexcept;
+
+// A Time (RFC 5280 4.1.2.5) as the child of a cursor or writer.
+bool read_time(Cursor &in, X509_TIME *&out) noexcept;
+void write_time(const X509_TIME &time, DerWriter &out) noexcept;
+// The instant of a time, or null when its type or text is none.
+owned<ASN1_TIME> time_of(const X509_TIME &time) noexcept;
+
+// A SEQUENCE OF read into a list that belongs to a record, and the same for a record inside a record.
+template <class E>
+bool read_list(Cursor &in, STACK *&out, int (*decode_list)(const Tlv &, STACK &) noexcept) noexcept {
+  Tlv child;
+  if (!in.next(TYPE_SEQUENCE, child)) return false;
+  out = new_STACK();
+  return in.made(out) && in.absorb(decode_list(child, *out));
+}
+template <class R>
+bool read_record(Cursor &in, R *&out) noexcept {
+  Tlv child;
+  if (!in.next(TYPE_SEQUENCE, child)) return false;
+  out = blank<R>();
+  return in.made(out) && in.absorb(decode(child, *out));
+}
+
+// The key octets inside a SubjectPublicKeyInfo. `function` is the code of the public function that runs them.
+int read_rsa_key(Octets der, int function, bool strict, RSA_UNIT &key) noexcept;
+int write_rsa_key(const RSA_UNIT &key, bool public_only, DerWriter &out) noexcept;
+int read_kcdsa_value(Octets der, int function, KCDSA_UNIT &key) noexcept;
+
+// An OID of a registry row as a new record.
+inline owned<OBJECT_IDENTIFIER> oid_of_row(int index) noexcept {
+  return owned<OBJECT_IDENTIFIER>(index_to_OBJECT_IDENTIFIER(index));
+}
+
+// SEQUENCE { OID, NULL }, the form in which certificates and lists carry their signature algorithm.
+void write_algorithm_with_null(const OBJECT_IDENTIFIER &oid, DerWriter &out) noexcept;
+// The digest and scheme of a signature algorithm by the registry; false when it has none.
+bool rsa_signature_scheme(const OBJECT_IDENTIFIER *oid, int &digest_id, int &scheme) noexcept;
+
+// Signing and verifying octets, for everything that is signed like a certificate. `function` is the caller's code.
+int sign_rsa(Octets tbs, const OBJECT_IDENTIFIER *oid, const RSA_UNIT *key, int function, ASN1_STRING &out) noexcept;
+int sign_kcdsa(Octets tbs, const OBJECT_IDENTIFIER *oid, const KCDSA_UNIT *key, int function,
+               ASN1_STRING &out) noexcept;
+int verify_rsa(Octets tbs, const OBJECT_IDENTIFIER *oid, const ASN1_STRING *signature, const RSA_UNIT *key,
+               int function) noexcept;
+int verify_kcdsa(Octets tbs, const OBJECT_IDENTIFIER *oid, const ASN1_STRING *signature, const KCDSA_UNIT *key,
+                 int function) noexcept;
+
+// KCDSASignatureValue and ECDSA-Sig-Value.
+struct SignatureHalves {
+  Octets r, s;  // into the value that was read
+};
+bool read_kcdsa_value(Octets der, SignatureHalves &out) noexcept;
+void write_kcdsa_value(Octets r, Octets s, DerWriter &out) noexcept;
+
+}  // namespace velpki

@@ -1,0 +1,338 @@
+// X509_PUBKEY: SubjectPublicKeyInfo.
+#include <velpki/asn1_error.h>
+
+#include "asn1/internal/io.h"
+#include "x509/internal/x509.h"
+
+namespace velpki {
+
+template <>
+inline constexpr auto owned_fields<X509_PUBKEY> =
+    std::tuple(own(&X509_PUBKEY::algorithm), own(&X509_PUBKEY::subjectPublicKey), own(&X509_PUBKEY::key),
+               own(&X509_PUBKEY::parameters));
+
+namespace {
+
+constexpr int kMalformed = F_SEQ_TO_X509_PUBKEY | ERR_ASN1_DECODING;
+constexpr int kNoKeyInBits = F_SEQ_TO_X509_PUBKEY | 0x38;
+constexpr int kOutOfMemory = F_SEQ_TO_X509_PUBKEY | kNoMemory;
+
+// A provider key in its wrapper, both new.
+template <class Unit>
+Unit *attach_key(X509_PUBKEY &out, int type, Unit *(*make)() noexcept) noexcept {
+  out.key = new_ASYMMETRIC_KEY();
+  if (!out.key) return nullptr;
+  Unit *key = make();
+  if (key) *out.key = {type, key};
+  return key;
+}
+
+int out_of_bits(int code) noexcept { return (code & 0xFFFF) == kNoMemory ? kOutOfMemory : kNoKeyInBits; }
+
+int read_rsa(X509_PUBKEY &out) noexcept {
+  RSA_UNIT *key = attach_key(out, ASYMMETRIC_KEY_RSA, PKV_New_RSA);
+  if (!key) return kOutOfMemory;
+  const int code = read_rsa_key(octets(*out.subjectPublicKey), F_BITSTRING_to_RSA_KEY, false, *key);
+  return code ? out_of_bits(code) : 0;
+}
+
+// The seed and count of the domain parameters; `count` is above INT_MAX for a number that does not fit.
+struct Seed {
+  owned<OCTET_STRING> octets;
+  unsigned count = 0;
+};
+
+// SEQUENCE { seed OCTET STRING, count INTEGER }
+bool read_seed(Cursor &in, Seed &seed) noexcept {
+  Tlv child;
+  if (!in.next(TYPE_SEQUENCE, child)) return false;
+  Cursor pair(child);
+  OCTET_STRING *octets = nullptr;
+  BIGINT *count = nullptr;
+  const bool read = pair.string(TYPE_OCTET_STRING, octets) && pair.integer(count);
+  seed.octets.reset(octets);
+  const owned<BIGINT> number(count);
+  if (!read) return in.absorb(pair);
+  seed.count = PKV_Get_BIGINT_Word(count);
+  return seed.count <= unsigned(INT_MAX) || in.stop(Read::malformed);
+}
+
+using Number = owned<BIGINT>;
+
+bool read_number(Cursor &in, Number &out) noexcept {
+  BIGINT *number = nullptr;
+  if (!in.integer(number)) return false;
+  out.reset(number);
+  return true;
+}
+
+// SEQUENCE { p, q, g INTEGER, j INTEGER OPTIONAL, SEQUENCE { seed, count } OPTIONAL }
+int read_kcdsa_parameters(const Tlv &tlv, KCDSA_UNIT &key) noexcept {
+  Cursor in(tlv);
+  Number p, q, g, j;
+  Seed seed;
+  bool read = read_number(in, p) && read_number(in, q) && read_number(in, g);
+  if (read && tag::number(in.peek()) == TYPE_INTEGER) read = read_number(in, j);
+  if (read && !in.at_end()) read = read_seed(in, seed);
+  if (!read) return in.result(F_SEQ_TO_X509_PUBKEY);
+  const Octets octets = seed.octets ? velpki::octets(*seed.octets) : Octets();
+  const int code = PKV_Set_KCDSA_Params(&key, p.get(), q.get(), g.get(), j.get(), nullptr, octets.data(),
+                                        int(octets.size()), int(seed.count));
+  return code ? kOutOfMemory : 0;
+}
+
+int read_kcdsa(Cursor &algorithm, X509_PUBKEY &out) noexcept {
+  Tlv parameters;
+  if (!algorithm.next(TYPE_SEQUENCE, parameters)) return algorithm.result(F_SEQ_TO_X509_PUBKEY);
+  KCDSA_UNIT *key = attach_key(out, ASYMMETRIC_KEY_KCDSA, PKV_New_KCDSA);
+  if (!key) return kOutOfMemory;
+  const int code = read_kcdsa_value(octets(*out.subjectPublicKey), F_BITSTRING_to_KCDSA_KEY, *key);
+  return code ? out_of_bits(code) : read_kcdsa_parameters(parameters, *key);
+}
+
+// namedCurve OBJECT IDENTIFIER (RFC 5480); anything but a listed curve fails.
+int read_ecc(Cursor &algorithm, X509_PUBKEY &out) noexcept {
+  OBJECT_IDENTIFIER *curve = nullptr;
+  if (!algorithm.oid(curve)) return algorithm.result(F_SEQ_TO_X509_PUBKEY);
+  const owned<OBJECT_IDENTIFIER> owner(curve);
+  if (index_from_OBJECT_IDENTIFIER(curve) != row::kPrime256v1) return kMalformed;
+  ECC_UNIT *key = attach_key(out, ASYMMETRIC_KEY_ECC, PKV_New_ECC);
+  return key ? BITSTRING_to_ECC_KEY(out.subjectPublicKey, &key) : kOutOfMemory;
+}
+
+int read_key(Cursor &algorithm, X509_PUBKEY &out) noexcept {
+  switch (index_from_OBJECT_IDENTIFIER(out.algorithm)) {
+    case row::kRsaEncryption:
+      return read_rsa(out);
+    case row::kKcdsa1:
+      return read_kcdsa(algorithm, out);
+    case row::kEcPublicKey:
+      return read_ecc(algorithm, out);
+    default:
+      return kMalformed;
+  }
+}
+
+void drop_key(X509_PUBKEY &out) noexcept {
+  free_ASYMMETRIC_KEY(out.key);
+  out.key = nullptr;
+}
+
+// In standard form the parameters are kept, and a key that is not known or not good is no reason to refuse the record.
+int read_any_key(const Cursor &algorithm, X509_PUBKEY &out) noexcept {
+  Cursor parameters = algorithm;
+  if (!parameters.at_end() && !parameters.any_string(out.parameters)) return parameters.result(F_SEQ_TO_X509_PUBKEY);
+  Cursor again = algorithm;
+  if (const int code = read_key(again, out)) {
+    drop_key(out);
+    return (code & 0xFFFF) == kNoMemory ? code : 0;
+  }
+  return 0;
+}
+
+}  // namespace
+
+// SubjectPublicKeyInfo ::= SEQUENCE { algorithm AlgorithmIdentifier, subjectPublicKey BIT STRING }
+int decode(const Tlv &tlv, X509_PUBKEY &out) noexcept {
+  Cursor in(tlv);
+  Tlv child;
+  if (!in.next(TYPE_SEQUENCE, child)) return in.result(F_SEQ_TO_X509_PUBKEY);
+  Cursor algorithm(child);
+  if (!algorithm.oid(out.algorithm)) return algorithm.result(F_SEQ_TO_X509_PUBKEY);
+  if (!in.string(TYPE_BIT_STRING, out.subjectPublicKey)) return in.result(F_SEQ_TO_X509_PUBKEY);
+  return in.rules().standard ? read_any_key(algorithm, out) : read_key(algorithm, out);
+}
+
+namespace {
+
+void write_kcdsa_parameters(const KCDSA_UNIT &key, DerWriter &out) noexcept {
+  const auto sequence = out.sequence();
+  for (const auto which : {PKV_KCDSA_P, PKV_KCDSA_Q, PKV_KCDSA_G}) out.integer(PKV_Get_KCDSA_Component(&key, which));
+  if (const BIGINT *j = PKV_Get_KCDSA_Component(&key, PKV_KCDSA_J)) out.integer(j);
+  int length = 0, count = 0;
+  const uint8_t *seed = PKV_Get_KCDSA_Seed(&key, &length, &count);
+  if (!seed) return;
+  const auto validation = out.sequence();
+  out.primitive(TYPE_OCTET_STRING, octets_of(seed, length));
+  out.integer(unsigned(count));
+}
+
+void write_curve(const ECC_UNIT &key, DerWriter &out) noexcept {
+  OBJECT_IDENTIFIER *oid = nullptr;
+  const ECURVE *curve = PKV_Get_ECC_Curve(&key);
+  if (get_ECURVE_OID_from_name(&oid, curve ? PKV_Get_ECURVE_Name(curve) : nullptr)) return out.refuse();
+  const owned<OBJECT_IDENTIFIER> owner(oid);
+  out.oid(oid);
+}
+
+// The parameters and the key octets of a key whose algorithm has the given row.
+struct KeyParts {
+  const RSA_UNIT *rsa;
+  const KCDSA_UNIT *kcdsa;
+  ECC_UNIT *ecc;
+};
+
+bool write_parameters(int row, const KeyParts &key, DerWriter &out) noexcept {
+  if (row == row::kRsaEncryption && key.rsa) return out.null(), true;
+  if (row == row::kKcdsa1 && key.kcdsa) return write_kcdsa_parameters(*key.kcdsa, out), true;
+  if (row == row::kEcPublicKey && key.ecc) return write_curve(*key.ecc, out), true;
+  return false;
+}
+
+// The BIT STRING of RSA and KCDSA keys is written in place: one octet for unused bits, then the key's DER.
+void write_key(const KeyParts &key, DerWriter &out) noexcept {
+  if (key.ecc) {
+    ASN1_STRING *bits = nullptr;
+    if (ECC_KEY_to_BITSTRING(key.ecc, &bits)) return out.refuse();
+    const owned<ASN1_STRING> owner(bits);
+    return out.bits(bits);
+  }
+  const auto bits = out.constructed(TYPE_BIT_STRING);
+  out.octet(0);
+  if (key.rsa) write_rsa_key(*key.rsa, false, out);
+  else out.integer(PKV_Get_KCDSA_Component(key.kcdsa, PKV_KCDSA_Y));
+}
+
+// In standard form what was read is written back.
+int encode_received(const X509_PUBKEY &pubkey, DerWriter &out) noexcept {
+  const auto sequence = out.sequence();
+  {
+    const auto algorithm = out.sequence();
+    out.oid(pubkey.algorithm);
+    if (pubkey.parameters) out.string(pubkey.parameters);
+  }
+  out.bits(pubkey.subjectPublicKey);
+  return 0;
+}
+
+}  // namespace
+
+int encode(const X509_PUBKEY &pubkey, DerWriter &out) noexcept {
+  if (out.rules().standard && pubkey.subjectPublicKey && (pubkey.parameters || !pubkey.key)) {
+    return encode_received(pubkey, out);
+  }
+  const KeyParts key{ASYMMETRIC_KEY_to_RSA_UNIT(pubkey.key), ASYMMETRIC_KEY_to_KCDSA_UNIT(pubkey.key),
+                     ASYMMETRIC_KEY_to_ECC_UNIT(pubkey.key)};
+  const auto sequence = out.sequence();
+  {
+    const auto algorithm = out.sequence();
+    out.oid(pubkey.algorithm);
+    if (!write_parameters(index_from_OBJECT_IDENTIFIER(pubkey.algorithm), key, out)) {
+      return fail(F_X509_PUBKEY_TO_SEQ, ERR_ASN1_ENCODING);
+    }
+  }
+  write_key(key, out);
+  return 0;
+}
+
+namespace {
+
+constexpr Codec<X509_PUBKEY> kCodec{F_SEQ_TO_X509_PUBKEY, F_X509_PUBKEY_TO_SEQ, decode, encode, "PUBLIC KEY"};
+
+// A caller's record is left cleared on failure.
+int read_pubkey(ASN1_UNIT *in, X509_PUBKEY **out, Rules rules) noexcept {
+  const int code = from_seq(F_SEQ_TO_X509_PUBKEY, in, out, decode, rules);
+  if (code && in && out) clean(*out);
+  return code;
+}
+
+}  // namespace
+
+}  // namespace velpki
+
+using namespace velpki;
+
+VELPKI_LIFE_CYCLE_WITHOUT_CLEAN(X509_PUBKEY)
+VELPKI_IO(X509_PUBKEY, kCodec)
+
+int cmp_X509_PUBKEY(const X509_PUBKEY *a, const X509_PUBKEY *b) noexcept {
+  if (!a || !b || !same_octets(a->algorithm, b->algorithm)) return 1;
+  if (a->key || b->key) return cmp_ASYMMETRIC_KEY(a->key, b->key);
+  const bool same_parameters = !a->parameters == !b->parameters &&
+                               (!a->parameters || cmp_ASN1_STRING_strict(a->parameters, b->parameters) == 0);
+  return same_parameters && cmp_ASN1_STRING_strict(a->subjectPublicKey, b->subjectPublicKey) == 0 ? 0 : 1;
+}
+
+int Seq_to_X509_PUBKEY(ASN1_UNIT *in, X509_PUBKEY **out) noexcept { return read_pubkey(in, out, {}); }
+int Seq_to_X509_PUBKEY_RFC5280(ASN1_UNIT *in, X509_PUBKEY **out) noexcept {
+  return read_pubkey(in, out, kStandardRules);
+}
+int X509_PUBKEY_to_Seq(const X509_PUBKEY *in, ASN1_UNIT **out) noexcept {
+  return to_seq(F_X509_PUBKEY_TO_SEQ, in, out, encode);
+}
+int X509_PUBKEY_to_Seq_RFC5280(const X509_PUBKEY *in, ASN1_UNIT **out) noexcept {
+  return to_seq(F_X509_PUBKEY_TO_SEQ, in, out, encode, kStandardRules);
+}
+
+namespace velpki {
+
+namespace {
+
+// Fills the record with the public half of a key, at once or not at all.
+int set_key(X509_PUBKEY *pubkey, int row, owned<ASYMMETRIC_KEY> key, owned<ASN1_STRING> bits) noexcept {
+  if (!pubkey || !key || !bits) return 1;
+  X509_PUBKEY fresh{index_to_OBJECT_IDENTIFIER(row), nullptr, nullptr, nullptr};
+  if (!fresh.algorithm) return 1;
+  fresh.subjectPublicKey = bits.release();
+  fresh.key = key.release();
+  clean(pubkey);
+  *pubkey = fresh;
+  return 0;
+}
+
+template <class Unit>
+owned<ASN1_STRING> bits_of(Unit *key, int (*write)(Unit *, ASN1_STRING **) noexcept) noexcept {
+  ASN1_STRING *bits = nullptr;
+  return owned<ASN1_STRING>(write(key, &bits) ? nullptr : bits);
+}
+
+owned<RSA_UNIT> public_half(const RSA_UNIT *key) noexcept {
+  owned<RSA_UNIT> half(key ? PKV_New_RSA() : nullptr);
+  if (!half) return nullptr;
+  const int code = PKV_Set_RSA_Params(half.get(), PKV_Get_RSA_Component(key, PKV_RSA_N),
+                                      PKV_Get_RSA_Component(key, PKV_RSA_E), nullptr, nullptr, nullptr, nullptr,
+                                      nullptr, nullptr);
+  return code ? nullptr : std::move(half);
+}
+
+owned<KCDSA_UNIT> public_half(const KCDSA_UNIT *key) noexcept {
+  owned<KCDSA_UNIT> half(key ? PKV_New_KCDSA() : nullptr);
+  if (!half) return nullptr;
+  const auto part = [key](PKV_KCDSA_COMPONENT which) { return PKV_Get_KCDSA_Component(key, which); };
+  int length = 0, count = 0;
+  const uint8_t *seed = PKV_Get_KCDSA_Seed(key, &length, &count);
+  const int code = PKV_Set_KCDSA_Params(half.get(), part(PKV_KCDSA_P), part(PKV_KCDSA_Q), part(PKV_KCDSA_G),
+                                        part(PKV_KCDSA_J), part(PKV_KCDSA_Y), seed, length, count);
+  return code ? nullptr : std::move(half);
+}
+
+owned<ECC_UNIT> public_half(const ECC_UNIT *key) noexcept {
+  const ECC_POINT *point = key ? PKV_Get_ECC_Public(key) : nullptr;
+  owned<ECC_UNIT> half(point ? PKV_New_ECC() : nullptr);
+  if (!half) return nullptr;
+  const bool set = PKV_Set_ECC_Curve(half.get(), PKV_Get_ECC_Curve(key)) == 0 &&
+                   PKV_Set_ECC_Public(half.get(), PKV_Get_ECC_POINT_X(point), PKV_Get_ECC_POINT_Y(point)) == 0;
+  return set ? std::move(half) : nullptr;
+}
+
+}  // namespace
+
+}  // namespace velpki
+
+int set_X509_PUBKEY_rsa(X509_PUBKEY *pubkey, RSA_UNIT *key) noexcept {
+  const owned<RSA_UNIT> half = public_half(key);
+  return set_key(pubkey, row::kRsaEncryption, owned<ASYMMETRIC_KEY>(RSA_UNIT_to_ASYMMETRIC_KEY(half.get())),
+                 bits_of(half.get(), RSA_KEY_to_BITSTRING_strict));
+}
+
+int set_X509_PUBKEY_kcdsa(X509_PUBKEY *pubkey, KCDSA_UNIT *key) noexcept {
+  const owned<KCDSA_UNIT> half = public_half(key);
+  return set_key(pubkey, row::kKcdsa1, owned<ASYMMETRIC_KEY>(KCDSA_UNIT_to_ASYMMETRIC_KEY(half.get())),
+                 bits_of(half.get(), KCDSA_KEY_to_BITSTRING));
+}
+
+int set_X509_PUBKEY_ecc(X509_PUBKEY *pubkey, ECC_UNIT *key) noexcept {
+  const owned<ECC_UNIT> half = public_half(key);
+  return set_key(pubkey, row::kEcPublicKey, owned<ASYMMETRIC_KEY>(ECC_UNIT_to_ASYMMETRIC_KEY(half.get())),
+                 bits_of(half.get(), ECC_KEY_to_BITSTRING_RFC5280));
+}
