@@ -3,6 +3,7 @@
 #include <velpki/ber.h>
 
 #include "asn1/internal/ber_encode.h"
+#include "asn1/internal/cursor.h"
 #include "asn1/internal/status.h"
 #include "asn1/internal/string.h"
 #include "asn1/internal/writer.h"

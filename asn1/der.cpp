@@ -3,11 +3,14 @@
 
 #include <velpki/asn1_error.h>
 
+#include <algorithm>
+
 #include "asn1/internal/ber_encode.h"
 #include "asn1/internal/cursor.h"
 #include "asn1/internal/encoded_time.h"
 #include "asn1/internal/status.h"
 #include "asn1/internal/string.h"
+#include "asn1/internal/writer.h"
 
 namespace velpki {
 

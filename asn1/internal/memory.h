@@ -43,6 +43,7 @@ struct Flat {
 template <>
 struct Flat<BIGINT> {
   static void release(BIGINT *n) noexcept { PKV_Free_BIGINT(n); }
+  static BIGINT *copy(const BIGINT *n) noexcept { return PKV_Dup_BIGINT(n); }
 };
 template <>
 struct Flat<uint8_t> {

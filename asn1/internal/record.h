@@ -5,9 +5,9 @@
 //   VELPKI_LIFE_CYCLE(X509_EXTENSION)   // new_, clean_, free_, dup_
 #pragma once
 
+#include <velpki/asn1_error.h>
 #include <velpki/stack.h>
 
-#include <optional>
 #include <tuple>
 #include <utility>
 
@@ -142,7 +142,9 @@ bool duplicate(R &to, const R &from, ListOf<R, E> field) noexcept {
 }
 template <class R, class T>
 bool prepare(R &record, Own<R, T> field) noexcept {
-  if (field.made) record.*field.member = Flat<T>::make();
+  if constexpr (requires { Flat<T>::make(); }) {
+    if (field.made) record.*field.member = Flat<T>::make();
+  }
   return !field.made || record.*field.member;
 }
 template <class R, class E>

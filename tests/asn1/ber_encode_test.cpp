@@ -1,0 +1,260 @@
+// Encoders, constructed values and the DER entry points.
+#include <velpki/asn1_error.h>
+
+#include "support/asn1.h"
+
+using namespace test;
+
+namespace {
+
+constexpr int code(int function, int reason = ERR_INVALID_ENCODE_INPUT) { return function | reason; }
+
+// A value of the kind that the type wants, made from hexadecimal octets (text for type 6).
+struct Value {
+  String string;
+  Number number;
+  Bytes octet;
+  void *pointer = nullptr;
+  int length = 0;
+
+  Value(int type, const char *octets, int string_type = -1, int unused_bits = 0) {
+    if (type == TYPE_INTEGER || type == TYPE_ENUMERATED) {
+      number = test::number(octets);
+      pointer = number.get();
+      length = (PKV_Get_BIGINT_Bit_Length(number.get()) + 8) / 8;
+    } else if (type == TYPE_BOOLEAN) {
+      octet = hex(octets);
+      pointer = octet.data();
+      length = 1;
+    } else if (type != TYPE_NULL) {
+      const bool dotted = type == TYPE_OBJECT_IDENTIFIER || string_type == TYPE_OBJECT_IDENTIFIER;
+      const int own = string_type < 0 ? type : string_type;
+      string = dotted ? text_string(own, octets) : test::string(own, hex(octets), unused_bits);
+      pointer = string.get();
+      length = string->length;
+    }
+  }
+};
+
+TEST(BerEncode, EachType) {
+  struct Case {
+    int type;
+    const char *value;
+    int form;
+    const char *encoded;
+    int string_type = -1, unused_bits = 0;
+  };
+  const Case cases[] = {
+      {1, "01", 0, "010101"},
+      {1, "01", 1, "01810101"},
+      {2, "80", 0, "02020080"},
+      {2, "7f", 0, "02017f"},
+      {2, "00", 0, "020100"},
+      {10, "05", 0, "0a0105"},
+      {3, "6e40", 0, "0303066e40", -1, 6},
+      {3, "", 0, "030100"},
+      {4, "", 1, "048100"},
+      {4, "4142", 1, "04810" "24142"},
+      {5, "", 0, "0500"},
+      {5, "", 1, "058100"},
+      {6, "1.2.840.113549", 0, "06062a864886f70d"},
+      {6, "2.5.4.3", 0, "0603550403"},
+      {6, "1.0.0", 0, "06022800"},
+      {6, "2.999.3", 0, "0603883703"},
+      {6, "2.1.", 0, "060151"},
+      {6, "1", 1, "068100"},
+      {12, "c3a9", 0, "0c02c3a9"},
+      {23, "3236303130313132303030305a", 0, "170d3236303130313132303030305a"},
+      {0x93, "41", 0, "930141"},  // the identifier is the whole type
+      {32, "80", 0, "02020080", 2},
+      {32, "7f", 0, "02017f", 2},
+      {32, "00", 0, "020100", 2},
+      {32, "aabb", 0, "8302aabb", 0x83},  // a string of a context tag is written as it is
+      {32, "6e40", 0, "0303066e40", 3, 6},
+      {32, "2.5.4.3", 0, "0603550403", 6},
+      {32, "05", 0, "010105", 1},
+      {32, "", 0, "0500", 5},
+  };
+  for (const Case &c : cases) {
+    Value value(c.type, c.value, c.string_type, c.unused_bits);
+    Unit out(new_ASN1_UNIT());
+    EXPECT_EQ(encodeToBER(out.get(), c.type, value.pointer, value.length, c.form), 0) << c.encoded;
+    EXPECT_EQ(flat(out.get()), c.encoded);
+    const Unit back = unit(c.encoded);
+    EXPECT_TRUE(back) << c.encoded;
+  }
+}
+
+TEST(BerEncode, RefusesWithItsOwnCodeAndCleans) {
+  struct Case {
+    const char *why;
+    int type;
+    const char *value;
+    int length, form;
+    int string_type = -1, unused_bits = 0;
+  };
+  const Case cases[] = {
+      {"length of a boolean", 1, "01", 2, 0},
+      {"number that does not fit", 2, "0100", 1, 0},
+      {"negative length", 4, "41", -1, 0},
+      {"more than the string has", 4, "41", 2, 0},
+      {"short form from 128 on", 4, "41", 128, 0},
+      {"form 2 for a primitive", 4, "41", 1, 2},
+      {"form 3", 4, "41", 1, 3},
+      {"NULL with content", 5, "", 1, 0},
+      {"unused bits above 7", 3, "41", 1, 0, -1, 8},
+      {"unused bits of nothing", 3, "", 0, 0, -1, 1},
+      {"VisibleString", 26, "41", 1, 0},
+      {"arc above 31 bits", 6, "2.5.4.4294967299", 16, 0},
+      {"first subidentifier above 31 bits", 6, "99999999.1", 10, 0},
+      {"a string without an encoder", 32, "41", 1, 0, 26},
+      {"a NULL string with content", 32, "41", 1, 0, 5},
+      {"a constructed string", 32, "020105", 3, 0, 0x30},
+      {"a unit", 33, "41", 1, 0},
+  };
+  for (const Case &c : cases) {
+    Value value(c.type, c.value, c.string_type, c.unused_bits);
+    Unit out = unit("020105");
+    EXPECT_EQ(encodeToBER(out.get(), c.type, value.pointer, c.length, c.form), code(F_ENCODE_TO_BER)) << c.why;
+    EXPECT_EQ(out->tag, nullptr) << c.why;
+  }
+  EXPECT_EQ(encodeToBER(nullptr, 5, nullptr, 0, 0), code(F_ENCODE_TO_BER));
+  const String text = string(4, hex("41"));
+  Unit out(new_ASN1_UNIT());
+  EXPECT_EQ(encodeToBERGENERALIZEDTime(out.get(), 24, nullptr, 1, 0), code(F_ENCODE_TO_BER_TIME));
+  EXPECT_EQ(encodeToBERUTCTime(out.get(), 23, nullptr, 1, 0), code(F_ENCODE_TO_BER_TIME));
+  EXPECT_EQ(encodeToBER_CS(out.get(), 31, 4, text.get(), 1, 0), code(F_ENCODE_TO_BER_CS));
+  EXPECT_EQ(encodeToBER_CS(out.get(), 2, 4, text.get(), 1, 0), 0);
+  EXPECT_EQ(flat(out.get()), "820141");
+}
+
+// Every length form at the places where it changes.
+TEST(DerEncode, ChoosesTheShortestForm) {
+  for (const int length : {0, 1, 126, 127, 128, 129, 255, 256, 65535, 65536}) {
+    const Bytes data(size_t(length), 0x55);
+    for (const int type : {3, 4, 12, 32}) {
+      for (const int own : {3, 4}) {
+        if (type != 32 && own != 4) continue;
+        const String value = string(type == 32 ? own : type, data);
+        Unit out(new_ASN1_UNIT());
+        ASSERT_EQ(encodeToDER(out.get(), type, value.get(), length), 0) << type << " " << length;
+        const int content = length + (value->type == 3);
+        const int octets = content < 128 ? 1 : content < 256 ? 2 : content < 65536 ? 3 : 4;
+        EXPECT_EQ(getASN1LengthSize(out->length_octets), octets) << type << " " << length;
+        EXPECT_EQ(getASN1ValueLength(out.get()), content);
+      }
+    }
+  }
+  Bytes magnitude(127, 0x80);
+  const String number = string(2, magnitude);
+  Unit out(new_ASN1_UNIT());
+  ASSERT_EQ(encodeToDER(out.get(), 32, number.get(), 127), 0);
+  EXPECT_EQ(flat(out.get()).substr(0, 8), "02818000");
+}
+
+TEST(DerEncode, NormalisesTheCallersValue) {
+  unsigned char octet = 1;
+  Unit out(new_ASN1_UNIT());
+  EXPECT_EQ(encodeToDER(out.get(), 1, &octet, 1), 0);
+  EXPECT_EQ(flat(out.get()), "0101ff");
+  EXPECT_EQ(octet, 0xFF);
+  struct Case {
+    const char *text, *plain, *strict;
+  };
+  for (const Case &c : {Case{"260101120000Z", "260101120000Z", "260101120000Z"},
+                        {"260101120000+0900", "260101120000Z", "260101030000Z"},
+                        {"2601011200Z", nullptr, "260101120000Z"},
+                        {"2601011200+0900", nullptr, "260101030000Z"},
+                        {"261301120000+0900", nullptr, nullptr}}) {
+    const String strict = text_string(23, c.text), time = text_string(23, c.text);
+    const int result = encodeToDER(out.get(), 23, time.get(), time->length);
+    EXPECT_EQ(result, c.plain ? 0 : code(F_ENCODE_TO_DER)) << c.text;
+    if (c.plain) EXPECT_EQ(text_of(time.get()), c.plain);
+    const int strict_result = encodeToDER_strict(out.get(), 23, strict.get(), strict->length);
+    EXPECT_EQ(strict_result, c.strict ? 0 : code(F_ENCODE_TO_DER)) << c.text;
+    EXPECT_EQ(text_of(strict.get()), c.text);
+    if (c.strict) EXPECT_EQ(flat(out.get()).substr(4), to_hex(reinterpret_cast<const uint8_t *>(c.strict), 13));
+  }
+}
+
+TEST(Constructed, GrowsChildByChild) {
+  Unit seq(new_ASN1_UNIT());
+  const String a = string(4, hex("41")), b = string(4, hex("42"));
+  const Unit inner = unit("3080020105" "0000");
+  EXPECT_EQ(addToDERSetOf(seq.get(), 4, b.get(), 1), 0);
+  EXPECT_EQ(addToDERSetOf(seq.get(), 4, a.get(), 1), 0);
+  EXPECT_EQ(flat(seq.get()), "3106040142040141");
+  EXPECT_EQ(addToDERSequence(seq.get(), TYPE_SEQUENCE, inner.get(), 0), 0);
+  EXPECT_EQ(flat(seq.get()), "310d0401420401413080020105" "0000");
+  EXPECT_EQ(addToBERSequence_CS(seq.get(), 3, TYPE_ASN1_UNIT, unit("020109").release(), 0, 0), 0);
+  EXPECT_EQ(flat(seq.get()), "a3100401420401413080020105" "0000020109");
+  EXPECT_EQ(setBERLengthForm(seq.get(), 2), 0);
+  EXPECT_EQ(addToDERSequence(seq.get(), 5, nullptr, 0), 0);
+  EXPECT_EQ(seq->eoc, nullptr);
+  EXPECT_EQ(flat(seq.get()), "a3120401420401413080020105" "00000201090500");
+  const String constructed = string(0x30, hex("020105"));
+  EXPECT_EQ(addToDERSequence(seq.get(), 32, constructed.get(), 3), 0);
+  EXPECT_EQ(flat(seq.get()).substr(40), "3003020105");
+}
+
+TEST(Constructed, EmptyListsAreTheHouseForm) {
+  Unit seq = unit("3003020105"), set(new_ASN1_UNIT()), strict(new_ASN1_UNIT());
+  const String a = string(4, hex("41")), b = string(4, hex("40")), one = string(4, hex("41"));
+  EXPECT_EQ(addToBERSequenceOf(seq.get(), 2, nullptr, 0, 0), 0);
+  EXPECT_EQ(flat(seq.get()), "1000");
+  EXPECT_EQ(addToBERSequenceOf(seq.get(), 4, a.get(), 1, 0), 0);
+  EXPECT_EQ(flat(seq.get()), "1003040141");
+  EXPECT_EQ(addToDERSetOf(set.get(), 4, a.get(), 0), 0);
+  EXPECT_EQ(flat(set.get()), "1100");
+  EXPECT_EQ(addToDERSetOf_strict(strict.get(), 4, nullptr, 0), 0);
+  EXPECT_EQ(flat(strict.get()), "3100");
+  for (const String *each : {&a, &b, &one}) EXPECT_EQ(addToDERSetOf_strict(strict.get(), 4, each->get(), 1), 0);
+  EXPECT_EQ(flat(strict.get()), "3109040140040141040141");
+  EXPECT_EQ(addToBERSetOf(nullptr, 4, a.get(), 1, 0), code(F_ADD_TO_BER_SET_OF));
+}
+
+TEST(Constructed, FailureCleansAndTakesNothing) {
+  Unit seq = unit("3003020105");
+  ASN1_UNIT *child = new_ASN1_UNIT();
+  EXPECT_EQ(addToBERSequence(seq.get(), TYPE_ASN1_UNIT, child, 0, 0), code(F_ADD_TO_BER_SEQUENCE));
+  EXPECT_EQ(seq->tag, nullptr);
+  free_ASN1_UNIT(child);
+  seq = unit("3003020105");
+  EXPECT_EQ(addToDERSequence(seq.get(), TYPE_SEQUENCE, seq.get(), 0), code(F_ADD_TO_DER_SEQUENCE));
+  seq = unit("3003020105");
+  EXPECT_EQ(addToBERSet(seq.get(), 26, seq.get(), 1, 0), code(F_ADD_TO_BER_SET));
+}
+
+TEST(Constructed, StringSegments) {
+  Unit seq(new_ASN1_UNIT());
+  const String full = string(3, hex("ff00")), part = string(3, hex("e0"), 5), text = string(4, hex("41"));
+  EXPECT_EQ(addToBERStringSequence(seq.get(), 3, full.get(), 2, 0), 0);
+  EXPECT_EQ(addToBERStringSequence(seq.get(), 3, part.get(), 1, 0), 0);
+  EXPECT_EQ(flat(seq.get()), "23090303" "00ff00" "030205e0");
+  EXPECT_EQ(addToBERStringSequence(seq.get(), 3, full.get(), 2, 0), code(F_ADD_TO_BER_STRING_SEQUENCE));
+  seq = unit("2403040141");
+  EXPECT_EQ(addToBERStringSequence(seq.get(), 3, full.get(), 2, 0), code(F_ADD_TO_BER_STRING_SEQUENCE));
+}
+
+TEST(FinishedUnits, LengthFormAndPadding) {
+  struct Case {
+    const char *in;
+    int form;
+    const char *out;  // null where refused
+  };
+  for (const Case &c : {Case{"3003020105", 1, "308103020105"}, {"3003020105", 2, "30800201050000"},
+                        {"30800201050000", 0, "3003020105"}, {"30800201050000", 1, "308103020105"},
+                        {"30800201050000", 2, "30800201050000"}, {"040141", 2, nullptr}, {"308103020105", 0, "308103020105"},
+                        {"040141", 3, nullptr}}) {
+    Unit u = unit(c.in);
+    EXPECT_EQ(setBERLengthForm(u.get(), c.form), c.out ? 0 : code(F_SET_BER_LENGTH_FORM)) << c.in;
+    EXPECT_EQ(flat(u.get()), c.out ? c.out : c.in);
+  }
+  const String bits = string(3, hex("6e40"), 6);
+  EXPECT_EQ(addPadToBERBitString(bits.get(), "101010"), 0);
+  EXPECT_EQ(octets_hex(bits.get()), "6e6a");
+  for (const char *text : {"10101", "1010101", "10102 ", ""})
+    EXPECT_EQ(addPadToBERBitString(bits.get(), text), code(F_ADD_PAD_TO_BER_BIT_STRING)) << text;
+}
+
+}  // namespace

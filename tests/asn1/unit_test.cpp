@@ -1,0 +1,164 @@
+// Units: lengths, measures, counting, flattening, copying, and what hostile octets must not do.
+#include <velpki/asn1_error.h>
+
+#include <chrono>
+#include <climits>
+
+#include "support/asn1.h"
+
+using namespace test;
+
+namespace {
+
+TEST(UnitLengths, AreReadByTheirForm) {
+  struct Case {
+    const char *octets;
+    int size, length;
+  };
+  for (const Case &c : {Case{"00", 1, 0}, {"7f", 1, 127}, {"81c8", 2, 200}, {"820100", 3, 256}, {"847fffffff", 5, INT_MAX},
+                        {"8480000000", 5, -1}, {"850000000001", 6, -1}, {"ff", 128, -1}}) {
+    const Bytes octets = hex(c.octets);
+    EXPECT_EQ(getASN1LengthSize(octets.data()), c.size) << c.octets;
+    EXPECT_EQ(getASN1ValueLengthFromLO(octets.data()), c.length) << c.octets;
+    if (octets.size() > 1) EXPECT_EQ(getASN1LengthSize_n(octets.data(), int(octets.size()) - 1), 0) << c.octets;
+  }
+  EXPECT_EQ(getASN1LengthSize(nullptr), 0);
+  EXPECT_EQ(getASN1ValueLengthFromLO(nullptr), -1);
+  EXPECT_EQ(getASN1ValueLength(nullptr), -1);
+}
+
+TEST(UnitLengths, FormThatDerNeeds) {
+  EXPECT_EQ(getASN1LengthForm(3, 126), 0);
+  EXPECT_EQ(getASN1LengthForm(3, 127), 1);
+  EXPECT_EQ(getASN1LengthForm(4, 127), 0);
+  EXPECT_EQ(getASN1LengthForm(4, 128), 1);
+  EXPECT_EQ(getASN1LengthForm(4, -1), 1);
+  EXPECT_EQ(getASN1LengthForm(3, INT_MAX), 1);
+  EXPECT_EQ(getAsciiStringLength(0), 1);
+  EXPECT_EQ(getAsciiStringLength(-12), 2);
+  EXPECT_EQ(getAsciiStringLength(INT_MIN), 10);
+}
+
+TEST(UnitMeasure, IndefiniteContent) {
+  struct Case {
+    const char *content, *why;
+    int bare, bounded;
+  };
+  const Case cases[] = {
+      {"0201050401410000", "definite children", 6, 6},
+      {"30800201050000" "0000", "one indefinite child", 7, 7},
+      {"30800000" "040302000000" "0000", "a definite sibling measured as indefinite inside the octets", 10, 10},
+      {"30800000" "040400000000" "0000", "the house measure leaves the octets, X.690 holds", -2, 10},
+      {"30800000" "02010500" "00", "the house measure fails by two octets", -2, 7},
+      {"020105", "no end", -2, -1},
+      {"3080", "no end inside", -2, -1},
+      {"1f0100" "0000", "no low tag number", -1, -1},
+      {"0284fffffffa0000", "a negative length", -1, -1},
+  };
+  for (const Case &c : cases) {
+    const Bytes octets = hex(c.content);
+    EXPECT_EQ(getASN1IndefiniteValueLength_n(octets.data(), int(octets.size())), c.bounded) << c.why;
+    if (c.bare > -2) EXPECT_EQ(getASN1IndefiniteValueLength(octets.data()), c.bare) << c.why;
+  }
+}
+
+Bytes nested_indefinite(size_t levels) {
+  Bytes octets;
+  for (size_t i = 0; i < levels; ++i) octets.insert(octets.end(), {0x30, 0x80});
+  octets.insert(octets.end(), levels * 2, 0);
+  return octets;
+}
+
+TEST(UnitMeasure, NestingEndsAt64Levels) {
+  for (const auto &[levels, decodes] : {std::pair{64u, true}, {65u, false}, {1000000u, false}}) {
+    const Bytes octets = nested_indefinite(levels);
+    EXPECT_EQ(unit(octets) != nullptr, decodes) << levels;
+    EXPECT_EQ(Unit(decodeToBERSequence_strict(octets.data(), int(octets.size()))) != nullptr, decodes) << levels;
+  }
+}
+
+// Siblings after an indefinite child defeat the house measure; each level may try it once only.
+TEST(UnitMeasure, TimeIsLinearInSiblings) {
+  const auto seconds = [](int siblings) {
+    Bytes octets = hex("3080 3080 0000");
+    for (int i = 0; i < siblings; ++i) octets.insert(octets.end(), {0x30, 0x80, 0x04, 0x01, 0x41, 0x00, 0x00});
+    octets.insert(octets.end(), {0x04, 0x01, 0x41, 0x00, 0x00});
+    const auto start = std::chrono::steady_clock::now();
+    const Unit decoded = unit(octets);
+    EXPECT_TRUE(decoded);
+    EXPECT_EQ(getSequenceChildNum(decoded.get()), siblings + 2);
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+  };
+  // Quadratic time would make 200,000 siblings take minutes; the number that the counter returns is the test.
+  EXPECT_LT(seconds(200000), 20.0);
+}
+
+TEST(Units, DecodeIndefinite) {
+  const Unit u = unit("30800201050000");
+  ASSERT_TRUE(u);
+  EXPECT_EQ(u->length_octets[0], 0x80);
+  EXPECT_EQ(u->eoc - u->value, 3);
+  EXPECT_EQ(flat(u.get()), "30800201050000");
+}
+
+TEST(Units, ChildrenAreCountedAndTyped) {
+  const Unit u = unit("30 0c 800105 020107 a003020109 0500");
+  EXPECT_FALSE(u);  // a length that does not fit
+  const Unit whole = unit("30 0d 800105 020107 a003020109 0500");
+  ASSERT_TRUE(whole);
+  EXPECT_EQ(getSequenceChildNum(whole.get()), 4);
+  EXPECT_EQ(getChildType(whole.get(), 2), 0xA0);
+  EXPECT_EQ(getChildType(whole.get(), 4), -1);
+  EXPECT_EQ(getChildType(whole.get(), -1), -1);
+  EXPECT_EQ(getSequenceChildNum(unit("30 02 0700").get()), 0);
+  EXPECT_EQ(getSequenceChildNum(unit("30 02 8700").get()), 1);
+  EXPECT_EQ(getSequenceChildNum(unit("30 0a 3080 020105 0000 020107").get()), 2);
+  EXPECT_EQ(getSequenceChildNum(unit("30 03 020105").get()), 1);
+  EXPECT_EQ(getSequenceChildNum(unit("30 01 00").get()), 0);
+}
+
+TEST(Units, CopiesCutLengthsAtAZero) {
+  for (const size_t length : {size_t(0), size_t(127), size_t(256), size_t(65535), size_t(65536), size_t(65541)}) {
+    Bytes octets{0x04};
+    if (length < 128) octets.push_back(uint8_t(length));
+    else if (length < 65536) octets.insert(octets.end(), {0x82, uint8_t(length >> 8), uint8_t(length)});
+    else octets.insert(octets.end(), {0x83, uint8_t(length >> 16), uint8_t(length >> 8), uint8_t(length)});
+    octets.resize(octets.size() + length, 0x41);
+    const Unit u = unit(octets), faithful(dup_ASN1_UNIT_strict(u.get())), cut(dup_ASN1_UNIT(u.get()));
+    ASSERT_TRUE(cut && faithful) << length;
+    EXPECT_EQ(flat(faithful.get()), to_hex(octets)) << length;
+    const int expected = length == 65541 ? 65536 : int(length);  // 83 01 00 05 becomes 83 01 00 00
+    EXPECT_EQ(getASN1ValueLength(cut.get()), expected) << length;
+    EXPECT_EQ(flat(cut.get()).size() / 2, octets.size() - (length - size_t(expected)));
+  }
+  const Unit null_unit = unit("0500");
+  ASSERT_TRUE(null_unit);
+  EXPECT_EQ(null_unit->value, nullptr);
+  EXPECT_FALSE(Unit(dup_ASN1_UNIT(null_unit.get())));
+  EXPECT_EQ(flat(Unit(dup_ASN1_UNIT_strict(null_unit.get())).get()), "0500");
+  EXPECT_TRUE(Unit(dup_ASN1_UNIT(unit("3000").get())));
+}
+
+TEST(Units, FlatFormMeasuresIndefiniteContentAgain) {
+  const Unit inner = unit("30800000");
+  Unit outer(new_ASN1_UNIT());
+  const String sibling = string(TYPE_OCTET_STRING, hex("00000000"));
+  ASSERT_EQ(addToBERSequence(outer.get(), TYPE_SEQUENCE, inner.get(), 0, 0), 0);
+  ASSERT_EQ(addToBERSequence(outer.get(), TYPE_ASN1_STRING, sibling.get(), 4, 0), 0);
+  ASSERT_EQ(setBERLengthForm(outer.get(), 2), 0);
+  EXPECT_EQ(getASN1ValueLength(outer.get()), 10);
+  EXPECT_EQ(flat(outer.get()).size() / 2, 8u + 4u);
+}
+
+TEST(Units, HalfMadeOnesAreRefused) {
+  ASN1_UNIT *u = new_ASN1_UNIT();
+  unsigned char *out = nullptr;
+  EXPECT_EQ(ASN1_to_binary(u, &out), -1);
+  EXPECT_EQ(getASN1ValueLength(u), -1);
+  EXPECT_EQ(getSequenceChildNum(u), 0);
+  EXPECT_EQ(getChildType(u, 0), -1);
+  EXPECT_EQ(dup_ASN1_UNIT(u), nullptr);
+  free_ASN1_UNIT(u);
+}
+
+}  // namespace

@@ -1,0 +1,54 @@
+// Owners and small helpers for tests over units, strings and numbers.
+#pragma once
+
+#include <velpki/asn1.h>
+#include <velpki/ber.h>
+#include <velpki/der.h>
+
+#include <memory>
+
+#include "support/support.h"
+
+namespace test {
+
+struct Release {
+  void operator()(ASN1_UNIT *p) const { free_ASN1_UNIT(p); }
+  void operator()(ASN1_STRING *p) const { free_ASN1_STRING(p); }
+  void operator()(ASN1_TIME *p) const { free_ASN1_TIME(p); }
+  void operator()(BIGINT *p) const { PKV_Free_BIGINT(p); }
+  void operator()(char *p) const { PKV_Free(p, __FILE__, __LINE__); }
+  void operator()(unsigned char *p) const { PKV_Free(p, __FILE__, __LINE__); }
+};
+using Unit = std::unique_ptr<ASN1_UNIT, Release>;
+using String = std::unique_ptr<ASN1_STRING, Release>;
+using Time = std::unique_ptr<ASN1_TIME, Release>;
+using Number = std::unique_ptr<BIGINT, Release>;
+using Block = std::unique_ptr<unsigned char, Release>;
+
+inline Unit unit(const Bytes &octets) { return Unit(decodeToBERSequence_n(octets.data(), int(octets.size()))); }
+inline Unit unit(std::string_view hexadecimal) { return unit(hex(hexadecimal)); }
+// The flat octets of a unit in hex; "-" when there are none.
+inline std::string flat(const ASN1_UNIT *unit) {
+  unsigned char *out = nullptr;
+  const int length = ASN1_to_binary(unit, &out);
+  const Block owner(out);
+  return length < 0 ? "-" : to_hex(out, size_t(length));
+}
+inline String string(int type, const Bytes &octets, int unused_bits = 0) {
+  String made(new_ASN1_STRING());
+  set_ASN1_STRING_value(made.get(), type, octets.data(), int(octets.size()));
+  made->unused_bits = unused_bits;
+  return made;
+}
+inline String text_string(int type, std::string_view text) { return string(type, Bytes(text.begin(), text.end())); }
+inline String oid(std::string_view text) { return String(new_OBJECT_IDENTIFIER(text.data(), int(text.size()))); }
+inline std::string octets_hex(const ASN1_STRING *s) { return s ? to_hex(s->data, size_t(s->length)) : "-"; }
+inline std::string text_of(const ASN1_STRING *s) {
+  return s ? std::string(reinterpret_cast<const char *>(s->data), size_t(s->length)) : "-";
+}
+inline Number number(std::string_view hexadecimal) {
+  const Bytes octets = hex(hexadecimal);
+  return Number(PKV_New_BIGINT_Binary(octets.data(), int(octets.size())));
+}
+
+}  // namespace test
