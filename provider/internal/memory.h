@@ -39,7 +39,7 @@ using owned = std::unique_ptr<T, Releases<release>>;
 class SecretBuffer {
  public:
   SecretBuffer() noexcept = default;
-  explicit SecretBuffer(size_t size) noexcept { resize(size); }
+  explicit SecretBuffer(size_t size) noexcept { static_cast<void>(resize(size)); }
   SecretBuffer(const SecretBuffer &) = delete;
   SecretBuffer &operator=(const SecretBuffer &) = delete;
   ~SecretBuffer() { release(); }
