@@ -71,7 +71,7 @@ class Text {
   }
   void add_hex(unsigned value, int digits) {
     add("0x");
-    while (digits--) add(std::string_view("0123456789ABCDEF" + (value >> 4 * digits & 0xF), 1));
+    while (digits--) add(std::string_view("0123456789ABCDEF").substr(value >> 4 * digits & 0xF, 1));
   }
   int result() const { return cut_ ? -1 : int(length_); }
 
