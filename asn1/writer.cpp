@@ -108,10 +108,29 @@ void DerWriter::integer(const BIGINT *value, uint8_t identifier) noexcept {
   if (!value) return refuse();
   int length = 0;
   const uint8_t *magnitude = PKV_Get_BIGINT_Octets(value, &length);
+  if (rules_.standard && PKV_Is_BIGINT_Negative(value)) return negative_integer(octets_of(magnitude, length), identifier);
   const bool zero_in_front = length == 0 || magnitude[0] & 0x80;
   header(identifier, size_t(length) + zero_in_front);
   if (zero_in_front) octet(0);
   raw(octets_of(magnitude, length));
+}
+
+// Complement and add one; an octet of ones goes in front when the top bit would be clear.
+void DerWriter::negative_integer(Octets magnitude, uint8_t identifier) noexcept {
+  const auto scope = constructed(identifier);
+  const size_t start = size_;
+  octet(0xFF);
+  raw(magnitude);
+  if (failed()) return;
+  unsigned carry = 1;
+  for (size_t i = size_; i-- > start + 1;) {
+    carry += uint8_t(~data_[i]);
+    data_[i] = uint8_t(carry);
+    carry >>= 8;
+  }
+  if (!(data_[start + 1] & 0x80)) return;
+  std::memmove(data_ + start, data_ + start + 1, size_ - start - 1);
+  --size_;
 }
 
 void DerWriter::integer(unsigned value, uint8_t identifier) noexcept {

@@ -111,6 +111,7 @@ int decode(const Tlv &tlv, X509_CERT &out) noexcept {
   if (!in.made(out.tbs)) return in.result(F_SEQ_TO_X509_CERT);
   if (const int code = decode(tbs, *out.tbs)) return code;
   if (read_algorithm_oid(in, out.sig_alg) && in.string(TYPE_BIT_STRING, out.sig_value)) {
+    if (in.rules().standard && !in.at_end()) in.stop(Read::malformed);
     in.made(out.received = new_received(tlv, tbs.whole));
   }
   return in.result(F_SEQ_TO_X509_CERT);
@@ -152,6 +153,11 @@ void write_validity(const X509_TBS_CERT &tbs, DerWriter &out) noexcept {
   write_time(*tbs.notAfter, out);
 }
 
+void write_unique_ids(const X509_TBS_CERT &tbs, DerWriter &out) noexcept {
+  if (tbs.issuerUniqueID) out.bits(tbs.issuerUniqueID, tag::implicit_context(kIssuerUniqueID));
+  if (tbs.subjectUniqueID) out.bits(tbs.subjectUniqueID, tag::implicit_context(kSubjectUniqueID));
+}
+
 int write_extensions(const X509_TBS_CERT &tbs, DerWriter &out) noexcept {
   if (!tbs.extensions) return 0;
   const auto wrapper = out.explicit_context(kExtensions);
@@ -160,10 +166,12 @@ int write_extensions(const X509_TBS_CERT &tbs, DerWriter &out) noexcept {
 
 }  // namespace
 
+// In standard form only the algorithms of RSA and KCDSA keys have parameters, a NULL.
 void write_algorithm_with_null(const OBJECT_IDENTIFIER &oid, DerWriter &out) noexcept {
   const auto sequence = out.sequence();
   out.oid(&oid);
-  out.null();
+  const int key = get_CipherID_from_OID(&oid) & 0x70000000;
+  if (!out.rules().standard || key == PKV_KEY_RSA || key == PKV_KEY_KCDSA) out.null();
 }
 
 // Whatever goes wrong inside a field is this encoder's own failure, but for exhausted memory.
@@ -178,12 +186,14 @@ int encode(const X509_TBS_CERT &tbs, DerWriter &out) noexcept {
   write_validity(tbs, out);
   if (!code) code = encode_name(*tbs.subject, out);
   if (!code) code = encode(*tbs.subjectPublicKeyInfo, out);
+  if (out.rules().standard) write_unique_ids(tbs, out);
   if (!code) code = write_extensions(tbs, out);
   return code ? fail(F_X509_TBS_CERT_TO_SEQ, ERR_ASN1_ENCODING) : out.result(F_X509_TBS_CERT_TO_SEQ);
 }
 
 int encode(const X509_CERT &cert, DerWriter &out) noexcept {
   if (!cert.tbs) return fail(F_X509_TBS_CERT_TO_SEQ, kNullArgument);
+  if (out.rules().standard && cert.received) return out.raw(received_whole(*cert.received)), 0;
   const auto sequence = out.sequence();
   if (const int code = encode(*cert.tbs, out)) return code;
   if (!cert.sig_alg || !cert.sig_value) return fail(F_X509_CERT_TO_SEQ, ERR_ASN1_ENCODING);
@@ -265,6 +275,15 @@ int X509_CERT_to_Seq(const X509_CERT *in, ASN1_UNIT **out) noexcept {
   return to_seq(F_X509_CERT_TO_SEQ, in, out, encode);
 }
 int Seq_to_X509_CERT(ASN1_UNIT *in, X509_CERT **out) noexcept { return from_seq(F_SEQ_TO_X509_CERT, in, out, decode); }
+int X509_CERT_to_Seq_RFC5280(const X509_CERT *in, ASN1_UNIT **out) noexcept {
+  return to_seq(F_X509_CERT_TO_SEQ, in, out, encode, kStandardRules);
+}
+int Seq_to_X509_CERT_RFC5280(ASN1_UNIT *in, X509_CERT **out) noexcept {
+  return from_seq(F_SEQ_TO_X509_CERT, in, out, decode, kStandardRules);
+}
+int readDER_X509_CERT_from_Binary_RFC5280(X509_CERT **out, const unsigned char *data, int length) noexcept {
+  return read_der(kCodec, out, octets_of(data, length), kStandardRules);
+}
 
 VELPKI_LIST(X509_CERTIFICATES, X509_CERT)
 

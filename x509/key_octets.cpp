@@ -188,20 +188,22 @@ constexpr size_t kP256Length = 32;
 
 Number number_of(Octets octets) noexcept { return Number(PKV_New_BIGINT_Binary(octets.data(), int(octets.size()))); }
 
+int set_point(Octets halves, int function, const ECURVE *curve, ECC_UNIT &key) noexcept {
+  const size_t half = halves.size() / 2;
+  const Number x = number_of(halves.first(half)), y = number_of(halves.subspan(half));
+  const bool set = curve && x && y && PKV_Set_ECC_Curve(&key, curve) == 0 &&
+                   PKV_Set_ECC_Public(&key, x.get(), y.get()) == 0;
+  return set ? 0 : fail(function, kNoMemory);
+}
+
 int read_point(Octets point, int function, ECC_UNIT &key) noexcept {
-  const size_t half = point.size() / 2;
-  if (point.size() < 3 || point[0] != 0x04 || point.size() % 2 == 0 || half > kP256Length) {
+  if (point.size() < 3 || point[0] != 0x04 || point.size() % 2 == 0 || point.size() / 2 > kP256Length) {
     return fail(function, kNullArgument);
   }
-  const Number x = number_of(point.subspan(1, half)), y = number_of(point.subspan(1 + half));
-  if (!x || !y) return fail(function, kNoMemory);
   ECURVE *curve = nullptr;
   const int made = set_ECURVE_from_list(&curve, row::kPrime256v1);
   const owned<ECURVE> owner(curve);
-  if (made || PKV_Set_ECC_Curve(&key, curve) || PKV_Set_ECC_Public(&key, x.get(), y.get())) {
-    return fail(function, kNoMemory);
-  }
-  return 0;
+  return set_point(point.subspan(1), function, made ? nullptr : curve, key);
 }
 
 int read_point_strict(Octets point, int function, ECC_UNIT &key) noexcept {
@@ -236,6 +238,15 @@ int write_whole_point(const ECC_UNIT &key, DerWriter &out) noexcept {
 }  // namespace
 
 }  // namespace velpki
+
+int velpki::read_point_of(Octets point, int function, const char *name, ECC_UNIT &key) noexcept {
+  const owned<ECURVE> curve(PKV_New_ECURVE());
+  if (!curve) return fail(function, kNoMemory);
+  if (const int code = PKV_Set_ECURVE_Named(curve.get(), name)) return fail(function, code);
+  const size_t field = size_t(PKV_Get_ECURVE_Field_Length(curve.get()));
+  if (point.size() != 1 + 2 * field || point[0] != 0x04) return fail(function, ERR_ASN1_DECODING);
+  return set_point(point.subspan(1), function, curve.get(), key);
+}
 
 int BITSTRING_to_ECC_KEY(const ASN1_STRING *in, ECC_UNIT **out) noexcept {
   return fill_key(F_BITSTRING_TO_ECC_KEY, bits_of(in), in, out, PKV_New_ECC, PKV_Clear_ECC, read_point);

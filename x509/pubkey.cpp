@@ -90,11 +90,29 @@ int read_kcdsa(Cursor &algorithm, X509_PUBKEY &out) noexcept {
   return code ? out_of_bits(code) : read_kcdsa_parameters(parameters, *key);
 }
 
-// namedCurve OBJECT IDENTIFIER (RFC 5480); anything but a listed curve fails.
+// The curves whose keys the standard form knows.
+struct KnownCurve {
+  std::string_view oid;
+  const char *name;
+};
+constexpr KnownCurve kKnownCurves[] = {
+    {"1.2.840.10045.3.1.7", "prime256v1"}, {"1.3.132.0.34", "secp384r1"}, {"1.3.132.0.35", "secp521r1"}};
+
+int read_known_curve(std::string_view oid, X509_PUBKEY &out) noexcept {
+  for (const KnownCurve &curve : kKnownCurves) {
+    if (curve.oid != oid) continue;
+    ECC_UNIT *key = attach_key(out, ASYMMETRIC_KEY_ECC, PKV_New_ECC);
+    return key ? read_point_of(octets(*out.subjectPublicKey), F_SEQ_TO_X509_PUBKEY, curve.name, *key) : kOutOfMemory;
+  }
+  return kMalformed;
+}
+
+// namedCurve OBJECT IDENTIFIER (RFC 5480); anything but the listed curve fails in house form.
 int read_ecc(Cursor &algorithm, X509_PUBKEY &out) noexcept {
   OBJECT_IDENTIFIER *curve = nullptr;
   if (!algorithm.oid(curve)) return algorithm.result(F_SEQ_TO_X509_PUBKEY);
   const owned<OBJECT_IDENTIFIER> owner(curve);
+  if (algorithm.rules().standard) return read_known_curve(text(*curve), out);
   if (index_from_OBJECT_IDENTIFIER(curve) != row::kPrime256v1) return kMalformed;
   ECC_UNIT *key = attach_key(out, ASYMMETRIC_KEY_ECC, PKV_New_ECC);
   return key ? BITSTRING_to_ECC_KEY(out.subjectPublicKey, &key) : kOutOfMemory;

@@ -123,8 +123,6 @@ int encode_ECDSA_SIGNATURE_VALUE(const unsigned char *r, int r_length, const uns
 
 namespace velpki {
 
-namespace {
-
 // ECDSA-Sig-Value ::= SEQUENCE { r INTEGER, s INTEGER }, both above zero.
 bool read_ecdsa_value(Octets der, SignatureHalves &out) noexcept {
   Tlv tlv, r, s;
@@ -137,8 +135,6 @@ bool read_ecdsa_value(Octets der, SignatureHalves &out) noexcept {
   out = {without_leading_zeros(r.content), without_leading_zeros(s.content)};
   return true;
 }
-
-}  // namespace
 
 }  // namespace velpki
 

@@ -40,10 +40,9 @@ int give_pem(Octets der, std::string_view label, char **out) noexcept;
 int give_to_file(Octets octets, const char *path) noexcept;
 
 template <class R>
-int read_der(const Codec<R> &codec, R **out, Octets octets) noexcept {
+int read_der(const Codec<R> &codec, R **out, Octets octets, Rules rules = {}) noexcept {
   if (octets.empty()) return kBadInput;
   Tlv tlv;
-  Rules rules;
   if (!Tlv::parse(octets, rules, tlv)) return kNotOneUnit;
   if (!out) return fail(codec.from_function, kNullArgument);
   return from_tlv(codec.from_function, tlv, out, codec.decode);

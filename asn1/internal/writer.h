@@ -40,6 +40,7 @@ class DerWriter {
   void boolean(bool value) noexcept;
   void null() noexcept;
   // INTEGERs have (bit length + 8) / 8 content octets: a magnitude with its top bit set gets a zero octet in front.
+  // The standard form writes a negative number in two's complement.
   void integer(const BIGINT *value, uint8_t identifier = TYPE_INTEGER) noexcept;
   void integer(unsigned value, uint8_t identifier = TYPE_INTEGER) noexcept;
   void bits(const ASN1_STRING *value, uint8_t identifier = TYPE_BIT_STRING) noexcept;
@@ -74,6 +75,7 @@ class DerWriter {
  private:
   friend class Scope;
   size_t open(uint8_t identifier) noexcept;
+  void negative_integer(Octets magnitude, uint8_t identifier) noexcept;
   void close(size_t start) noexcept;
   void header(uint8_t identifier, size_t length) noexcept;
   // Room for `more` octets at the end, or null after a failure; the total stays below INT_MAX.

@@ -401,6 +401,14 @@ VELPKI_API int Seq_to_X509_TBS_CERT(ASN1_UNIT *in, X509_TBS_CERT **out) VELPKI_N
 VELPKI_API int X509_CERT_to_Seq(const X509_CERT *in, ASN1_UNIT **out) VELPKI_NOEXCEPT;
 VELPKI_API int Seq_to_X509_CERT(ASN1_UNIT *in, X509_CERT **out) VELPKI_NOEXCEPT;
 
+/* The _RFC5280 pair reads and writes the standard form: unique identifiers, every key, every string type, multi-valued RDNs,
+ * serial numbers with their sign, and nothing left over. What was received is written back octet for octet; a certificate
+ * that was built or changed gets NULL parameters for RSA and KCDSA algorithms and none for the others. */
+VELPKI_API int X509_CERT_to_Seq_RFC5280(const X509_CERT *in, ASN1_UNIT **out) VELPKI_NOEXCEPT;
+VELPKI_API int Seq_to_X509_CERT_RFC5280(ASN1_UNIT *in, X509_CERT **out) VELPKI_NOEXCEPT;
+VELPKI_API int readDER_X509_CERT_from_Binary_RFC5280(X509_CERT **out, const unsigned char *data,
+                                                     int length) VELPKI_NOEXCEPT;
+
 /* gen_SIG_X509_Cert signs with the algorithm that the TBS names and a private RSA or KCDSA key, and sets `sig_alg` and
  * `sig_value`; 1 for null and any other key. Codes: F_GEN_RSASIGN_TBS_CERT or F_GEN_KCDSASIGN_TBS_CERT with reason 2B for
  * an algorithm that the registry does not give a digest and scheme, 49, ERR_ASN1_ENCODING, or the provider's code.
@@ -420,6 +428,11 @@ VELPKI_API int gen_KCDSA_SIG_X509_TBS_CERT(X509_TBS_CERT *tbs, ASN1_STRING *out,
 VELPKI_API int verify_SIG_X509_CERT(X509_CERT *cert, ASYMMETRIC_KEY *key) VELPKI_NOEXCEPT;
 VELPKI_API int verify_RSA_SIG_X509_CERT(X509_CERT *cert, RSA_UNIT *rsa_key) VELPKI_NOEXCEPT;
 VELPKI_API int verify_KCDSA_SIG_X509_CERT(X509_CERT *cert, KCDSA_UNIT *kcdsa_key) VELPKI_NOEXCEPT;
+/* verify_SIG_X509_CERT_RFC5280 verifies the received octets of a decoded certificate with the issuer's public key: RSA
+ * (PKCS#1 v1.5), ECDSA, Ed25519 and KCDSA, the digest as the algorithm says. Codes: F_VERIFY_RSASIGN_TBS_CERT with 49 (null,
+ * or no received octets), ERR_ALGORITHM_MISMATCH (inside and outside differ, or the key is of another kind),
+ * ERR_UNUSED_BITS, 48 (an algorithm that is not among these), ERR_ASN1_DECODING, or the provider's code. */
+VELPKI_API int verify_SIG_X509_CERT_RFC5280(const X509_CERT *cert, const X509_PUBKEY *issuer_key) VELPKI_NOEXCEPT;
 /* verify_X509_validity compares the certificate's dates with a time, null meaning now. Codes: F_VERIFY_X509_VALIDITY with
  * ERR_INVALID_X509_TIME_TYPE, ERR_CERT_NOT_BEFORE and ERR_CERT_NOT_AFTER (unreadable), ERR_INVALID_CERT_NOT_BEFORE and
  * ERR_INVALID_CERT_NOT_AFTER (outside), 49, 3C (no clock).

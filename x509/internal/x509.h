@@ -97,6 +97,8 @@ bool read_record(Cursor &in, R *&out) noexcept {
 int read_rsa_key(Octets der, int function, bool strict, RSA_UNIT &key) noexcept;
 int write_rsa_key(const RSA_UNIT &key, bool public_only, DerWriter &out) noexcept;
 int read_kcdsa_value(Octets der, int function, KCDSA_UNIT &key) noexcept;
+// An uncompressed point of a curve that the provider knows by name, in its full length.
+int read_point_of(Octets point, int function, const char *curve, ECC_UNIT &key) noexcept;
 
 // An OID of a registry row as a new record.
 inline owned<OBJECT_IDENTIFIER> oid_of_row(int index) noexcept {
@@ -122,6 +124,7 @@ struct SignatureHalves {
   Octets r, s;  // into the value that was read
 };
 bool read_kcdsa_value(Octets der, SignatureHalves &out) noexcept;
+bool read_ecdsa_value(Octets der, SignatureHalves &out) noexcept;
 void write_kcdsa_value(Octets r, Octets s, DerWriter &out) noexcept;
 
 }  // namespace velpki

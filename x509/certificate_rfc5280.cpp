@@ -1,0 +1,143 @@
+// Verification of certificates over the octets that were received.
+#include <velpki/asn1_error.h>
+
+#include "x509/internal/received.h"
+#include "x509/internal/x509.h"
+
+namespace velpki {
+
+namespace {
+
+constexpr int failure(int reason) noexcept { return fail(F_VERIFY_RSASIGN_TBS_CERT, reason); }
+
+constexpr size_t kEd25519Key = 32, kEd25519Signature = 64;
+
+// One verification: the signed octets, the signature, the issuer's key and the digest of the algorithm.
+struct Task {
+  Octets tbs;
+  Octets signature;
+  const X509_PUBKEY &issuer;
+  int digest_id;
+};
+
+int verify_rsa_pkcs1(const Task &task) noexcept {
+  const RSA_UNIT *key = ASYMMETRIC_KEY_to_RSA_UNIT(task.issuer.key);
+  if (!key) return failure(ERR_ALGORITHM_MISMATCH);
+  return PKV_RSASSA_VERIFY(key, task.digest_id, PKV_RSA_PKCS1, task.tbs.data(), int(task.tbs.size()),
+                           task.signature.data(), int(task.signature.size()));
+}
+
+int verify_ecdsa(const Task &task) noexcept {
+  const ECC_UNIT *key = ASYMMETRIC_KEY_to_ECC_UNIT(task.issuer.key);
+  if (!key) return failure(ERR_ALGORITHM_MISMATCH);
+  SignatureHalves halves;
+  if (!read_ecdsa_value(task.signature, halves)) return failure(ERR_ASN1_DECODING);
+  return PKV_ECDSA_VERIFY(key, task.digest_id, task.tbs.data(), int(task.tbs.size()), halves.r.data(),
+                          int(halves.r.size()), halves.s.data(), int(halves.s.size()));
+}
+
+int verify_kcdsa_value(const Task &task) noexcept {
+  const KCDSA_UNIT *key = ASYMMETRIC_KEY_to_KCDSA_UNIT(task.issuer.key);
+  if (!key) return failure(ERR_ALGORITHM_MISMATCH);
+  SignatureHalves halves;
+  if (!read_kcdsa_value(task.signature, halves)) return failure(ERR_ASN1_DECODING);
+  return PKV_KCDSA_VERIFY(key, task.digest_id, task.tbs.data(), int(task.tbs.size()), halves.r.data(),
+                          int(halves.r.size()), halves.s.data(), int(halves.s.size()));
+}
+
+int verify_ed25519(const Task &task) noexcept {
+  const bool has_key = task.issuer.algorithm && text(*task.issuer.algorithm) == "1.3.101.112" &&
+                       task.issuer.subjectPublicKey && task.issuer.subjectPublicKey->length == kEd25519Key;
+  if (!has_key) return failure(ERR_ALGORITHM_MISMATCH);
+  if (task.signature.size() != kEd25519Signature) return failure(ERR_ASN1_DECODING);
+  return PKV_ED25519_VERIFY(task.issuer.subjectPublicKey->data, task.tbs.data(), int(task.tbs.size()),
+                            task.signature.data());
+}
+
+enum class Parameters { null_or_absent, absent };
+
+struct Algorithm {
+  std::string_view oid;
+  int digest_id;
+  Parameters parameters;
+  int (*verify)(const Task &) noexcept;
+};
+
+// clang-format off
+constexpr Algorithm kAlgorithms[] = {
+    {"1.2.840.113549.1.1.4",  PKV_DIGEST_MD5,    Parameters::null_or_absent, verify_rsa_pkcs1},
+    {"1.2.840.113549.1.1.5",  PKV_DIGEST_SHA1,   Parameters::null_or_absent, verify_rsa_pkcs1},
+    {"1.2.840.113549.1.1.14", PKV_DIGEST_SHA224, Parameters::null_or_absent, verify_rsa_pkcs1},
+    {"1.2.840.113549.1.1.11", PKV_DIGEST_SHA256, Parameters::null_or_absent, verify_rsa_pkcs1},
+    {"1.2.840.113549.1.1.12", PKV_DIGEST_SHA384, Parameters::null_or_absent, verify_rsa_pkcs1},
+    {"1.2.840.113549.1.1.13", PKV_DIGEST_SHA512, Parameters::null_or_absent, verify_rsa_pkcs1},
+    {"1.2.840.10045.4.1",     PKV_DIGEST_SHA1,   Parameters::absent, verify_ecdsa},
+    {"1.2.840.10045.4.3.1",   PKV_DIGEST_SHA224, Parameters::absent, verify_ecdsa},
+    {"1.2.840.10045.4.3.2",   PKV_DIGEST_SHA256, Parameters::absent, verify_ecdsa},
+    {"1.2.840.10045.4.3.3",   PKV_DIGEST_SHA384, Parameters::absent, verify_ecdsa},
+    {"1.2.840.10045.4.3.4",   PKV_DIGEST_SHA512, Parameters::absent, verify_ecdsa},
+    {"1.3.101.112",           0,                 Parameters::absent, verify_ed25519},
+    {"1.2.410.200004.1.22",   PKV_DIGEST_HAS160, Parameters::null_or_absent, verify_kcdsa_value},
+    {"1.2.410.200004.1.23",   PKV_DIGEST_SHA1,   Parameters::null_or_absent, verify_kcdsa_value},
+    {"1.2.410.200004.1.8",    PKV_DIGEST_HAS160, Parameters::null_or_absent, verify_kcdsa_value},
+    {"1.2.410.200004.1.9",    PKV_DIGEST_SHA1,   Parameters::null_or_absent, verify_kcdsa_value},
+};
+// clang-format on
+
+const Algorithm *find_algorithm(const X509_ALGO_IDENTIFIER &identifier) noexcept {
+  for (const Algorithm &each : kAlgorithms)
+    if (text(*identifier.algorithm) == each.oid) return &each;
+  return nullptr;
+}
+
+bool parameters_fit(const X509_ALGO_IDENTIFIER &identifier, Parameters wanted) noexcept {
+  if (!identifier.parameters) return true;
+  return wanted != Parameters::absent && identifier.parameters->type == TYPE_NULL && identifier.parameters->length == 0;
+}
+
+// The three parts of the received certificate, and the algorithm inside its TBS.
+struct Parts {
+  Tlv tbs, algorithm, signature, inner_algorithm;
+};
+
+bool take_apart(Octets whole, Parts &out) noexcept {
+  Tlv certificate;
+  Rules rules;
+  if (!Tlv::parse(whole, rules, certificate)) return false;
+  Cursor in(certificate);
+  if (!in.next(out.tbs) || !in.next(out.algorithm) || !in.next(out.signature)) return false;
+  Cursor tbs(out.tbs);
+  Tlv skipped;
+  if (tbs.at(tag::explicit_context(0)) && !tbs.next(skipped)) return false;
+  return tbs.next(skipped) && tbs.next(out.inner_algorithm);
+}
+
+bool same(Octets a, Octets b) noexcept {
+  return a.size() == b.size() && std::memcmp(a.data(), b.data(), a.size()) == 0;
+}
+
+int verify_parts(const Parts &parts, const X509_PUBKEY &issuer) noexcept {
+  if (!same(parts.algorithm.whole, parts.inner_algorithm.whole)) return failure(ERR_ALGORITHM_MISMATCH);
+  const Octets bits = parts.signature.content;
+  if (bits.empty() || bits[0] != 0) return failure(ERR_UNUSED_BITS);
+  owned<X509_ALGO_IDENTIFIER> identifier(new_X509_ALGO_IDENTIFIER());
+  if (!identifier) return failure(kNoMemory);
+  if (decode(parts.algorithm, *identifier)) return failure(ERR_ASN1_DECODING);
+  const Algorithm *algorithm = find_algorithm(*identifier);
+  if (!algorithm) return failure(kUnsupported);
+  if (!parameters_fit(*identifier, algorithm->parameters)) return failure(ERR_ALGORITHM_MISMATCH);
+  return algorithm->verify({parts.tbs.whole, bits.subspan(1), issuer, algorithm->digest_id});
+}
+
+}  // namespace
+
+}  // namespace velpki
+
+using namespace velpki;
+
+int verify_SIG_X509_CERT_RFC5280(const X509_CERT *cert, const X509_PUBKEY *issuer_key) noexcept {
+  if (!cert || !issuer_key || !cert->received) return failure(kNullArgument);
+  Parts parts;
+  if (!take_apart(received_whole(*cert->received), parts)) return failure(ERR_ASN1_DECODING);
+  return verify_parts(parts, *issuer_key);
+}
