@@ -1,0 +1,117 @@
+#include "libcrypto_side.h"
+
+#include <openssl/bio.h>
+#include <openssl/core_names.h>
+#include <openssl/evp.h>
+#include <openssl/objects.h>
+#include <openssl/param_build.h>
+#include <openssl/pem.h>
+#include <openssl/rsa.h>
+#include <openssl/x509.h>
+
+#include <cstdlib>
+
+namespace peer {
+
+namespace {
+X509 *decoded(const Bytes &der) {
+  const unsigned char *at = der.data();
+  X509 *cert = d2i_X509(nullptr, &at, long(der.size()));
+  if (!cert) std::abort();
+  return cert;
+}
+}  // namespace
+
+void decode_certificate(const Bytes &der) { X509_free(decoded(der)); }
+
+void decode_and_encode_certificate(const Bytes &der) {
+  X509 *cert = decoded(der);
+  unsigned char *out = nullptr;
+  if (i2d_X509(cert, &out) < 1) std::abort();
+  OPENSSL_free(out);
+  X509_free(cert);
+}
+
+Names::Names(const Bytes &der) {
+  X509 *first = decoded(der), *second = decoded(der);
+  a = X509_NAME_dup(X509_get_issuer_name(first));
+  b = X509_NAME_dup(X509_get_issuer_name(second));
+  X509_free(first);
+  X509_free(second);
+}
+Names::~Names() {
+  X509_NAME_free(static_cast<X509_NAME *>(a));
+  X509_NAME_free(static_cast<X509_NAME *>(b));
+}
+int Names::compare() const { return X509_NAME_cmp(static_cast<X509_NAME *>(a), static_cast<X509_NAME *>(b)); }
+
+std::string oid_to_text(const Bytes &der) {
+  const unsigned char *at = der.data();
+  ASN1_OBJECT *object = d2i_ASN1_OBJECT(nullptr, &at, long(der.size()));
+  char text[100];
+  OBJ_obj2txt(text, sizeof text, object, 1);
+  ASN1_OBJECT_free(object);
+  return text;
+}
+size_t text_to_oid(const char *text) {
+  ASN1_OBJECT *object = OBJ_txt2obj(text, 1);
+  const size_t length = OBJ_length(object);
+  ASN1_OBJECT_free(object);
+  return length;
+}
+int row_of_text(const char *text) { return OBJ_txt2nid(text); }
+
+size_t decode_pem(const std::string &text) {
+  BIO *in = BIO_new_mem_buf(text.data(), int(text.size()));
+  char *name = nullptr, *header = nullptr;
+  unsigned char *data = nullptr;
+  long length = 0;
+  if (PEM_read_bio(in, &name, &header, &data, &length) != 1) std::abort();
+  OPENSSL_free(name);
+  OPENSSL_free(header);
+  OPENSSL_free(data);
+  BIO_free(in);
+  return size_t(length);
+}
+size_t encode_base64(const Bytes &octets) {
+  std::string out(octets.size() * 4 / 3 + 8, 0);
+  return size_t(EVP_EncodeBlock(reinterpret_cast<unsigned char *>(out.data()), octets.data(), int(octets.size())));
+}
+
+Verifier::Verifier(const Bytes &modulus, const Bytes &exponent) {
+  OSSL_PARAM_BLD *build = OSSL_PARAM_BLD_new();
+  BIGNUM *n = BN_bin2bn(modulus.data(), int(modulus.size()), nullptr);
+  BIGNUM *e = BN_bin2bn(exponent.data(), int(exponent.size()), nullptr);
+  OSSL_PARAM_BLD_push_BN(build, OSSL_PKEY_PARAM_RSA_N, n);
+  OSSL_PARAM_BLD_push_BN(build, OSSL_PKEY_PARAM_RSA_E, e);
+  OSSL_PARAM *parameters = OSSL_PARAM_BLD_to_param(build);
+  EVP_PKEY_CTX *maker = EVP_PKEY_CTX_new_from_name(nullptr, "RSA", nullptr);
+  EVP_PKEY *pkey = nullptr;
+  if (EVP_PKEY_fromdata_init(maker) != 1 || EVP_PKEY_fromdata(maker, &pkey, EVP_PKEY_PUBLIC_KEY, parameters) != 1) {
+    std::abort();
+  }
+  EVP_PKEY_CTX *verify = EVP_PKEY_CTX_new(pkey, nullptr);
+  EVP_PKEY_verify_init(verify);
+  EVP_PKEY_CTX_set_rsa_padding(verify, RSA_PKCS1_PADDING);
+  EVP_PKEY_CTX_set_signature_md(verify, EVP_sha256());
+  digest = EVP_MD_fetch(nullptr, "SHA256", nullptr);
+  key = pkey;
+  context = verify;
+  EVP_PKEY_CTX_free(maker);
+  OSSL_PARAM_free(parameters);
+  OSSL_PARAM_BLD_free(build);
+  BN_free(n);
+  BN_free(e);
+}
+Verifier::~Verifier() {
+  EVP_MD_free(static_cast<EVP_MD *>(digest));
+  EVP_PKEY_CTX_free(static_cast<EVP_PKEY_CTX *>(context));
+  EVP_PKEY_free(static_cast<EVP_PKEY *>(key));
+}
+bool Verifier::verify_sha256(const uint8_t *tbs, size_t tbs_length, const uint8_t *signature, size_t signature_length) {
+  unsigned char hash[32];
+  EVP_Digest(tbs, tbs_length, hash, nullptr, static_cast<EVP_MD *>(digest), nullptr);
+  return EVP_PKEY_verify(static_cast<EVP_PKEY_CTX *>(context), signature, signature_length, hash, sizeof hash) == 1;
+}
+
+}  // namespace peer
