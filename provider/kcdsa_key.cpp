@@ -165,24 +165,6 @@ bool kcdsa_power_secret(const KcdsaNumbers &numbers, BIGNUM *out, const BIGNUM *
          BN_mod_exp_mont_consttime(out, base, lifted.get(), numbers.p.get(), context, numbers.mod_p.get());
 }
 
-// Rejection keeps the distribution even; a bias of a few bits in nonces gives the key away.
-BnOwner kcdsa_random_exponent(const KcdsaNumbers &numbers, int &error) noexcept {
-  Wiped<std::array<uint8_t, kMaxKcdsaQOctets>> octets;
-  const int top_bits = (BN_num_bits(numbers.q.get()) - 1) % 8 + 1;
-  BnOwner out(BN_new());
-  for (error = PKV_ERR_NO_MEMORY; out;) {
-    error = PKV_Rand_Bytes(octets.value.data(), int(numbers.q_length));
-    if (error) return nullptr;
-    octets.value[0] &= uint8_t(0xFF >> (8 - top_bits));
-    error = PKV_ERR_NO_MEMORY;
-    if (!BN_bin2bn(octets.value.data(), int(numbers.q_length), out.get())) return nullptr;
-    if (BN_is_zero(out.get()) || BN_ucmp(out.get(), numbers.q.get()) >= 0) continue;
-    BN_set_flags(out.get(), BN_FLG_CONSTTIME);
-    return out;
-  }
-  return nullptr;
-}
-
 int kcdsa_default_digest(const KCDSA_UNIT &key) noexcept {
   switch (key.part ? PKV_Get_BIGINT_Bit_Length(key.part->number(PKV_KCDSA_Q)) : 0) {
     case 160:
@@ -253,7 +235,7 @@ int PKV_Generate_KCDSA(KCDSA_UNIT *key) noexcept {
   int error = 0;
   const KcdsaNumbers *numbers = kcdsa_numbers(*key, error);
   if (!numbers) return error;
-  const BnOwner x = kcdsa_random_exponent(*numbers, error);
+  const BnOwner x = random_exponent(numbers->q.get(), error);
   if (!x) return error;
   const BnOwner y = compute_y(*numbers, x.get());
   return y ? set_pair(*key, x.get(), y.get()) : PKV_ERR_NO_MEMORY;

@@ -110,7 +110,7 @@ struct Signature {
 int sign_once(const KcdsaNumbers &numbers, const Hash &hash, const BIGNUM *x, const Digest &message, Signature &out,
               bool &zero) noexcept {
   int error = 0;
-  const BnOwner k = kcdsa_random_exponent(numbers, error);
+  const BnOwner k = random_exponent(numbers.q.get(), error);
   if (!k) return error;
   const BnCtxOwner context(BN_CTX_new());
   const BnOwner w(BN_new()), s(BN_new());

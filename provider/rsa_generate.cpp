@@ -67,7 +67,7 @@ int PKV_Generate_RSA(RSA_UNIT *key, int bits, unsigned int exponent, PKV_PROGRES
   if (!key) return PKV_ERR_NULL;
   if (exponent == 0) exponent = kUsualExponent;
   if (bits < kMinGeneratedBits || bits > kMaxRsaBits || exponent % 2 == 0 || exponent < 3) return PKV_ERR_BAD_VALUE;
-  QuietErrors quiet;
+  ErrorScope errors;
   Progress reporting{progress, context, 0};
   const PkeyOwner made = generate(bits, exponent, reporting);
   return made ? take_numbers(key, made.get()) : PKV_ERR_FAILED;

@@ -140,7 +140,7 @@ int PKV_Check_RSA(const RSA_UNIT *key) noexcept {
   const RsaPart &part = *key->part;
   if (!rsa_has_private_numbers(part)) return PKV_ERR_BAD_VALUE;
   if (!part.number(PKV_RSA_P) || !part.number(PKV_RSA_Q)) return check_by_trial(*key, length);
-  QuietErrors quiet;
+  ErrorScope errors;
   PrivateNumbers numbers;
   if (!numbers.load(part)) return PKV_ERR_NO_MEMORY;
   return has_consistent_primes(numbers) ? 0 : PKV_ERR_BAD_VALUE;

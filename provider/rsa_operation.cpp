@@ -126,7 +126,7 @@ int rsa_public_operation(const RSA_UNIT &key, const uint8_t *in, uint8_t *out) n
 
 int rsa_private_operation(const RSA_UNIT &key, const uint8_t *in, uint8_t *out) noexcept {
   if (!key.part || !rsa_has_private_numbers(*key.part)) return PKV_ERR_BAD_VALUE;
-  QuietErrors quiet;
+  ErrorScope errors;
   EVP_PKEY *pkey = key.part->extra.private_half.get([&] { return prepare_private(*key.part); });
   if (!pkey) return PKV_ERR_FAILED;
   const auto length = size_t(key.part->number(PKV_RSA_N)->length);

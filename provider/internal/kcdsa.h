@@ -56,8 +56,6 @@ const KcdsaNumbers *kcdsa_numbers(const KCDSA_UNIT &key, int &error) noexcept;
 // base^exponent mod p for a secret exponent below q and a base of order q, in a time that depends on the sizes only.
 bool kcdsa_power_secret(const KcdsaNumbers &numbers, BIGNUM *out, const BIGNUM *base, const BIGNUM *exponent,
                         BN_CTX *context) noexcept;
-// A number of 1 to q - 1, all equally likely.
-BnOwner kcdsa_random_exponent(const KcdsaNumbers &numbers, int &error) noexcept;
 // The digest that goes with the length of q, 0 for a length that none goes with.
 int kcdsa_default_digest(const KCDSA_UNIT &key) noexcept;
 

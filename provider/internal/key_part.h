@@ -2,13 +2,12 @@
 // operations prepare from it at first use.
 #pragma once
 
-#include <openssl/err.h>
-
 #include <array>
 #include <atomic>
 #include <cstring>
 
 #include "provider/internal/bigint.h"
+#include "provider/internal/libcrypto.h"
 #include "provider/internal/memory.h"
 
 namespace velcrypto {
@@ -99,8 +98,7 @@ class Shared {
   Part *part_ = nullptr;
 };
 
-// Something made from a part at first use. Threads that come at the same time each make one, and one compare-exchange
-// decides whose stays: no lock, and nobody waits.
+// Something made from a part at first use, without a lock: see keep_once.
 template <class T, auto release_one>
 class Prepared {
  public:
@@ -113,13 +111,7 @@ class Prepared {
   // What `make_one` made now or before; null when it made nothing.
   template <class Make>
   T *get(Make make_one) const noexcept {
-    if (T *held = slot_.load(std::memory_order_acquire)) return held;
-    T *made = make_one();
-    if (!made) return nullptr;
-    T *first = nullptr;
-    if (slot_.compare_exchange_strong(first, made, std::memory_order_acq_rel, std::memory_order_acquire)) return made;
-    release_one(made);
-    return first;
+    return keep_once(slot_, release_one, make_one);
   }
 
  private:
@@ -132,16 +124,10 @@ struct Signer {
   void *context = nullptr;
 };
 
-// The thread's libcrypto errors are the application's: what a refused input leaves there is taken away again.
-class QuietErrors {
- public:
-  QuietErrors() noexcept { ERR_set_mark(); }
-  ~QuietErrors() { ERR_pop_to_mark(); }
-  QuietErrors(const QuietErrors &) = delete;
-  QuietErrors &operator=(const QuietErrors &) = delete;
-};
-
 using BnMontOwner = owned<BN_MONT_CTX, BN_MONT_CTX_free>;
+
+// A number of 1 to order - 1, all equally likely, for a private value or a nonce; null with the reason in `error`.
+BnOwner random_exponent(const BIGNUM *order, int &error) noexcept;
 
 // Digests that may be signed: known ones, without the HMAC flag.
 inline bool is_digest(int digest_id) noexcept {
