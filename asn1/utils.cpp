@@ -53,7 +53,12 @@ void put_pairs(Octets octets, Printer &out) noexcept {
 }
 
 void put_text(Octets text, Printer &out) noexcept {
-  for (const uint8_t c : text) out.put(c < 0x20 || c == 0x7F || (c >= 0x80 && c < 0xA0) ? '.' : char(c));
+  while (!text.empty()) {
+    const size_t length = is_printable(text[0]) ? 1 : utf8_length(text);
+    for (const uint8_t octet : text.first(length)) out.put(char(octet));
+    if (length == 0) out.put('.');
+    text = text.subspan(length ? length : 1);
+  }
 }
 
 constexpr size_t kDumpWidth = 16;

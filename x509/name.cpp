@@ -1,5 +1,6 @@
 // X509_NAME: its life, its children, its codec.
 #include <velpki/asn1_error.h>
+#include <velpki/convert.h>
 
 #include "x509/internal/x509.h"
 
@@ -135,6 +136,33 @@ int add_X509_NAME_child_OID(X509_NAME *name, const OBJECT_IDENTIFIER *oid, int t
   Octets value;
   if (!octets_given(bytes, length, value)) return 1;
   return insert_child(name, oid, owned<ASN1_STRING>(new_string(type, value)), position);
+}
+
+namespace {
+
+// A string of the given type from UTF-8; null when the text has no such form.
+owned<ASN1_STRING> string_from_utf8(int type, const char *text, int length) noexcept {
+  unsigned char *ucs2 = nullptr;
+  const int size = utf8ToUnicode(text, length, &ucs2);
+  const owned<unsigned char> owner(ucs2);
+  if (type == TYPE_BMP_STRING) return owned<ASN1_STRING>(size < 0 ? nullptr : new_BMP_STRING(ucs2, size));
+  const auto *octets = reinterpret_cast<const unsigned char *>(text);
+  if (type == TYPE_UTF8_STRING) return owned<ASN1_STRING>(new_UTF8_STRING(octets, length));
+  if (type == TYPE_PRINTABLE_STRING) return owned<ASN1_STRING>(new_PRINTABLE_STRING(octets, length));
+  if (type == TYPE_IA5_STRING) return owned<ASN1_STRING>(new_IA5_STRING(octets, length));
+  char *latin1 = nullptr;
+  const int count = type == TYPE_T61_STRING && size >= 0 ? uniToasc(ucs2, size, &latin1) : -1;
+  const owned<char> latin1_owner(latin1);
+  return owned<ASN1_STRING>(count < 0 ? nullptr : new_T61_STRING(reinterpret_cast<unsigned char *>(latin1), count));
+}
+
+}  // namespace
+
+int add_X509_NAME_child_OID_UTF8(X509_NAME *name, const OBJECT_IDENTIFIER *oid, int type, const char *text, int length,
+                                 int position) noexcept {
+  if (!text) return 1;
+  const size_t measured = length < 0 ? std::string_view(text).size() : size_t(length);
+  return measured > INT_MAX ? 1 : insert_child(name, oid, string_from_utf8(type, text, int(measured)), position);
 }
 
 int add_X509_NAME_child_OID_index(X509_NAME *name, int oid_index, int type, const unsigned char *bytes, int length,
