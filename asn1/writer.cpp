@@ -48,9 +48,10 @@ size_t write_length(size_t length, uint8_t *out) noexcept {
     out[0] = uint8_t(length);
     return 1;
   }
-  const size_t count = (size_t(std::bit_width(length)) + 7) / 8;
+  const uint32_t value = uint32_t(length);  // nothing here is longer than INT_MAX
+  const size_t count = (size_t(std::bit_width(value)) + 7) / 8;
   out[0] = uint8_t(0x80 | count);
-  for (size_t i = 0; i < count; ++i) out[1 + i] = uint8_t(length >> (8 * (count - 1 - i)));
+  for (size_t i = 0; i < count; ++i) out[1 + i] = uint8_t(value >> (8 * (count - 1 - i)));
   return 1 + count;
 }
 

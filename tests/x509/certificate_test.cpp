@@ -1,0 +1,334 @@
+// Certificates: codec, codes, signatures, dates, digests, and openssl as the other side.
+#include "samples.h"
+
+using namespace test;
+
+namespace {
+
+// One RSA and one KCDSA key for the whole program; the domain is the published 1024/160 one.
+RSA_UNIT *rsa_key() {
+  static RSA_UNIT *const key = [] {
+    RSA_UNIT *made = PKV_New_RSA();
+    EXPECT_EQ(PKV_Generate_RSA(made, 1024, 0, nullptr, nullptr), 0);
+    return made;
+  }();
+  return key;
+}
+
+const char kP[] =
+    "d7b9afc104f4d53f737db88d6bf77e12cd7ec3d71cbe3cb74cd224bff348154afba6bfed797044dfc655dcc20c952c0ec43a97e1ad67e687d107"
+    "29caf622845d162afca8f0248cc412b3596c4c5d3384f7e25ee644ba87bb09b164fb465477b87fdba5eaa400ffa0925714ae19464ffacead3a97"
+    "50d121948ab2d8d65c82379f";
+const char kQ[] = "c3ddd3717bf05b8f8dd725c162f0b9432c6f77fb";
+const char kG[] =
+    "50e414c7a56892d1ad633e42d5cd8346f2c09808111c772cc30b0c544102c27e7b5f9bec57b9df2a153128919d795e46652b2a072e1f2517f2a3"
+    "afff5815253aaefe35724cfa1af6afce3a6b41e3d0e13bed0eff54383c4665e69b47ba79bbc3339f86b9be2b58894a18b201afc41fe3a0d93d31"
+    "25efda79bc50dbbb2c3ab639";
+
+KCDSA_UNIT *kcdsa_key() {
+  static KCDSA_UNIT *const key = [] {
+    KCDSA_UNIT *made = PKV_New_KCDSA();
+    const Bytes seed = hex("68adb0d1b6aef144a950f3e784c9893d3604090e");
+    EXPECT_EQ(PKV_Set_KCDSA_Params(made, number(kP).get(), number(kQ).get(), number(kG).get(), nullptr, nullptr,
+                                   seed.data(), int(seed.size()), 5189),
+              0);
+    EXPECT_EQ(PKV_Generate_KCDSA(made), 0);
+    return made;
+  }();
+  return key;
+}
+
+// The keys above live to the end of the program and are no leak of the test that happens to make them first.
+class Certificates : public testing::Test {
+ protected:
+  static void SetUpTestSuite() { rsa_key(), kcdsa_key(); }
+};
+
+Owned<ASYMMETRIC_KEY> rsa() { return Owned<ASYMMETRIC_KEY>(RSA_UNIT_to_ASYMMETRIC_KEY(rsa_key())); }
+Owned<ASYMMETRIC_KEY> kcdsa() { return Owned<ASYMMETRIC_KEY>(KCDSA_UNIT_to_ASYMMETRIC_KEY(kcdsa_key())); }
+
+Owned<X509_TIME> time(const char *text) {
+  const Time made(charToASN1_TIME(text));
+  return Owned<X509_TIME>(asn1TimeToX509_TIME_RFC5280(made.get()));
+}
+
+// A certificate with everything but a signature.
+Certificate unsigned_certificate(int signature_row, bool with_kcdsa) {
+  Certificate cert(new_X509_CERT());
+  const String algorithm(index_to_OBJECT_IDENTIFIER(signature_row));
+  const Owned<X509_PUBKEY> pubkey(new_X509_PUBKEY());
+  const Name subject(new_X509_NAME());
+  add_X509_NAME_child_OID_index(subject.get(), 13, 12, reinterpret_cast<const unsigned char *>("velPKI"), -1, -1);
+  EXPECT_EQ(with_kcdsa ? set_X509_PUBKEY_kcdsa(pubkey.get(), kcdsa_key()) : set_X509_PUBKEY_rsa(pubkey.get(), rsa_key()), 0);
+  EXPECT_EQ(set_X509_serial(cert.get(), number("80").get()), 0);
+  EXPECT_EQ(set_X509_signature(cert.get(), algorithm.get()), 0);
+  EXPECT_EQ(set_X509_issuer(cert.get(), subject.get()), 0);
+  EXPECT_EQ(set_X509_subject(cert.get(), subject.get()), 0);
+  EXPECT_EQ(set_X509_notBefore(cert.get(), time("2020-01-01,00:00:00").get()), 0);
+  EXPECT_EQ(set_X509_notAfter(cert.get(), time("2050-01-01,00:00:00").get()), 0);
+  EXPECT_EQ(set_X509_pub_key(cert.get(), pubkey.get()), 0);
+  return cert;
+}
+
+TEST_F(Certificates, SignAndVerifyByKeyAndAlgorithm) {
+  struct Case {
+    int row;
+    bool kcdsa;
+    int sign;  // 0, or the code
+  };
+  const Case cases[] = {{65, false, 0},   {668, false, 0},  {669, false, 0}, {670, false, 0}, {671, false, 0}, {8, false, 0},
+                        {783, true, 0},   {784, true, 0},   {801, true, 0},  {802, true, 0},
+                        {782, true, F_GEN_KCDSASIGN_TBS_CERT | 0x2B},  // kcdsa1 has no digest
+                        {435, false, F_GEN_RSASIGN_TBS_CERT | 0x2B},   // nor has PSS
+                        {835, false, F_GEN_RSASIGN_TBS_CERT | 0x2B}, {96, false, F_GEN_RSASIGN_TBS_CERT | 0x2B},
+                        {13, false, F_GEN_RSASIGN_TBS_CERT | 0x2B}};
+  for (const Case &c : cases) {
+    const Certificate cert = unsigned_certificate(c.row, c.kcdsa);
+    const Owned<ASYMMETRIC_KEY> key = c.kcdsa ? kcdsa() : rsa();
+    EXPECT_EQ(gen_SIG_X509_Cert(cert.get(), key.get()), c.sign) << c.row;
+    if (c.sign) continue;
+    EXPECT_EQ(verify_SIG_X509_CERT(cert.get(), key.get()), 0) << c.row;
+    const Certificate back = read_certificate(hex(written(cert.get())));
+    ASSERT_TRUE(back) << c.row;
+    EXPECT_EQ(verify_SIG_X509_CERT(back.get(), get_X509_SPKI(back.get())->key), 0) << c.row;
+    back->sig_value->data[back->sig_value->length - 1] ^= 1;
+    EXPECT_EQ(verify_SIG_X509_CERT(back.get(), key.get()), PKV_ERR_MISMATCH) << c.row;
+  }
+}
+
+TEST_F(Certificates, OtherKeysFailPlainly) {
+  const Certificate cert = unsigned_certificate(840, false);
+  const Owned<ASYMMETRIC_KEY> empty(new_ASYMMETRIC_KEY());
+  EXPECT_EQ(gen_SIG_X509_Cert(cert.get(), empty.get()), 1);
+  EXPECT_EQ(gen_SIG_X509_Cert(cert.get(), nullptr), 1);
+  EXPECT_EQ(verify_SIG_X509_CERT(cert.get(), empty.get()), 1);
+  EXPECT_EQ(verify_RSA_SIG_X509_CERT(cert.get(), nullptr), F_VERIFY_RSASIGN_TBS_CERT | 0x49);
+  EXPECT_EQ(verify_KCDSA_SIG_X509_CERT(nullptr, kcdsa_key()), F_VERIFY_KCDSASIGN_TBS_CERT | 0x49);
+  EXPECT_EQ(check_X509_keypair(cert.get(), rsa().get()), 0);
+  EXPECT_EQ(check_X509_keypair(cert.get(), kcdsa().get()), 1);
+  EXPECT_EQ(check_X509_keypair(cert.get(), nullptr), 1);
+}
+
+TEST_F(Certificates, MissingFieldsHaveTheirCodes) {
+  const auto code = [](const X509_CERT *cert) {
+    ASN1_UNIT *out = nullptr;
+    return X509_CERT_to_Seq(cert, &out);
+  };
+  const Certificate cert(new_X509_CERT()), whole = unsigned_certificate(668, false);
+  X509_TBS_CERT &tbs = *cert->tbs;
+  const int f = F_X509_TBS_CERT_TO_SEQ;
+  EXPECT_EQ(code(cert.get()), f | ERR_TBS_CERT_SERIAL);
+  tbs.serialNumber = PKV_Dup_BIGINT(whole->tbs->serialNumber);
+  EXPECT_EQ(code(cert.get()), f | ERR_TBS_CERT_SIGNATURE);
+  tbs.signature = dup_ASN1_STRING(whole->tbs->signature);
+  EXPECT_EQ(code(cert.get()), f | ERR_TBS_CERT_ISSUER);
+  tbs.issuer = dup_X509_NAME(whole->tbs->issuer);
+  EXPECT_EQ(code(cert.get()), f | ERR_TBS_CERT_VALIDITY);
+  tbs.notBefore = dup_X509_TIME(whole->tbs->notBefore);
+  tbs.notAfter = dup_X509_TIME(whole->tbs->notAfter);
+  EXPECT_EQ(code(cert.get()), f | ERR_TBS_CERT_SUBJECT);
+  tbs.subject = dup_X509_NAME(whole->tbs->subject);
+  EXPECT_EQ(code(cert.get()), f | ERR_TBS_CERT_SPKI);
+  tbs.subjectPublicKeyInfo = dup_X509_PUBKEY(whole->tbs->subjectPublicKeyInfo);
+  EXPECT_EQ(code(cert.get()), F_X509_CERT_TO_SEQ | ERR_ASN1_ENCODING);
+  tbs.notAfter->type = 7;
+  EXPECT_EQ(code(cert.get()), f | ERR_ASN1_ENCODING);
+  tbs.notAfter->type = X509_TIME_UTC;
+  set_ASN1_STRING_value(tbs.signature, 6, reinterpret_cast<const unsigned char *>("1.2."), 4);
+  EXPECT_EQ(code(cert.get()), f | 0x3C);
+  EXPECT_EQ(set_X509_version(cert.get(), 3), F_SET_X509_VERSION | 0x2B);
+  EXPECT_EQ(set_X509_notAfter(cert.get(), nullptr), F_SET_X509_NOTAFTER | 0x49);
+  clean_X509_CERT(cert.get());
+  EXPECT_EQ(set_X509_version(cert.get(), 1), 0);
+  EXPECT_EQ(get_X509_version(cert.get()), 1);
+}
+
+TEST(CertificateCodec, WhatIsReadAndWhatIsRefused) {
+  const int malformed = F_SEQ_TO_X509_TBS_CERT | ERR_ASN1_DECODING;
+  struct Case {
+    const char *why;
+    CertificateParts parts;
+    int house, standard;
+    bool same = true;  // the house form writes back what it read
+  };
+  const auto with = [](auto change) {
+    CertificateParts parts;
+    change(parts);
+    return parts;
+  };
+  using P = CertificateParts &;
+  const Bytes ext = CertificateParts().tail;
+  const Case cases[] = {
+      {"whole", {}, 0, 0},
+      {"v1", with([](P p) { p.version = {}, p.tail = {}; }), 0, 0},
+      {"version of two octets", with([](P p) { p.version = TLV(0xA0, "02020100"); }), malformed, malformed},
+      {"version 255", with([](P p) { p.version = TLV(0xA0, "0201ff"); }), 0, 0},
+      {"serial as [2]", with([](P p) { p.serial = TLV(0x82, "05"); }), 0, malformed, false},
+      {"negative serial", with([](P p) { p.serial = TLV(0x02, "ff"); }), 0, 0, false},
+      {"subject unique identifier", with([&](P p) { p.tail = TLV(0x82, "00aa") + ext; }), malformed, 0},
+      {"extensions as [19]", with([](P p) { p.tail[0] = 0xB3; }), 0, malformed, false},
+      {"something after the extensions", with([](P p) { p.tail = p.tail + TLV(0x02, "05"); }), 0, malformed, false},
+      {"empty [3]", with([](P p) { p.tail = TLV(0xA3, ""); }), malformed, malformed},
+      {"a name that is malformed", with([](P p) { p.issuer = TLV(0x30, "3100"); }), malformed, malformed},
+      {"an unknown key", with([](P p) { p.spki = TLV(0x30, TLV(0x30, "06032b6570") + TLV(0x03, "00aa")); }), malformed, 0},
+      {"absent parameters", with([](P p) { p.signature = p.outer = TLV(0x30, "06092a864886f70d01010b"); }), 0, 0, false},
+      {"a time of another type", with([](P p) { p.validity = TLV(0x30, TLV(0x16, "41") + TLV(0x17, "41")); }), malformed, malformed},
+      {"unused bits", with([](P p) { p.value[3] = 3; }), 0, 0},
+  };
+  for (const Case &c : cases) {
+    int code = -1;
+    const Bytes der = c.parts.der();
+    const Certificate house = read_certificate(der, &code);
+    EXPECT_EQ(code, c.house) << c.why;
+    if (house) EXPECT_EQ(written(house.get()) == to_hex(der), c.same) << c.why;
+    X509_CERT *standard = nullptr;
+    EXPECT_EQ(readDER_X509_CERT_from_Binary_RFC5280(&standard, der.data(), int(der.size())), c.standard) << c.why;
+    const Certificate owner(standard);
+    if (!standard) continue;
+    ASN1_UNIT *out = nullptr;
+    EXPECT_EQ(X509_CERT_to_Seq_RFC5280(standard, &out), 0) << c.why;
+    EXPECT_EQ(flat(out), to_hex(der)) << c.why;
+    free_ASN1_UNIT(out);
+  }
+  EXPECT_EQ(Seq_to_X509_TBS_CERT(unit("0400").get(), std::make_unique<X509_TBS_CERT *>().get()),
+            F_SEQ_TO_X509_TBS_CERT | 0x2B);
+}
+
+// Octets that were never signed: the house verification does not see them, the standard one does.
+TEST_F(Certificates, UnsignedChangesAndBothVerifications) {
+  const Certificate cert = unsigned_certificate(668, false);
+  ASSERT_EQ(gen_SIG_X509_Cert(cert.get(), rsa().get()), 0);
+  const Bytes der = hex(written(cert.get()));
+  const auto verify_both = [&](const Bytes &octets) {
+    const Certificate house = read_certificate(octets);
+    X509_CERT *standard = nullptr;
+    readDER_X509_CERT_from_Binary_RFC5280(&standard, octets.data(), int(octets.size()));
+    const Certificate owner(standard);
+    const Owned<X509_PUBKEY> issuer(dup_X509_PUBKEY(get_X509_SPKI(cert.get())));
+    return std::pair(house ? verify_SIG_X509_CERT(house.get(), rsa().get()) : -1,
+                     standard ? verify_SIG_X509_CERT_RFC5280(standard, issuer.get()) : -1);
+  };
+  EXPECT_EQ(verify_both(der), std::pair(0, 0));
+  Bytes serial = der;  // the serial number's identifier stands behind the version
+  const size_t at = size_t(std::search(der.begin(), der.end(), std::begin({0x02, 0x02, 0x00, 0x80}),
+                                       std::end({0x02, 0x02, 0x00, 0x80})) - der.begin());
+  ASSERT_LT(at, der.size());
+  serial[at] = 0x82;
+  EXPECT_EQ(verify_both(serial).first, 0);
+  EXPECT_NE(verify_both(serial).second, 0);
+  Bytes outer = der;  // the outer algorithm becomes that of another row
+  const Bytes rsa_sha256 = hex("2a864886f70d01010b");
+  const auto last = std::find_end(outer.begin(), outer.end(), rsa_sha256.begin(), rsa_sha256.end());
+  last[8] = 0x0C;
+  EXPECT_NE(verify_both(outer).first, 0);
+  EXPECT_EQ(verify_both(outer).second, F_VERIFY_RSASIGN_TBS_CERT | ERR_ALGORITHM_MISMATCH);
+}
+
+TEST_F(Certificates, SettersDropWhatWasReceived) {
+  const Certificate cert = read_certificate(CertificateParts().der());
+  int length = 0;
+  ASSERT_TRUE(get_X509_received(cert.get(), 1, &length));
+  EXPECT_EQ(to_hex(get_X509_received(cert.get(), 1, nullptr), size_t(length)), to_hex(CertificateParts().tbs()));
+  const Certificate copy(dup_X509_CERT(cert.get()));
+  EXPECT_EQ(set_X509_serial(cert.get(), get_X509_serial(cert.get())), 0);  // a member may be set to itself
+  EXPECT_EQ(get_X509_received(cert.get(), 0, &length), nullptr);
+  EXPECT_EQ(length, 0);
+  EXPECT_TRUE(get_X509_received(copy.get(), 0, &length));
+}
+
+TEST(CertificateValidity, BoundsByBothRules) {
+  CertificateParts parts;  // 2026-01-01 to 2030-01-01
+  struct Case {
+    const char *now;
+    int house, standard;
+  };
+  const int f = F_VERIFY_X509_VALIDITY;
+  for (const char *zone : {"UTC", "Asia/Seoul", "America/New_York"}) {
+    setenv("TZ", zone, 1);
+    for (const Case &c : {Case{"2026-01-01,00:00:00", f | ERR_INVALID_CERT_NOT_BEFORE, 0},
+                          {"2025-12-31,23:59:59", f | ERR_INVALID_CERT_NOT_BEFORE, f | ERR_INVALID_CERT_NOT_BEFORE},
+                          {"2026-01-01,00:00:01", 0, 0},
+                          {"2026-01-01,09:00:00", 0, 0},
+                          {"2029-12-31,23:59:59", 0, 0},
+                          {"2030-01-01,00:00:00", f | ERR_INVALID_CERT_NOT_AFTER, 0},
+                          {"2030-01-01,00:00:01", f | ERR_INVALID_CERT_NOT_AFTER, f | ERR_INVALID_CERT_NOT_AFTER}}) {
+      const Certificate cert = read_certificate(parts.der());
+      EXPECT_EQ(verify_X509_validity(cert.get(), time(c.now).get()), c.house) << zone << " " << c.now;
+      EXPECT_EQ(verify_X509_validity_RFC5280(cert.get(), time(c.now).get()), c.standard) << zone << " " << c.now;
+      EXPECT_EQ(verify_X509_validity(cert.get(), nullptr), 0);
+    }
+  }
+  unsetenv("TZ");
+  const Certificate cert = read_certificate(parts.der());
+  X509_TIME odd{7, nullptr};
+  EXPECT_EQ(verify_X509_validity(cert.get(), &odd), f | ERR_INVALID_X509_TIME_TYPE);
+  EXPECT_EQ(verify_X509_validity(nullptr, nullptr), f | 0x49);
+  free_X509_TIME(cert->tbs->notBefore);
+  cert->tbs->notBefore = nullptr;
+  EXPECT_EQ(verify_X509_validity(cert.get(), nullptr), 0);
+  EXPECT_EQ(verify_X509_validity_RFC5280(cert.get(), nullptr), f | ERR_CERT_NOT_BEFORE);
+}
+
+TEST_F(Certificates, OpensslTakesThem) {
+  const Certificate cert = unsigned_certificate(668, false);
+  set_X509_version(cert.get(), 2);
+  ASSERT_EQ(gen_SIG_X509_Cert(cert.get(), rsa().get()), 0);
+  const std::string path = temporary_path("own.pem"), key = temporary_path("own.key");
+  ASSERT_GT(writePEM_X509_CERT_to_FILE(cert.get(), path.c_str()), 1);
+  int status = -1;
+  const std::string shown = run("openssl x509 -in " + path + " -noout -subject -serial -dates -fingerprint -sha256 2>&1", &status);
+  EXPECT_EQ(status, 0) << shown;
+  EXPECT_NE(shown.find("CN = velPKI"), shown.npos) << shown;
+  EXPECT_NE(shown.find("serial=80"), shown.npos) << shown;
+  EXPECT_NE(shown.find("notAfter=Jan  1 00:00:00 2050 GMT"), shown.npos) << shown;
+  EXPECT_NE(run("openssl verify -CAfile " + path + " " + path + " 2>&1").find("OK"), std::string::npos);
+  // And the other way: a certificate and its public key file by openssl.
+  run("openssl req -x509 -newkey rsa:1024 -nodes -keyout " + key + " -out " + path + " -subj /O=peer/CN=other -days 3 2>&1");
+  X509_CERT *peer = nullptr;
+  ASSERT_EQ(readPEM_X509_CERT_from_File(&peer, path.c_str()), 0);
+  const Certificate owner(peer);
+  EXPECT_EQ(verify_SIG_X509_CERT(peer, get_X509_SPKI(peer)->key), 0);
+  const String subject(dup_ASN1_STRING(get_X509_NAME_CHILD_data(get_X509_NAME_CHILD(get_X509_subject(peer), 1))));
+  EXPECT_EQ(text_of(subject.get()), "other");
+  char *pem = nullptr;
+  ASSERT_GT(writePEM_X509_PUBKEY_to_Binary(get_X509_SPKI(peer), &pem), 1);
+  EXPECT_EQ(std::string(pem), run("openssl rsa -in " + key + " -pubout 2>/dev/null"));
+  PKV_Free(pem, __FILE__, __LINE__);
+}
+
+TEST(CertificateLists, SearchAndPair) {
+  X509_CERTIFICATES *list = new_X509_CERTIFICATES();
+  CertificateParts other;
+  other.serial = TLV(0x02, "06");
+  const Certificate a = read_certificate(CertificateParts().der()), b = read_certificate(other.der());
+  EXPECT_EQ(add_X509_CERTIFICATES(list, a.get()), 0);
+  EXPECT_EQ(get_X509_CERTS_index_by_X509_CERT(list, b.get()), -1);
+  EXPECT_EQ(add_X509_CERTIFICATES(list, b.get()), 0);
+  EXPECT_EQ(get_X509_CERTS_index_by_X509_CERT(list, b.get()), 1);
+  EXPECT_EQ(add_X509_CERTIFICATES(nullptr, b.get()), 1);
+  ISSUER_AND_SERIAL_NUMBER *wanted = nullptr;
+  ASSERT_EQ(Seq_to_ISSUER_AND_SERIAL_NUMBER(unit(TLV(0x30, other.issuer + other.serial)).get(), &wanted), 0);
+  EXPECT_EQ(find_X509_CERT_by_IssuerAndSerialNumber(list, wanted), get_STACK_value(list, 1));
+  EXPECT_EQ(cmp_ISSUER_AND_SERIAL_NUMBER(a.get(), wanted), -1);
+  EXPECT_EQ(find_X509_CERT_by_IssuerAndSerialNumber(list, nullptr), nullptr);
+  X509_CERT_PAIR *pair = nullptr;
+  EXPECT_EQ(Seq_to_X509_CERT_PAIR(unit("3000").get(), &pair), F_SEQ_TO_X509_CERT_PAIR | ERR_ASN1_DECODING);
+  free_ISSUER_AND_SERIAL_NUMBER(wanted);
+  free_X509_CERTIFICATES(list);
+}
+
+TEST(CertificatePrinting, ShowsHostileTextAsOctets) {
+  CertificateParts parts;
+  parts.subject = TLV(0x30, TLV(0x31, TLV(0x30, TLV(0x06, "550403") + TLV(0x0C, "411b5b324a0a25730a"))));
+  const Certificate cert = read_certificate(parts.der());
+  const std::string out =
+      captured_stdout([](const void *c) { print_X509(static_cast<const X509_CERT *>(c)); }, cert.get());
+  EXPECT_NE(out.find("  - CN=A\\x1B[2J\\x0A%s\\x0A\n"), out.npos) << out;
+  EXPECT_EQ(out.find('\x1b'), out.npos);
+  for (const char *line : {"+ Version : 02\n+ Serial : 05\n", "+ Validity\n  -  notBefore : 260101000000Z\n",
+                           "+ SPKI\n  -  1.2.840.113549.1.1.1 - rsaEncryption \n  -  n : C5:C5", "  -  e : 01:00:01\n+ SIG and VALUE\n",
+                           "+ SPKI Hash\n  -  value : "})
+    EXPECT_NE(out.find(line), out.npos) << line << out;
+}
+
+}  // namespace

@@ -1,0 +1,258 @@
+// Names, algorithm identifiers, attributes and extension records.
+#include <climits>
+
+#include "samples.h"
+
+using namespace test;
+
+namespace {
+
+constexpr int kCommonName = 13;
+
+Name name(std::initializer_list<std::pair<int, const char *>> children) {
+  Name made(new_X509_NAME());
+  for (const auto &[type, text] : children) {
+    EXPECT_EQ(add_X509_NAME_child_OID_index(made.get(), kCommonName, type,
+                                            reinterpret_cast<const unsigned char *>(text), -1, -1),
+              0);
+  }
+  return made;
+}
+
+Name decoded_name(const Bytes &der, int (*decode)(ASN1_UNIT *, X509_NAME **) = Seq_to_X509_NAME, int *code = nullptr) {
+  X509_NAME *made = nullptr;
+  const int result = decode(unit(der).get(), &made);
+  if (code) *code = result;
+  return Name(made);
+}
+
+const Bytes kCn = TLV(0x06, "550403");
+Bytes ava(const Bytes &value) { return TLV(0x30, kCn + value); }
+
+TEST(Names, Compare) {
+  const Name a = name({{12, "a"}}), same = name({{12, "a"}}), other_type = name({{19, "a"}}), upper = name({{12, "A "}});
+  const Name two = name({{12, "a"}, {12, "b"}}), unencodable = name({{26, "a"}}), empty = name({});
+  EXPECT_EQ(cmp_X509_NAME(a.get(), same.get()), 0);
+  EXPECT_EQ(cmp_X509_NAME(a.get(), other_type.get()), -1);
+  EXPECT_EQ(cmp_X509_NAME(a.get(), two.get()), -1);
+  EXPECT_EQ(cmp_X509_NAME(a.get(), nullptr), 1);
+  EXPECT_EQ(cmp_X509_NAME(unencodable.get(), unencodable.get()), 1);
+  EXPECT_EQ(cmp_X509_NAME(a.get(), unencodable.get()), 1);
+  EXPECT_EQ(cmp_X509_NAME(empty.get(), empty.get()), 0);
+  EXPECT_EQ(cmp_X509_NAME_RFC5280(a.get(), other_type.get()), 0);
+  EXPECT_EQ(cmp_X509_NAME_RFC5280(a.get(), upper.get()), 0);
+  EXPECT_EQ(cmp_X509_NAME_RFC5280(a.get(), two.get()), -1);
+  EXPECT_EQ(cmp_X509_NAME_RFC5280(unencodable.get(), a.get()), 0);
+}
+
+// Values that encode alike although their members differ: an INTEGER with a zero in front.
+TEST(Names, CompareByEncoding) {
+  const Name padded(new_X509_NAME()), plain(new_X509_NAME());
+  const unsigned char zero_five[] = {0, 5}, five[] = {5};
+  add_X509_NAME_child_OID_index(padded.get(), kCommonName, 2, zero_five, 2, -1);
+  add_X509_NAME_child_OID_index(plain.get(), kCommonName, 2, five, 1, -1);
+  EXPECT_EQ(cmp_X509_NAME(padded.get(), plain.get()), 0);
+}
+
+TEST(Names, StandardComparisonFoldsText) {
+  struct Case {
+    int type_a;
+    const char *a;
+    int type_b;
+    const char *b;
+    int order;
+  };
+  for (const Case &c : {Case{12, "  Hello   World ", 19, "hello world", 0}, {12, "hello", 12, "hell o", -1},
+                        {12, "\xC3\xA9", 20, "\xE9", 0}, {12, "", 12, "   ", 0}, {12, "a b", 12, "a", -1},
+                        {4, "a", 12, "a", -1}}) {
+    EXPECT_EQ(cmp_X509_NAME_RFC5280(name({{c.type_a, c.a}}).get(), name({{c.type_b, c.b}}).get()), c.order)
+        << c.a << " | " << c.b;
+  }
+  const Bytes one = ava(TLV(0x0C, "41")), other = ava(TLV(0x0C, "42"));
+  const Name set = decoded_name(TLV(0x30, TLV(0x31, one + other)), Seq_to_X509_NAME_RFC5280);
+  const Name turned = decoded_name(TLV(0x30, TLV(0x31, other + one)), Seq_to_X509_NAME_RFC5280);
+  const Name apart = decoded_name(TLV(0x30, TLV(0x31, one) + TLV(0x31, other)), Seq_to_X509_NAME_RFC5280);
+  EXPECT_EQ(cmp_X509_NAME_RFC5280(set.get(), turned.get()), 0);
+  EXPECT_EQ(cmp_X509_NAME_RFC5280(set.get(), apart.get()), -1);
+}
+
+TEST(Names, MultivaluedSetsLoseAllButTheFirst) {
+  const Bytes der = TLV(0x30, TLV(0x31, ava(TLV(0x0C, "41")) + ava(TLV(0x0C, "42"))));
+  const Name plain = decoded_name(der), standard = decoded_name(der, Seq_to_X509_NAME_RFC5280);
+  EXPECT_EQ(get_X509_NAME_count(plain.get()), 1);
+  EXPECT_EQ(get_X509_NAME_count(standard.get()), 2);
+  ASN1_UNIT *out = nullptr;
+  ASSERT_EQ(X509_NAME_to_Seq(plain.get(), &out), 0);
+  EXPECT_EQ(flat(out), to_hex(TLV(0x30, TLV(0x31, ava(TLV(0x0C, "41"))))));
+  free_ASN1_UNIT(out);
+  int code = 0;
+  decoded_name(der, Seq_to_X509_NAME_strict, &code);
+  EXPECT_EQ(code, F_SEQ_TO_X509_NAME | ERR_MULTIVALUED_RDN);
+}
+
+TEST(Names, DecodeCodes) {
+  struct Case {
+    Bytes der;
+    int code;
+  };
+  const int malformed = F_SEQ_TO_X509_NAME | ERR_ASN1_DECODING;
+  for (const Case &c : {Case{TLV(0x30, ""), 0}, {TLV(0x30, "3100"), malformed}, {TLV(0x30, "3000"), malformed},
+                        {TLV(0x30, TLV(0x31, "3000")), malformed}, {TLV(0x30, TLV(0x31, TLV(0x30, kCn))), malformed},
+                        {TLV(0x30, TLV(0x31, ava(TLV(0x12, "31")))), malformed},
+                        {TLV(0x30, TLV(0x31, ava(TLV(0x1A, "31")))), 0}}) {
+    int code = -1;
+    const Name made = decoded_name(c.der, Seq_to_X509_NAME, &code);
+    EXPECT_EQ(code, c.code) << to_hex(c.der);
+    EXPECT_EQ(made != nullptr, c.code == 0);
+  }
+  X509_NAME *none = nullptr;
+  EXPECT_EQ(Seq_to_X509_NAME(nullptr, &none), F_SEQ_TO_X509_NAME | 0x49);
+}
+
+TEST(Names, EncodeRefillsAGivenUnit) {
+  const Name empty = name({}), bad = name({{26, "x"}});
+  ASN1_UNIT *given = unit("020105").release();
+  ASN1_UNIT *const address = given;
+  EXPECT_EQ(X509_NAME_to_Seq(empty.get(), &given), 0);
+  EXPECT_EQ(given, address);
+  EXPECT_EQ(flat(given), "3000");
+  EXPECT_EQ(X509_NAME_to_Seq(bad.get(), &given), F_X509_NAME_TO_SEQ | ERR_ASN1_ENCODING);
+  EXPECT_EQ(given->tag, nullptr);
+  free_ASN1_UNIT(given);
+  push_STACK_value(empty.get(), nullptr);
+  given = nullptr;
+  EXPECT_EQ(X509_NAME_to_Seq(empty.get(), &given), F_X509_NAME_TO_SEQ | 0x2B);
+}
+
+TEST(Names, HashAndSearch) {
+  const Name n = name({{12, "a"}, {12, "b"}});
+  const String cn(index_to_OBJECT_IDENTIFIER(kCommonName)), other(index_to_OBJECT_IDENTIFIER(14));
+  EXPECT_EQ(get_X509_NAME_index_by_OID(n.get(), cn.get(), -5), 0);
+  EXPECT_EQ(get_X509_NAME_index_by_OID(n.get(), cn.get(), 0), 1);
+  EXPECT_EQ(get_X509_NAME_index_by_OID(n.get(), cn.get(), 1), -1);
+  EXPECT_EQ(get_X509_NAME_index_by_OID(n.get(), cn.get(), INT_MAX), -1);
+  EXPECT_EQ(get_X509_NAME_index_by_OID(n.get(), other.get(), -1), -1);
+  unsigned char digest[64];
+  EXPECT_EQ(get_X509_NAME_hash(n.get(), PKV_DIGEST_SHA1, digest), 20);
+  EXPECT_EQ(get_X509_NAME_hash(name({}).get(), PKV_DIGEST_SHA1, digest), -1);
+  EXPECT_EQ(get_X509_NAME_hash(n.get(), 0x1234, digest), -1);
+}
+
+TEST(Names, TextIsConvertedOnlyByTheUtf8Sibling) {
+  const String cn(index_to_OBJECT_IDENTIFIER(kCommonName));
+  struct Case {
+    int type;
+    const char *text, *octets;  // null where refused
+  };
+  for (const Case &c : {Case{30, "\xED\x99\x8D", "d64d"}, {12, "\xED\x99\x8D", "ed998d"}, {20, "\xC3\xA9", "e9"},
+                        {19, "a*", nullptr}, {22, "\xC3\xA9", nullptr}, {30, "\xFF", nullptr}}) {
+    const Name n(new_X509_NAME());
+    EXPECT_EQ(add_X509_NAME_child_OID_UTF8(n.get(), cn.get(), c.type, c.text, -1, -1), c.octets ? 0 : 1) << c.text;
+    if (c.octets) EXPECT_EQ(octets_hex(get_X509_NAME_CHILD_data(get_X509_NAME_CHILD(n.get(), 0))), c.octets);
+  }
+}
+
+TEST(Algorithms, ParametersAndCounts) {
+  const String oid = test::oid("1.2.840.10045.4.3.2");
+  const Owned<X509_ALGO_IDENTIFIER> forced(new_X509_ALGO_IDENTIFIER()), absent(new_X509_ALGO_IDENTIFIER());
+  EXPECT_EQ(set_X509_ALGO_IDENTIFIER_value(forced.get(), oid.get(), nullptr), 0);
+  EXPECT_EQ(set_X509_ALGO_IDENTIFIER_value_RFC5280(absent.get(), oid.get(), nullptr), 0);
+  EXPECT_EQ(set_X509_ALGO_IDENTIFIER_value(nullptr, oid.get(), nullptr), 1);
+  ASN1_UNIT *with = nullptr, *without = nullptr;
+  ASSERT_EQ(X509_ALGO_IDENTIFIER_to_Seq(forced.get(), &with), 0);
+  ASSERT_EQ(X509_ALGO_IDENTIFIER_to_Seq(absent.get(), &without), 0);
+  EXPECT_EQ(flat(with), "300c06082a8648ce3d0403020500");
+  EXPECT_EQ(flat(without), "300a06082a8648ce3d040302");
+  free_ASN1_UNIT(with);
+  free_ASN1_UNIT(without);
+  for (const char *wrong : {"3000", "300a 060155 0500 0500 0500"}) {
+    X509_ALGO_IDENTIFIER *made = nullptr;
+    EXPECT_EQ(Seq_to_X509_ALGO_IDENTIFIER(unit(wrong).get(), &made), F_SEQ_TO_X509_ALGO_IDENTIFIER | 0x2B);
+  }
+}
+
+TEST(Algorithms, SharedListsReleaseOnce) {
+  X509_ALGO_IDENTIFIERS *list = new_X509_ALGO_IDENTIFIERS();
+  push_STACK_value(list, new_X509_ALGO_IDENTIFIER());
+  X509_ALGO_IDENTIFIERS *shallow = dup_X509_ALGO_IDENTIFIERS(list), *deep = dup_X509_ALGO_IDENTIFIERS_strict(list);
+  EXPECT_EQ(get_STACK_value(list, 0), get_STACK_value(shallow, 0));
+  EXPECT_NE(get_STACK_value(list, 0), get_STACK_value(deep, 0));
+  for (X509_ALGO_IDENTIFIERS *each : {list, shallow, deep}) free_X509_ALGO_IDENTIFIERS(each);
+}
+
+TEST(Attributes, ValuesByType) {
+  const String oid = test::oid("2.5.4.3"), text = text_string(12, "a"), constructed = string(0x30, hex("020105"));
+  const Unit value = unit("3003020105");
+  X509_ATTRIBUTE *attribute = nullptr;
+  ASSERT_TRUE(create_X509_ATTRIBUTE_OID(&attribute, oid.get(), 0x30, value.get()));
+  EXPECT_EQ(add_X509_ATTRIBUTE_data(attribute, 12, text.get()), 0);
+  EXPECT_EQ(add_X509_ATTRIBUTE_set(attribute, dup_ASN1_STRING(text.get())), 0);
+  EXPECT_EQ(add_X509_ATTRIBUTE_set(attribute, dup_ASN1_STRING(constructed.get())), 0);
+  EXPECT_EQ(add_X509_ATTRIBUTE_data(attribute, 12, nullptr), 1);
+  EXPECT_EQ(add_X509_ATTRIBUTE_data(attribute, 256, text.get()), 1);
+  EXPECT_EQ(get_X509_ATTRIBUTE_count(attribute), 4);
+  EXPECT_EQ(get_X509_ATTRIBUTE_data_type(attribute, 3), 0x30);
+  EXPECT_EQ(get_X509_ATTRIBUTE_data_type(attribute, 4), -1);
+  EXPECT_EQ(flat(static_cast<ASN1_UNIT *>(get_X509_ATTRIBUTE_data(attribute, 3))), "3003020105");
+  EXPECT_EQ(create_X509_ATTRIBUTE_OID(&attribute, nullptr, 12, text.get()), nullptr);
+  EXPECT_EQ(get_X509_ATTRIBUTE_count(attribute), 4);
+  X509_ATTRIBUTES *list = new_X509_ATTRIBUTES();
+  EXPECT_EQ(add_X509_ATTRIBUTES_child(list, attribute, 7), 0);
+  EXPECT_EQ(add_X509_ATTRIBUTES_OID_INDEX(list, 14, 12, text.get(), 0), 0);
+  ASN1_UNIT *in_order = nullptr, *sorted = nullptr;
+  ASSERT_EQ(X509_ATTRIBUTES_to_Seq(list, &in_order), 0);
+  ASSERT_EQ(X509_ATTRIBUTES_to_Seq_RFC5280(list, &sorted), 0);
+  EXPECT_EQ(flat(in_order), "3128300a" "06035504063103" "0c0161" "301a0603550403311330030201050c01610c01613003020105");
+  EXPECT_EQ(flat(sorted), "3128300a" "06035504063103" "0c0161" "301a060355040331130c01610c016130030201053003020105");
+  free_ASN1_UNIT(in_order);
+  free_ASN1_UNIT(sorted);
+  free_X509_ATTRIBUTES(list);
+  free_X509_ATTRIBUTE(attribute);
+}
+
+TEST(Extensions, RecordAndList) {
+  const String value = string(4, hex("3000"));
+  X509_EXTENSIONS *list = nullptr;
+  const Owned<X509_EXTENSION> plain(create_X509_EXTENSION_by_OID_index(nullptr, 87, 256, value.get()));
+  EXPECT_EQ(get_X509_EXTENSION_critical(plain.get()), 1);
+  EXPECT_EQ(add_X509_EXTENSION(nullptr, plain.get(), 0), 1);
+  EXPECT_EQ(add_X509_EXTENSION(&list, nullptr, 0), 1);
+  EXPECT_EQ(list, nullptr);
+  EXPECT_EQ(add_X509_EXTENSION(&list, plain.get(), 9), 0);
+  set_X509_EXTENSION_critical(plain.get(), 0);
+  EXPECT_EQ(add_X509_EXTENSION(&list, plain.get(), 0), 0);
+  EXPECT_EQ(get_X509_EXTENSION_index_by_OID_index(list, 87, 0), 1);
+  EXPECT_EQ(get_X509_EXTENSION_index_by_OID_index(list, 87, 1), -1);
+  EXPECT_EQ(get_X509_EXTENSION_index_by_OID_index(list, 33, -1), -2);
+  ASN1_UNIT *out = nullptr;
+  ASSERT_EQ(X509_EXTENSIONS_to_Seq(list, &out), 0);
+  EXPECT_EQ(flat(out), "301930090603551d1304023000300c0603551d130101ff04023000");
+  free_ASN1_UNIT(out);
+  remove_X509_EXTENSION(list, 0);
+  EXPECT_EQ(get_X509_EXTENSION_count(list), 1);
+  free_X509_EXTENSIONS(list);
+}
+
+TEST(Extensions, StrictRefusesByReason) {
+  const Bytes one = TLV(0x30, TLV(0x06, "551d13") + TLV(0x04, "3000"));
+  struct Case {
+    Bytes der;
+    int plain, strict;
+  };
+  const int malformed = F_SEQ_TO_X509_EXT | ERR_ASN1_DECODING;
+  for (const Case &c :
+       {Case{TLV(0x30, one), 0, 0}, {TLV(0x30, one + one), 0, F_SEQ_TO_X509_EXT | ERR_DUPLICATE_EXTENSION},
+        {TLV(0x30, ""), 0, F_SEQ_TO_X509_EXT | ERR_EMPTY_LIST},
+        {TLV(0x30, TLV(0x30, TLV(0x06, "551d13") + TLV(0x01, "00") + TLV(0x04, ""))), 0, F_SEQ_TO_X509_EXT | ERR_NOT_CANONICAL},
+        {TLV(0x30, TLV(0x30, TLV(0x06, "551d13"))), malformed, malformed},
+        {TLV(0x30, TLV(0x30, TLV(0x06, "551d13") + TLV(0x01, "ff") + TLV(0x04, "") + TLV(0x04, ""))), malformed, malformed},
+        {TLV(0x30, TLV(0x30, TLV(0x06, "551d13") + TLV(0x84, "3000"))), 0, malformed}}) {
+    X509_EXTENSIONS *plain = nullptr, *strict = nullptr;
+    EXPECT_EQ(Seq_to_X509_EXTENSIONS(unit(c.der).get(), &plain), c.plain) << to_hex(c.der);
+    EXPECT_EQ(Seq_to_X509_EXTENSIONS_strict(unit(c.der).get(), &strict), c.strict) << to_hex(c.der);
+    free_X509_EXTENSIONS(plain);
+    free_X509_EXTENSIONS(strict);
+  }
+}
+
+}  // namespace

@@ -1,0 +1,74 @@
+// Records and encodings that the tests of this folder share.
+#pragma once
+
+#include <velpki/asn1_error.h>
+#include <velpki/asn1_objects.h>
+#include <velpki/issuer_and_serial_number.h>
+#include <velpki/x509.h>
+
+#include "support/asn1.h"
+
+namespace test {
+
+struct ReleaseX509 {
+  void operator()(X509_CERT *p) const { free_X509_CERT(p); }
+  void operator()(STACK *p) const { free_X509_NAME(p); }
+  void operator()(X509_PUBKEY *p) const { free_X509_PUBKEY(p); }
+  void operator()(ASYMMETRIC_KEY *p) const { free_ASYMMETRIC_KEY(p); }
+  void operator()(X509_TIME *p) const { free_X509_TIME(p); }
+  void operator()(X509_EXTENSION *p) const { free_X509_EXTENSION(p); }
+  void operator()(X509_ATTRIBUTE *p) const { free_X509_ATTRIBUTE(p); }
+  void operator()(X509_ALGO_IDENTIFIER *p) const { free_X509_ALGO_IDENTIFIER(p); }
+  void operator()(RSA_UNIT *p) const { PKV_Free_RSA(p); }
+  void operator()(KCDSA_UNIT *p) const { PKV_Free_KCDSA(p); }
+  void operator()(ECC_UNIT *p) const { PKV_Free_ECC(p); }
+};
+template <class T>
+using Owned = std::unique_ptr<T, ReleaseX509>;
+using Certificate = Owned<X509_CERT>;
+using Name = Owned<STACK>;
+
+// DER by nesting: TLV(0x30, TLV(0x02, "05")).
+inline Bytes TLV(uint8_t identifier, const Bytes &content) {
+  Bytes out{identifier};
+  if (content.size() < 0x80) out.push_back(uint8_t(content.size()));
+  else if (content.size() < 0x100) out.insert(out.end(), {0x81, uint8_t(content.size())});
+  else out.insert(out.end(), {0x82, uint8_t(content.size() >> 8), uint8_t(content.size())});
+  out.insert(out.end(), content.begin(), content.end());
+  return out;
+}
+inline Bytes TLV(uint8_t identifier, std::string_view content) { return TLV(identifier, hex(content)); }
+inline Bytes operator+(Bytes a, const Bytes &b) {
+  a.insert(a.end(), b.begin(), b.end());
+  return a;
+}
+
+// The pieces of a small certificate, each of which a test may replace.
+struct CertificateParts {
+  Bytes version = TLV(0xA0, "020102"), serial = TLV(0x02, "05"), signature = TLV(0x30, "06092a864886f70d01010b0500");
+  Bytes issuer = TLV(0x30, TLV(0x31, TLV(0x30, TLV(0x06, "550403") + TLV(0x0C, "4341"))));
+  Bytes validity = TLV(0x30, TLV(0x17, "3236303130313030303030305a") + TLV(0x17, "3330303130313030303030305a"));
+  Bytes subject = issuer;
+  Bytes spki = TLV(0x30, TLV(0x30, "06092a864886f70d0101010500") +
+                             TLV(0x03, Bytes{0} + TLV(0x30, TLV(0x02, Bytes{0} + Bytes(128, 0xC5)) + TLV(0x02, "010001"))));
+  Bytes tail = TLV(0xA3, TLV(0x30, TLV(0x30, TLV(0x06, "551d13") + TLV(0x01, "ff") + TLV(0x04, "3000"))));
+  Bytes outer = signature, value = TLV(0x03, Bytes{0} + Bytes(128, 0x5A));
+
+  Bytes tbs() const { return TLV(0x30, version + serial + signature + issuer + validity + subject + spki + tail); }
+  Bytes der() const { return TLV(0x30, tbs() + outer + value); }
+};
+
+inline Certificate read_certificate(const Bytes &der, int *code = nullptr) {
+  X509_CERT *cert = nullptr;
+  const int result = readDER_X509_CERT_from_Binary(&cert, der.data(), int(der.size()));
+  if (code) *code = result;
+  return Certificate(cert);
+}
+inline std::string written(X509_CERT *cert) {
+  unsigned char *out = nullptr;
+  const int length = writeDER_X509_CERT_to_Binary(cert, &out);
+  const Block owner(out);
+  return out ? to_hex(out, size_t(length)) : "-";
+}
+
+}  // namespace test
