@@ -98,6 +98,25 @@ bool LibcryptoDigest::copy_from(const LibcryptoDigest &other) noexcept {
   return context_ && EVP_MD_CTX_copy_ex(context_.get(), other.context_.get()) == 1;
 }
 
+bool copy_digest(DIGEST_UNIT &to, const DIGEST_UNIT &from) noexcept {
+  to.info = nullptr;
+  if (!from.info) return true;
+  bool copied = false;
+  switch (from.info->engine) {
+    case DigestInfo::kHas160:
+      copied = to.has160.copy_from(from.has160);
+      break;
+    case DigestInfo::kMdc2:
+      copied = to.mdc2.copy_from(from.mdc2);
+      break;
+    case DigestInfo::kLibcrypto:
+      copied = to.libcrypto.copy_from(from.libcrypto);
+      break;
+  }
+  if (copied) to.info = from.info;
+  return copied;
+}
+
 }  // namespace velcrypto
 
 using namespace velcrypto;
@@ -131,21 +150,7 @@ void PKV_Free_DIGEST(DIGEST_UNIT *unit) noexcept { destroy(unit); }
 
 DIGEST_UNIT *PKV_Dup_DIGEST(const DIGEST_UNIT *unit) noexcept {
   DIGEST_UNIT *copy = unit ? PKV_New_DIGEST() : nullptr;
-  if (!copy || !unit->info) return copy;
-  copy->info = unit->info;
-  bool copied = false;
-  switch (unit->info->engine) {
-    case DigestInfo::kHas160:
-      copied = copy->has160.copy_from(unit->has160);
-      break;
-    case DigestInfo::kMdc2:
-      copied = copy->mdc2.copy_from(unit->mdc2);
-      break;
-    case DigestInfo::kLibcrypto:
-      copied = copy->libcrypto.copy_from(unit->libcrypto);
-      break;
-  }
-  if (copied) return copy;
+  if (!copy || copy_digest(*copy, *unit)) return copy;
   PKV_Free_DIGEST(copy);
   return nullptr;
 }

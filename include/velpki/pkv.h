@@ -119,7 +119,7 @@ enum {
 
 typedef struct pkv_digest DIGEST_UNIT;
 
-/* Output and block lengths in octets; 0 for an unknown identifier. */
+/* Output and block lengths in octets, with or without PKV_HMAC_FLAG; 0 for an unknown identifier. */
 VELPKI_API int PKV_Get_DIGEST_Length(int digest_id) VELPKI_NOEXCEPT;
 VELPKI_API int PKV_Get_DIGEST_Block_Length(int digest_id) VELPKI_NOEXCEPT;
 VELPKI_API int PKV_DIGEST(int digest_id, const unsigned char *data, int length, unsigned char *out,
@@ -131,7 +131,9 @@ VELPKI_API int PKV_Init_DIGEST(DIGEST_UNIT *unit, int digest_id) VELPKI_NOEXCEPT
 VELPKI_API int PKV_Update_DIGEST(DIGEST_UNIT *unit, const unsigned char *data, int length) VELPKI_NOEXCEPT;
 VELPKI_API int PKV_Final_DIGEST(DIGEST_UNIT *unit, unsigned char *out, int *out_length) VELPKI_NOEXCEPT;
 
-/* HMAC over any of the digests (RFC 2104); the identifier may carry PKV_HMAC_FLAG. */
+/* HMAC over any of the digests (RFC 2104); the identifier may carry PKV_HMAC_FLAG. MDC-2 takes keys of at most its block
+ * of 8 octets (PKV_ERR_BAD_VALUE). After Final the unit is ready for another message under the same key, at a fraction of
+ * the cost of another Init. */
 typedef struct pkv_hmac HMAC_UNIT;
 
 VELPKI_API int PKV_HMAC(int digest_id, const unsigned char *key, int key_length, const unsigned char *data, int length,
@@ -171,7 +173,11 @@ VELPKI_API int PKV_Decrypt_BLOCK_CIPHER(int cipher_id, const unsigned char *key,
                                         unsigned char *out, int *out_length) VELPKI_NOEXCEPT;
 VELPKI_API BLOCK_CIPHER_UNIT *PKV_New_BLOCK_CIPHER(void) VELPKI_NOEXCEPT;
 VELPKI_API void PKV_Free_BLOCK_CIPHER(BLOCK_CIPHER_UNIT *unit) VELPKI_NOEXCEPT;
-/* PKV_Init_BLOCK_CIPHER starts encryption (`encrypt` 1) or decryption (0). Key and IV are copied. */
+/* PKV_Init_BLOCK_CIPHER starts encryption (`encrypt` 1) or decryption (0). Key and IV are copied. Ciphers have one key
+ * length, but Blowfish takes 4 to 56 octets and RC5 1 to 255; another length, or an IV that is not null and not of the
+ * IV's length, is PKV_ERR_BAD_VALUE. Update writes what is complete: at most the input and one block; a padded decryption
+ * keeps the last block back for Final, which needs room for a block whenever the message is padded. Input and output of
+ * Update must not overlap; those of the one-shot forms may be the same. */
 VELPKI_API int PKV_Init_BLOCK_CIPHER(BLOCK_CIPHER_UNIT *unit, int cipher_id, const unsigned char *key, int key_length,
                                      const unsigned char *iv, int iv_length, int encrypt) VELPKI_NOEXCEPT;
 /* PKV_Set_BLOCK_CIPHER_Padding switches the padding of ECB and CBC off (0) or on (1, as after every Init). */

@@ -22,6 +22,9 @@ struct DigestInfo {
 // Null for an unknown identifier, and for one with PKV_HMAC_FLAG.
 const DigestInfo *find_digest(int digest_id) noexcept;
 
+// Makes `to` a digest in the state of `from`; false, with `to` not started, when memory is exhausted.
+bool copy_digest(DIGEST_UNIT &to, const DIGEST_UNIT &from) noexcept;
+
 class LibcryptoDigest {
  public:
   bool start(const EVP_MD *algorithm) noexcept;
