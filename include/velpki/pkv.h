@@ -131,9 +131,9 @@ VELPKI_API int PKV_Init_DIGEST(DIGEST_UNIT *unit, int digest_id) VELPKI_NOEXCEPT
 VELPKI_API int PKV_Update_DIGEST(DIGEST_UNIT *unit, const unsigned char *data, int length) VELPKI_NOEXCEPT;
 VELPKI_API int PKV_Final_DIGEST(DIGEST_UNIT *unit, unsigned char *out, int *out_length) VELPKI_NOEXCEPT;
 
-/* HMAC over any of the digests (RFC 2104); the identifier may carry PKV_HMAC_FLAG. MDC-2 takes keys of at most its block
- * of 8 octets (PKV_ERR_BAD_VALUE). After Final the unit is ready for another message under the same key, at a fraction of
- * the cost of another Init. */
+/* HMAC over any of the digests (RFC 2104); the identifier may carry PKV_HMAC_FLAG. With MDC-2 a key has at most the 8
+ * octets of its block (else PKV_ERR_BAD_VALUE). After Final the unit is ready for another message under the same key, at
+ * a fraction of the cost of another Init. */
 typedef struct pkv_hmac HMAC_UNIT;
 
 VELPKI_API int PKV_HMAC(int digest_id, const unsigned char *key, int key_length, const unsigned char *data, int length,
@@ -174,10 +174,10 @@ VELPKI_API int PKV_Decrypt_BLOCK_CIPHER(int cipher_id, const unsigned char *key,
 VELPKI_API BLOCK_CIPHER_UNIT *PKV_New_BLOCK_CIPHER(void) VELPKI_NOEXCEPT;
 VELPKI_API void PKV_Free_BLOCK_CIPHER(BLOCK_CIPHER_UNIT *unit) VELPKI_NOEXCEPT;
 /* PKV_Init_BLOCK_CIPHER starts encryption (`encrypt` 1) or decryption (0). Key and IV are copied. Ciphers have one key
- * length, but Blowfish takes 4 to 56 octets and RC5 1 to 255; another length, or an IV that is not null and not of the
- * IV's length, is PKV_ERR_BAD_VALUE. Update writes what is complete: at most the input and one block; a padded decryption
- * keeps the last block back for Final, which needs room for a block whenever the message is padded. Input and output of
- * Update must not overlap; those of the one-shot forms may be the same. */
+ * length, but Blowfish takes 4 to 56 octets and RC5 1 to 255; another length, or an IV that is neither null nor of the
+ * right length, is PKV_ERR_BAD_VALUE. Update writes the blocks that are complete, up to a block more than the input. A
+ * padded decryption keeps the last one back for Final, which needs room for a block whenever there is padding. Input
+ * and output of Update must not overlap; those of the one-shot forms may be the same. */
 VELPKI_API int PKV_Init_BLOCK_CIPHER(BLOCK_CIPHER_UNIT *unit, int cipher_id, const unsigned char *key, int key_length,
                                      const unsigned char *iv, int iv_length, int encrypt) VELPKI_NOEXCEPT;
 /* PKV_Set_BLOCK_CIPHER_Padding switches the padding of ECB and CBC off (0) or on (1, as after every Init). */
