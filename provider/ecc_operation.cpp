@@ -1,6 +1,7 @@
 // ECDSA (FIPS 186-5 section 6), ECDH (SP 800-56A 5.7.1.2) and Ed25519 verification (RFC 8032).
 #include <algorithm>
 
+#include "provider/internal/arguments.h"
 #include "provider/internal/ecc.h"
 #include "provider/internal/libcrypto.h"
 
@@ -86,7 +87,7 @@ int sign_elsewhere(const ECC_UNIT &key, size_t length, int digest_id, Octets dig
 
 // The digest that is signed, with its length.
 int digest_message(int digest_id, const unsigned char *data, int length, uint8_t *out, size_t &out_length) noexcept {
-  if (length < 0) return PKV_ERR_BAD_VALUE;
+  if (int error = check_octets(data, length)) return error;
   if (!is_digest(digest_id)) return PKV_ERR_UNSUPPORTED;
   out_length = size_t(PKV_Get_DIGEST_Length(digest_id));
   return PKV_DIGEST(digest_id, data, length, out, nullptr);
@@ -111,7 +112,7 @@ int PKV_Get_ECC_Lengths(const ECC_UNIT *key, int *r_length, int *s_length) noexc
 
 int PKV_ECDSA_SIGN(const ECC_UNIT *key, int digest_id, const unsigned char *data, int length, unsigned char *r,
                    unsigned char *s) noexcept {
-  if (!key || (!data && length) || !r || !s) return PKV_ERR_NULL;
+  if (!key || !r || !s) return PKV_ERR_NULL;
   const KnownCurve *curve = find_curve(*key);
   if (!curve) return PKV_ERR_UNSUPPORTED;
   if (!PKV_Is_ECC_Private(key)) return PKV_ERR_BAD_VALUE;
@@ -125,8 +126,9 @@ int PKV_ECDSA_SIGN(const ECC_UNIT *key, int digest_id, const unsigned char *data
 
 int PKV_ECDSA_VERIFY(const ECC_UNIT *key, int digest_id, const unsigned char *data, int length, const unsigned char *r,
                      int r_length, const unsigned char *s, int s_length) noexcept {
-  if (!key || (!data && length) || !r || !s) return PKV_ERR_NULL;
-  if (r_length < 0 || s_length < 0) return PKV_ERR_BAD_VALUE;
+  if (!key) return PKV_ERR_NULL;
+  if (int error = check_octets(r, r_length)) return error;
+  if (int error = check_octets(s, s_length)) return error;
   ErrorScope errors;
   int error = 0;
   EVP_PKEY *pkey = prepared_key(*key, error);
@@ -172,8 +174,8 @@ int PKV_ECDH(const ECC_UNIT *key, const ECC_POINT *peer, unsigned char *out, int
 int PKV_ED25519_VERIFY(const unsigned char *public_key, const unsigned char *data, int length,
                        const unsigned char *signature) noexcept {
   constexpr size_t kKeyOctets = 32, kSignatureOctets = 64;
-  if (!public_key || (!data && length) || !signature) return PKV_ERR_NULL;
-  if (length < 0) return PKV_ERR_BAD_VALUE;
+  if (!public_key || !signature) return PKV_ERR_NULL;
+  if (int error = check_octets(data, length)) return error;
   ErrorScope errors;
   const PkeyOwner key(EVP_PKEY_new_raw_public_key_ex(library_context(), "ED25519", nullptr, public_key, kKeyOctets));
   const owned<EVP_MD_CTX, EVP_MD_CTX_free> context(EVP_MD_CTX_new());

@@ -1,6 +1,7 @@
 // KCDSA signatures (TTAK.KO-12.0001, ISO/IEC 14888-3): r an octet string, s a number below q.
 #include <algorithm>
 
+#include "provider/internal/arguments.h"
 #include "provider/internal/kcdsa.h"
 
 using namespace velcrypto;
@@ -221,7 +222,7 @@ int PKV_Set_KCDSA_DIGEST(KCDSA_UNIT *key, int digest_id) noexcept {
 }
 
 int PKV_Update_KCDSA(KCDSA_UNIT *key, const unsigned char *data, int length) noexcept {
-  if (!key || (!data && length)) return PKV_ERR_NULL;
+  if (!key) return PKV_ERR_NULL;
   if (!key->signature.digest) return PKV_ERR_FAILED;
   key->signature.updated = true;
   return PKV_Update_DIGEST(key->signature.digest.get(), data, length);
@@ -239,9 +240,10 @@ int PKV_Final_KCDSA(KCDSA_UNIT *key, unsigned char *r, unsigned char *s) noexcep
 
 int PKV_Verify_KCDSA(KCDSA_UNIT *key, const unsigned char *r, int r_length, const unsigned char *s,
                      int s_length) noexcept {
-  if (!key || !r || !s) return PKV_ERR_NULL;
+  if (!key) return PKV_ERR_NULL;
+  if (int error = check_octets(r, r_length)) return error;
+  if (int error = check_octets(s, s_length)) return error;
   if (!key->signature.digest || key->signature.sign) return PKV_ERR_FAILED;
-  if (r_length < 0 || s_length < 0) return PKV_ERR_BAD_VALUE;
   Hash hash{};
   Digest digest;
   if (int error = finish(*key, hash, digest)) return error;
@@ -250,8 +252,8 @@ int PKV_Verify_KCDSA(KCDSA_UNIT *key, const unsigned char *r, int r_length, cons
 
 int PKV_KCDSA_SIGN(const KCDSA_UNIT *key, int digest_id, const unsigned char *data, int length, unsigned char *r,
                    unsigned char *s) noexcept {
-  if (!key || (!data && length) || !r || !s) return PKV_ERR_NULL;
-  if (length < 0) return PKV_ERR_BAD_VALUE;
+  if (!key || !r || !s) return PKV_ERR_NULL;
+  if (int error = check_octets(data, length)) return error;
   if (int error = check_key(*key, true)) return error;
   Hash hash{};
   if (int error = choose_hash(*key, digest_id, hash)) return error;
@@ -262,8 +264,10 @@ int PKV_KCDSA_SIGN(const KCDSA_UNIT *key, int digest_id, const unsigned char *da
 
 int PKV_KCDSA_VERIFY(const KCDSA_UNIT *key, int digest_id, const unsigned char *data, int length,
                      const unsigned char *r, int r_length, const unsigned char *s, int s_length) noexcept {
-  if (!key || (!data && length) || !r || !s) return PKV_ERR_NULL;
-  if (length < 0 || r_length < 0 || s_length < 0) return PKV_ERR_BAD_VALUE;
+  if (!key) return PKV_ERR_NULL;
+  if (int error = check_octets(data, length)) return error;
+  if (int error = check_octets(r, r_length)) return error;
+  if (int error = check_octets(s, s_length)) return error;
   if (int error = check_key(*key, false)) return error;
   Hash hash{};
   if (int error = choose_hash(*key, digest_id, hash)) return error;

@@ -5,6 +5,7 @@
 // it begins, and one condition at the end decides.
 #include <algorithm>
 
+#include "provider/internal/arguments.h"
 #include "provider/internal/rsa.h"
 
 using namespace velcrypto;
@@ -143,8 +144,9 @@ bool is_known_scheme(int scheme) noexcept {
 
 int check_operation(const RSA_UNIT *key, bool encrypt, const void *in, int in_length, const void *out,
                     const int *out_length) noexcept {
-  if (!key || (!in && in_length) || !out || !out_length) return PKV_ERR_NULL;
-  if (in_length < 0 || *out_length < 0) return PKV_ERR_BAD_VALUE;
+  if (!key || !out_length) return PKV_ERR_NULL;
+  if (int error = check_octets(in, in_length)) return error;
+  if (int error = check_octets(out, *out_length)) return error;
   return key->encryption.scheme && key->encryption.encrypt == encrypt ? 0 : PKV_ERR_FAILED;
 }
 
@@ -165,10 +167,10 @@ int PKV_Init_RSAES(RSA_UNIT *key, int scheme, int encrypt) noexcept {
 
 int PKV_Set_RSAES_OAEP(RSA_UNIT *key, int digest_id, int mgf_digest_id, const unsigned char *label,
                        int label_length) noexcept {
-  if (!key || (!label && label_length)) return PKV_ERR_NULL;
+  if (!key) return PKV_ERR_NULL;
+  if (int error = check_octets(label, label_length)) return error;
   RsaEncryptionState &state = key->encryption;
   if (!state.scheme || !is_oaep(state)) return PKV_ERR_FAILED;
-  if (label_length < 0) return PKV_ERR_BAD_VALUE;
   if (!is_digest(digest_id) || !is_digest(mgf_digest_id)) return PKV_ERR_UNSUPPORTED;
   const auto hash_length = size_t(PKV_Get_DIGEST_Length(digest_id));
   if (rsa_usable_length(key) < 2 * hash_length + 2) return PKV_ERR_BAD_VALUE;

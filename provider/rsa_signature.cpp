@@ -1,6 +1,7 @@
 // RSASSA-PKCS1-v1_5 and RSASSA-PSS (RFC 8017 section 8).
 #include <algorithm>
 
+#include "provider/internal/arguments.h"
 #include "provider/internal/rsa.h"
 
 using namespace velcrypto;
@@ -79,15 +80,15 @@ int verify_digest(const RSA_UNIT &key, const RsaSignatureScheme &scheme, Octets 
 
 // Before anything is hashed: the key can sign, and the caller's buffer holds the signature.
 int check_signing(const RSA_UNIT &key, const unsigned char *signature, const int *capacity) noexcept {
-  if (!signature || !capacity) return PKV_ERR_NULL;
   const size_t length = rsa_usable_length(&key);
-  if (!length || !PKV_Is_RSA_Private(&key) || *capacity < int(length)) return PKV_ERR_BAD_VALUE;
-  return 0;
+  if (!length || !PKV_Is_RSA_Private(&key)) return PKV_ERR_BAD_VALUE;
+  return check_capacity(signature, capacity, length);
 }
 
 int sign_message(const RSA_UNIT *key, const RsaSignatureScheme &scheme, const unsigned char *data, int length,
                  unsigned char *signature, int *signature_length) noexcept {
-  if (!key || (!data && length)) return PKV_ERR_NULL;
+  if (!key) return PKV_ERR_NULL;
+  if (int error = check_octets(data, length)) return error;
   if (int error = check_scheme(scheme)) return error;
   if (int error = check_signing(*key, signature, signature_length)) return error;
   uint8_t digest[PKV_MAX_DIGEST_LENGTH];
@@ -100,8 +101,9 @@ int sign_message(const RSA_UNIT *key, const RsaSignatureScheme &scheme, const un
 
 int verify_message(const RSA_UNIT *key, const RsaSignatureScheme &scheme, const unsigned char *data, int length,
                    const unsigned char *signature, int signature_length) noexcept {
-  if (!key || (!data && length) || !signature) return PKV_ERR_NULL;
-  if (signature_length < 0) return PKV_ERR_BAD_VALUE;
+  if (!key) return PKV_ERR_NULL;
+  if (int error = check_octets(data, length)) return error;
+  if (int error = check_octets(signature, signature_length)) return error;
   if (int error = check_scheme(scheme)) return error;
   uint8_t digest[PKV_MAX_DIGEST_LENGTH];
   int digest_length = 0;
@@ -144,13 +146,13 @@ int PKV_Set_RSASSA_PSS(RSA_UNIT *key, int mgf_digest_id, int salt_length) noexce
 }
 
 int PKV_Update_RSASSA(RSA_UNIT *key, const unsigned char *data, int length) noexcept {
-  if (!key || (!data && length)) return PKV_ERR_NULL;
+  if (!key) return PKV_ERR_NULL;
   if (!key->signature.digest) return PKV_ERR_FAILED;
   return PKV_Update_DIGEST(key->signature.digest.get(), data, length);
 }
 
 int PKV_Final_RSASSA(RSA_UNIT *key, unsigned char *signature, int *length) noexcept {
-  if (!key || !signature || !length) return PKV_ERR_NULL;
+  if (!key || !length) return PKV_ERR_NULL;
   if (!key->signature.digest) return PKV_ERR_FAILED;
   if (!key->signature.sign) return PKV_Verify_RSASSA(key, signature, *length);
   if (int error = check_signing(*key, signature, length)) return error;
@@ -163,9 +165,9 @@ int PKV_Final_RSASSA(RSA_UNIT *key, unsigned char *signature, int *length) noexc
 }
 
 int PKV_Verify_RSASSA(RSA_UNIT *key, const unsigned char *signature, int length) noexcept {
-  if (!key || !signature) return PKV_ERR_NULL;
+  if (!key) return PKV_ERR_NULL;
+  if (int error = check_octets(signature, length)) return error;
   if (!key->signature.digest || key->signature.sign) return PKV_ERR_FAILED;
-  if (length < 0) return PKV_ERR_BAD_VALUE;
   uint8_t digest[PKV_MAX_DIGEST_LENGTH];
   int digest_length = 0;
   if (int error = finish(*key, digest, &digest_length)) return error;

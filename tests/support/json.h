@@ -5,6 +5,7 @@
 #include <cstring>
 #include <map>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "support/support.h"
@@ -17,11 +18,13 @@ struct Json {
   std::vector<Json> items;
   std::map<std::string, Json> fields;
 
-  const Json &operator[](const std::string &name) const {
+  const Json &operator[](const std::string &name) const & {
     static const Json none;
     const auto found = fields.find(name);
     return found == fields.end() ? none : found->second;
   }
+  // By value of one that goes away, so that a loop over it is safe.
+  Json operator[](const std::string &name) && { return std::as_const(*this)[name]; }
   bool has(const std::string &name) const { return fields.count(name) != 0; }
   Bytes octets() const { return hex(text); }
   int number() const { return std::atoi(text.c_str()); }

@@ -1,0 +1,68 @@
+// What the tests of keys share: owners, numbers from vectors, chosen random octets.
+#pragma once
+
+#include <velpki/pkv.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "support/json.h"
+
+namespace test {
+
+template <auto release>
+struct Releases {
+  template <class T>
+  void operator()(T *object) const {
+    release(object);
+  }
+};
+using Number = std::unique_ptr<BIGINT, Releases<PKV_Free_BIGINT>>;
+using Rsa = std::unique_ptr<RSA_UNIT, Releases<PKV_Free_RSA>>;
+using Kcdsa = std::unique_ptr<KCDSA_UNIT, Releases<PKV_Free_KCDSA>>;
+using Ecc = std::unique_ptr<ECC_UNIT, Releases<PKV_Free_ECC>>;
+using Curve = std::unique_ptr<ECURVE, Releases<PKV_Free_ECURVE>>;
+using Point = std::unique_ptr<ECC_POINT, Releases<PKV_Free_ECC_POINT>>;
+
+// Null for no text. Vectors leave a leading zero out now and then.
+inline Number number(const std::string &digits) {
+  if (digits.empty()) return nullptr;
+  const Bytes octets = hex(digits.size() % 2 ? "0" + digits : digits);
+  return Number(PKV_New_BIGINT_Binary(octets.data(), int(octets.size())));
+}
+inline std::string digits_of(const BIGINT *n) {
+  int length = 0;
+  const unsigned char *octets = PKV_Get_BIGINT_Octets(n, &length);
+  return to_hex(octets, size_t(length));
+}
+
+// Of the vectors' names; 0 for digests that the provider has not.
+inline int digest_id(const std::string &name) {
+  static const std::map<std::string, int> ids = {
+      {"SHA-1", PKV_DIGEST_SHA1},     {"SHA-224", PKV_DIGEST_SHA224}, {"SHA-256", PKV_DIGEST_SHA256},
+      {"SHA-384", PKV_DIGEST_SHA384}, {"SHA-512", PKV_DIGEST_SHA512}, {"has160", PKV_DIGEST_HAS160},
+      {"sha1", PKV_DIGEST_SHA1},      {"sha224", PKV_DIGEST_SHA224},  {"sha256", PKV_DIGEST_SHA256}};
+  const auto found = ids.find(name);
+  return found == ids.end() ? 0 : found->second;
+}
+
+// The next random octets that the provider draws in this process; after them the real ones come again.
+void choose_random(const Bytes &octets);
+
+// Calls `work` with the first allocation failing, then the second, and so on until it succeeds; it must answer
+// "no memory" every time. `work` must not depend on what an earlier call left. Returns the number of failures.
+template <class Work>
+long fail_each_allocation(Work work) {
+  for (long n = 0;; ++n) {
+    fail_allocation(n);
+    const int result = work();
+    fail_allocation(-1);
+    if (result != PKV_ERR_NO_MEMORY) {
+      EXPECT_EQ(result, 0) << "allocation " << n;
+      return n;
+    }
+  }
+}
+
+}  // namespace test
