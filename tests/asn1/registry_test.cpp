@@ -1,0 +1,169 @@
+// The object registry against a scan of its rows, OpenSSL's names, and the provider identifiers.
+#include <velpki/asn1_objects.h>
+
+#include <cctype>
+#include <map>
+
+#include "support/asn1.h"
+
+namespace {
+
+constexpr int kRows = 841;
+
+std::string_view cell(int row, int column) { return OID_LIST(row)[column]; }
+std::string lower(std::string text) {
+  for (char &c : text) c = char(std::tolower(c));
+  return text;
+}
+
+int scan(std::string_view text, int column) {
+  for (int row = 1; row < kRows; ++row)
+    if (!text.empty() && cell(row, column) == text) return row;
+  return 0;
+}
+
+// What is found for every text of a column, and for its neighbours, is what a scan from row 1 finds.
+TEST(Registry, LookUpsFindWhatAScanFinds) {
+  int (*const look_up[])(const char *, int) = {index_from_sn, index_from_ln, index_from_oid_string};
+  for (int row = 0; row < kRows; ++row) {
+    for (int column = 0; column < 3; ++column) {
+      const std::string text(cell(row, column)), longer = text + "1";
+      std::string other = text;
+      if (!other.empty()) other.back() = char(other.back() + 1);
+      for (const std::string &each : {text, longer, other})
+        ASSERT_EQ(look_up[column](each.c_str(), int(each.size())), scan(each, column)) << each;
+      ASSERT_EQ(look_up[column](longer.c_str(), int(text.size())), 0) << "a longer text than stated";
+      ASSERT_EQ(look_up[column](text.c_str(), int(text.size()) + 1), 0) << "a shorter text than stated";
+    }
+  }
+  EXPECT_EQ(index_from_oid_string("1.3.6.1.5.5.7.48.1.2", 20), 366);
+  EXPECT_EQ(index_from_sn("NULL", 4), 393);
+  EXPECT_EQ(index_from_sn("UNDEF", 5), 0);
+  EXPECT_EQ(index_from_sn(nullptr, 4), 0);
+  EXPECT_EQ(OID_LIST(5000), OID_LIST(0));
+  EXPECT_EQ(OID_LIST(-1), OID_LIST(0));
+  EXPECT_EQ(sn_from_index(0), nullptr);
+  EXPECT_STREQ(ln_from_index(840), "ecdsa-with-SHA256");
+}
+
+// Content octets find the row of the text that they decode to, by the index over contents and, padded, without it.
+TEST(Registry, DecodedIdentifiersHaveTheTextOfTheirRow) {
+  int encoded = 0;
+  for (int row = 1; row < kRows; ++row) {
+    const test::String oid(index_to_OBJECT_IDENTIFIER(row));
+    if (!oid) continue;
+    ASN1_UNIT unit{};
+    ASSERT_EQ(encodeToBERObjectIdentifier(&unit, 6, oid.get(), oid->length, 0), 0) << row;
+    test::Bytes octets = test::hex(test::flat(&unit));
+    clean_ASN1_UNIT(&unit);
+    const test::String back(decodeToBERObjectIdentifier_n(octets.data(), int(octets.size())));
+    EXPECT_EQ(test::text_of(back.get()), cell(row, 2));
+    EXPECT_EQ(index_from_OBJECT_IDENTIFIER(back.get()), scan(cell(row, 2), 2));
+    octets.insert(octets.begin() + 3, 0x80);
+    ++octets[1];
+    const test::String padded(decodeToBERObjectIdentifier_n(octets.data(), int(octets.size())));
+    EXPECT_EQ(test::text_of(padded.get()), cell(row, 2));
+    ++encoded;
+  }
+  EXPECT_EQ(encoded, kRows - 1 - 48 - 12);
+  const std::map<std::string, int> single = {{"060155", 11},  {"06012A", 182}, {"06012B", 379}, {"060100", 393},
+                                             {"060128", 181}, {"060109", 434}, {"060150", 646}, {"060167", 647}};
+  for (const auto &[octets, row] : single) {
+    const test::Bytes encoding = test::hex(octets);
+    const test::String oid(decodeToBERObjectIdentifier_n(encoding.data(), int(encoding.size())));
+    EXPECT_EQ(index_from_OBJECT_IDENTIFIER(oid.get()), row) << octets;
+    EXPECT_EQ(index_to_OBJECT_IDENTIFIER(row), nullptr);
+  }
+  for (const int row : {-1, 0, 33, 102, 404, 645, 676, 794, 841}) EXPECT_EQ(index_to_OBJECT_IDENTIFIER(row), nullptr);
+}
+
+// OpenSSL reads one SEQUENCE of all identifiers and names them; a slip in a row's text gives another name.
+TEST(Registry, OpenSslGivesTheSameNames) {
+  ASN1_UNIT sequence{};
+  std::vector<int> rows;
+  for (int row = 1; row < kRows; ++row) {
+    const test::String oid(index_to_OBJECT_IDENTIFIER(row));
+    if (!oid || row == 831) continue;
+    ASSERT_EQ(addToDERSequence(&sequence, TYPE_OBJECT_IDENTIFIER, oid.get(), oid->length), 0);
+    rows.push_back(row);
+  }
+  const test::Bytes der = test::hex(test::flat(&sequence));
+  clean_ASN1_UNIT(&sequence);
+  const std::string path = test::temporary_path("oids.der");
+  ASSERT_TRUE(test::write_file(path, der.data(), der.size()));
+  const std::string printed = test::run("openssl asn1parse -inform DER -in " + path + " | grep OBJECT | cut -d: -f4-");
+  size_t at = 0, same = 0;
+  for (const int row : rows) {
+    const size_t end = printed.find('\n', at);
+    ASSERT_NE(end, std::string::npos) << row;
+    const std::string name = lower(printed.substr(at, end - at));
+    at = end + 1;
+    same += name == lower(ln_from_index(row)) || name == lower(sn_from_index(row)) || name == cell(row, 2);
+  }
+  EXPECT_GT(same, rows.size() - 40) << "of " << rows.size();
+}
+
+TEST(Registry, ProviderIdentifiers) {
+  const struct {
+    int row, digest, cipher, algorithm_class;
+  } cases[] = {{4, 0x06000100, 0, 1},
+               {6, 0, 0x20000000, 3},
+               {8, 0x06000100, 0x20000001, 3},
+               {42, 0, 0x20000001, 1},
+               {65, 0x05000100, 0x20000001, 1},
+               {115, 0x05000100, 0x20000000, 3},
+               {146, 0x05000100, 0x02010220, 4},
+               {163, 0x15000100, 0, 1},
+               {323, 0, 0x02000100, 0},
+               {408, 0, 0, 0},
+               {416, 0x05000100, 0, 3},
+               {427, 0, 0x01000320, 2},
+               {668, 0x05000300, 0x20000001, 3},
+               {777, 0, 0x04000120, 2},
+               {782, 0, 0x40000000, 3},
+               {783, 0x07000100, 0x40000000, 3},
+               {823, 0, 0x03000120, 0},
+               {830, 0x07000100, 0x03000120, 4},
+               {835, 0, 0x20000002, 0},
+               {840, 0x05000300, 0x50000000, 0}};
+  for (const auto &each : cases) {
+    const test::String oid(index_to_OBJECT_IDENTIFIER(each.row));
+    EXPECT_EQ(get_DigestID_from_OID(oid.get()), each.digest) << each.row;
+    EXPECT_EQ(get_CipherID_from_OID(oid.get()), each.cipher) << each.row;
+    EXPECT_EQ(get_AlgorType_from_OID(oid.get()), each.algorithm_class) << each.row;
+  }
+  const std::map<int, int> digests = {{0x05000100, 64}, {0x05000300, 672}, {0x07000100, 781}, {0x15000100, 163},
+                                      {0, 0},           {0x05000600, 0}};
+  for (const auto &[id, row] : digests) EXPECT_EQ(get_OID_from_DigestID(id), row) << id;
+  const std::map<int, int> ciphers = {{0x02000220, 43}, {0x03000100, 823}, {0x02010220, 44}, {0x02000200, 32},
+                                      {0x02010200, 0},  {0x20000000, 0},   {0x04000120, 777}};
+  for (const auto &[id, row] : ciphers) EXPECT_EQ(get_OID_from_CipherID(id), row) << id;
+  EXPECT_EQ(get_AlgorType_from_OID(nullptr), 0);
+  int sizes[5] = {};
+  for (int row = 1; row < kRows; ++row)
+    ++sizes[get_AlgorType_from_OID(test::String(index_to_OBJECT_IDENTIFIER(row)).get())];
+  EXPECT_EQ(sizes[1], 18) << "19 less MD5-SHA1, which has no identifier";
+  EXPECT_EQ(sizes[2], 47) << "88 less the 41 that have no identifier";
+  EXPECT_EQ(sizes[3], 27) << "28 less cmsRsaEncryption, whose text is none";
+  EXPECT_EQ(sizes[4], 25);
+}
+
+TEST(Registry, ValuesAndLists) {
+  const test::String cn = test::oid("2.5.4.3"), o = test::oid("2.5.4.10"), rsa = test::oid("1.2.840.113549");
+  EXPECT_GT(cmp_OBJECT_IDENTIFIER(o.get(), cn.get()), 0);
+  EXPECT_LT(cmp_OBJECT_IDENTIFIER(cn.get(), rsa.get()), 0);
+  EXPECT_EQ(cmp_OBJECT_IDENTIFIER(cn.get(), test::oid("2.5.4.6").get()), -1);
+  EXPECT_EQ(cmp_OBJECT_IDENTIFIER(nullptr, nullptr), -1);
+  EXPECT_EQ(cmp_OBJECT_IDENTIFIER(cn.get(), nullptr), 1);
+  const test::String named(get_OBJECT_IDENTIFIER("commonName", 0)), copy(dup_OBJECT_IDENTIFIER(named.get()));
+  EXPECT_EQ(cmp_OBJECT_IDENTIFIER(copy.get(), cn.get()), 0);
+  EXPECT_EQ(get_OBJECT_IDENTIFIER("no such name", 0), nullptr);
+  OBJECT_IDENTIFIERS *list = new_OBJECT_IDENTIFIERS();
+  for (const ASN1_STRING *each : {o.get(), cn.get(), cn.get()}) EXPECT_EQ(add_OBJECT_IDENTIFIERS(list, each), 0);
+  EXPECT_EQ(add_OBJECT_IDENTIFIERS(list, nullptr), 1);
+  EXPECT_EQ(get_OBJECT_IDENTIFIERS_index_by_OBJECT_IDENTIFIER(list, named.get()), 1);
+  EXPECT_EQ(get_OBJECT_IDENTIFIERS_index_by_OBJECT_IDENTIFIER(list, rsa.get()), -1);
+  free_OBJECT_IDENTIFIERS(list);
+}
+
+}  // namespace
