@@ -68,7 +68,8 @@ class Decoder {
 
   bool finish_group() noexcept {
     const int octets = 3 - group_padding_;
-    if (strays_ != Strays::corrupt && group_ << (8 + 8 * octets)) return false;  // bits left over
+    const uint32_t left_over = group_ & ((1u << (24 - 8 * octets)) - 1);
+    if (strays_ != Strays::corrupt && left_over) return false;
     for (int i = 0; i < octets; ++i) *out_++ = uint8_t(group_ >> (16 - 8 * i));
     group_ = 0;
     gathered_ = group_padding_ = 0;

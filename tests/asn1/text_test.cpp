@@ -1,0 +1,105 @@
+// Character sets against the C library's iconv, and the printers.
+#include <iconv.h>
+#include <velpki/convert.h>
+#include <velpki/utils.h>
+
+#include <functional>
+
+#include "support/asn1.h"
+
+namespace {
+
+using test::Bytes;
+
+// The whole input in the other character set, or "-" when iconv refuses any of it.
+std::string by_iconv(iconv_t converter, Bytes in) {
+  char out[16], *to = out, *from = reinterpret_cast<char *>(in.data());
+  size_t left = in.size(), room = sizeof out;
+  iconv(converter, nullptr, nullptr, nullptr, nullptr);
+  if (iconv(converter, &from, &left, &to, &room) || left) return "-";
+  return test::to_hex(reinterpret_cast<uint8_t *>(out), sizeof out - room);
+}
+
+template <class In, class Out>
+std::string converted(int (*convert)(const In *, int, Out **), const Bytes &in) {
+  Out *out = nullptr;
+  const int length = convert(reinterpret_cast<const In *>(in.data()), int(in.size()), &out);
+  const std::unique_ptr<Out, test::Release> owner(out);
+  return length < 0 ? (out ? "stored on failure" : "-")
+                    : test::to_hex(reinterpret_cast<uint8_t *>(out), size_t(length));
+}
+
+TEST(Convert, AgreesWithIconvOverEverything) {
+  const iconv_t to_unicode = iconv_open("UCS-2BE", "CP949"), to_utf8 = iconv_open("UTF-8", "CP949");
+  const iconv_t to_cp949 = iconv_open("CP949", "UCS-2BE");
+  ASSERT_NE(to_cp949, iconv_t(-1));
+  int mapped = 0;
+  for (unsigned value = 0; value < 0x10000; ++value) {
+    const Bytes pair = {uint8_t(value >> 8), uint8_t(value)};
+    const std::string expected = by_iconv(to_unicode, pair);
+    mapped += pair[0] >= 0x80 && expected != "-";
+    ASSERT_EQ(converted(cp949ToUnicode, pair), expected) << value;
+    ASSERT_EQ(converted(cp949ToUTF8, pair), by_iconv(to_utf8, pair)) << value;
+    ASSERT_EQ(converted(unicodeToCP949, pair), by_iconv(to_cp949, pair)) << value;
+    const std::string utf8 = converted(unicodeToUTF8, pair);
+    ASSERT_EQ(utf8 == "-", value >= 0xD800 && value < 0xE000);
+    if (utf8 != "-") ASSERT_EQ(converted(utf8ToUnicode, test::hex(utf8)), test::to_hex(pair));
+  }
+  EXPECT_EQ(mapped, 8226 + 8822);
+  for (const iconv_t each : {to_unicode, to_utf8, to_cp949}) iconv_close(each);
+}
+
+TEST(Convert, Edges) {
+  const struct {
+    std::function<std::string(const Bytes &)> convert;
+    const char *in, *out;
+  } cases[] = {{[](const Bytes &b) { return converted(cp949ToUnicode, b); }, "B0", "-"},
+               {[](const Bytes &b) { return converted(cp949ToUnicode, b); }, "41B0A1", "0041ac00"},
+               {[](const Bytes &b) { return converted(unicodeToCP949, b); }, "AC00AC", "-"},
+               {[](const Bytes &b) { return converted(utf8ToUnicode, b); }, "C080", "-"},
+               {[](const Bytes &b) { return converted(utf8ToUnicode, b); }, "E0808A", "-"},
+               {[](const Bytes &b) { return converted(utf8ToUnicode, b); }, "EDA080", "-"},
+               {[](const Bytes &b) { return converted(utf8ToUnicode, b); }, "F0908080", "-"},
+               {[](const Bytes &b) { return converted(utf8ToUnicode, b); }, "E282", "-"},
+               {[](const Bytes &b) { return converted(ascTouni, b); }, "41FF", "004100ff"},
+               {[](const Bytes &b) { return converted(uniToasc, b); }, "004100FF0000", "41ff"},
+               {[](const Bytes &b) { return converted(uniToasc, b); }, "0100", "-"},
+               {[](const Bytes &b) { return converted(uniToasc, b); }, "004100", "-"}};
+  for (const auto &each : cases) EXPECT_EQ(each.convert(test::hex(each.in)), each.out) << each.in;
+  unsigned char *out = nullptr;
+  EXPECT_EQ(ascTouni("abc", -1, &out), 6);
+  EXPECT_EQ(test::to_hex(out, 8), "0061006200630000");
+  PKV_Free(out, __FILE__, __LINE__);
+  EXPECT_EQ(ascTouni(nullptr, 3, &out), -1);
+  EXPECT_EQ(ascTouni("abc", 3, nullptr), -1);
+}
+
+TEST(Printers, Formats) {
+  const struct {
+    void (*print)(const void *);
+    const char *octets, *expected;
+  } cases[] = {
+      {[](const void *s) { print_hex_no_nl(static_cast<const ASN1_STRING *>(s)->data, 3); }, "00AB7F", "00:AB:7F"},
+      {[](const void *s) { print_hex(static_cast<const ASN1_STRING *>(s)->data, 3); }, "00AB7F", "00:AB:7F\n"},
+      {[](const void *s) { print_hex_nl(static_cast<const ASN1_STRING *>(s)->data, 0); }, "", ""},
+      {[](const void *s) { print_PCHAR(reinterpret_cast<char *>(static_cast<const ASN1_STRING *>(s)->data), 8); },
+       "411B5B0A7F9BEAB0", "A.[....."},
+      {[](const void *s) { dump_PCHAR(reinterpret_cast<char *>(static_cast<const ASN1_STRING *>(s)->data), 4); },
+       "EAB08041",
+       "\xEA\xB0\x80"
+       "A\n"},
+      {[](const void *s) { print_ASN1STRING(static_cast<const ASN1_STRING *>(s)); }, "410042", "A.B\n"},
+      {[](const void *s) { dump_hex(static_cast<const ASN1_STRING *>(s)->data, 17); },
+       "4142430A7F80FF00000000000000003031",
+       "00000000  41 42 43 0A 7F 80 FF 00 00 00 00 00 00 00 00 30  ABC............0\n"
+       "00000010  31                                               1\n"},
+      {[](const void *s) { dump_ASN1STRING(static_cast<const ASN1_STRING *>(s)); }, "41",
+       "type 0C, 1 octets\n00000000  41                                               A\n"},
+      {[](const void *) { print_hex(nullptr, 3), dump_hex(nullptr, 3), print_ASN1STRING(nullptr); }, "", ""}};
+  for (const auto &each : cases) {
+    const test::String string = test::string(TYPE_UTF8_STRING, test::hex(each.octets));
+    EXPECT_EQ(test::captured_stdout(each.print, string.get()), each.expected) << each.octets;
+  }
+}
+
+}  // namespace
