@@ -145,29 +145,38 @@ int PKV_ECDSA_VERIFY(const ECC_UNIT *key, int digest_id, const unsigned char *da
   return verify_der(pkey, {digest, digest_length}, {der.data(), der_length}) ? 0 : PKV_ERR_MISMATCH;
 }
 
+namespace {
+
+int derive(EVP_PKEY *own, EVP_PKEY *other, size_t length, uint8_t *out) noexcept {
+  Wiped<std::array<uint8_t, kMaxFieldOctets>> shared;
+  size_t written = shared.value.size();
+  const PkeyContextOwner context(EVP_PKEY_CTX_new_from_pkey(library_context(), own, nullptr));
+  if (!context || EVP_PKEY_derive_init(context.get()) <= 0 || EVP_PKEY_derive_set_peer(context.get(), other) <= 0 ||
+      EVP_PKEY_derive(context.get(), shared.value.data(), &written) <= 0 || written != length) {
+    return PKV_ERR_FAILED;
+  }
+  std::copy_n(shared.value.begin(), length, out);
+  return 0;
+}
+
+}  // namespace
+
 int PKV_ECDH(const ECC_UNIT *key, const ECC_POINT *peer, unsigned char *out, int *out_length) noexcept {
-  if (!key || !peer || !out || !out_length) return PKV_ERR_NULL;
+  if (!key || !peer) return PKV_ERR_NULL;
   const KnownCurve *curve = find_curve(*key);
   if (!curve) return PKV_ERR_UNSUPPORTED;
-  if (!PKV_Get_ECC_Private(key) || *out_length < int(curve->length)) return PKV_ERR_BAD_VALUE;
+  if (!PKV_Get_ECC_Private(key)) return PKV_ERR_BAD_VALUE;
+  int error = check_capacity(out, out_length, curve->length);
+  if (error) return error;
   EncodedPoint point;
-  if (int error = encode_point(*curve, peer->x, peer->y, point)) return error;
+  if ((error = encode_point(*curve, peer->x, peer->y, point))) return error;
   ErrorScope errors;
-  int error = 0;
   EVP_PKEY *own = prepared_key(*key, error);
   if (!own) return error;
   const PkeyOwner other = make_ec_key(*curve, point, nullptr);
   if (!other) return PKV_ERR_BAD_VALUE;
-  Wiped<std::array<uint8_t, kMaxFieldOctets>> shared;
-  size_t written = shared.value.size();
-  const PkeyContextOwner context(EVP_PKEY_CTX_new_from_pkey(library_context(), own, nullptr));
-  if (!context || EVP_PKEY_derive_init(context.get()) <= 0 ||
-      EVP_PKEY_derive_set_peer(context.get(), other.get()) <= 0 ||
-      EVP_PKEY_derive(context.get(), shared.value.data(), &written) <= 0 || written != curve->length) {
-    return PKV_ERR_FAILED;
-  }
-  std::copy_n(shared.value.begin(), written, out);
-  *out_length = int(written);
+  if ((error = derive(own, other.get(), curve->length, out))) return error;
+  *out_length = int(curve->length);
   return 0;
 }
 

@@ -203,9 +203,10 @@ enum { PKV_KEY_RSA = 0x20000000, PKV_KEY_DSA = 0x30000000, PKV_KEY_KCDSA = 0x400
 typedef int PKV_PROGRESS(int count, void *context);
 
 /* A private key that is elsewhere. It is asked to sign `input` and writes the signature: for RSA the modulus length in
- * octets; for KCDSA and ECC both halves, each as long as PKV_Get_..._Lengths says. `key` is one of PKV_KEY_; `digest_id`
- * is the digest of which `input` is the value (for KCDSA that of z || message, whole), or 0 when `input` is the message
- * itself (Ed25519); `scheme` is the RSA scheme. It returns 0 or a PKV_ERR_ code, which the signing call passes on. */
+ * octets; for KCDSA and ECC both halves, each as long as PKV_Get_..._Lengths says. `key` is one of PKV_KEY_;
+ * `digest_id` is the digest of which `input` is the value (for KCDSA that of z || message, whole), or 0 when `input`
+ * is the message itself (Ed25519); `scheme` is the RSA scheme. It returns 0 or a PKV_ERR_ code, which the signing call
+ * passes on. */
 typedef int PKV_SIGN_CALLBACK(void *context, int key, int digest_id, int scheme, const unsigned char *input,
                               int input_length, unsigned char *signature, int *signature_length);
 
@@ -230,10 +231,10 @@ VELPKI_API void PKV_Clear_RSA(RSA_UNIT *key) VELPKI_NOEXCEPT; /* back to the sta
 VELPKI_API RSA_UNIT *PKV_Dup_RSA(const RSA_UNIT *key) VELPKI_NOEXCEPT; /* shares the numbers, not a running operation */
 /* PKV_Cmp_RSA compares n and e: 0 equal, 1 not (also for null and for keys without numbers). */
 VELPKI_API int PKV_Cmp_RSA(const RSA_UNIT *a, const RSA_UNIT *b) VELPKI_NOEXCEPT;
-/* Setting copies the numbers and makes another key of `key`: its callback and what was running are gone. `n` and `e` are
- * required, the others null when absent; a private key works with n, e and d alone. Values are checked at use, not here:
- * every operation refuses (PKV_ERR_BAD_VALUE) a modulus that is even or not of 512 to 16384 bits, and an exponent that is
- * even, below 3, not below the modulus, or of more than 64 bits under a modulus of more than 3072. */
+/* Setting copies the numbers and makes another key of `key`: its callback and what was running are gone. `n` and `e`
+ * are required, the others null when absent; a private key works with n, e and d alone. Values are checked at use, not
+ * here: every operation refuses (PKV_ERR_BAD_VALUE) a modulus that is even or not of 512 to 16384 bits, and an
+ * exponent that is even, below 3, not below the modulus, or of more than 64 bits under a modulus of more than 3072. */
 VELPKI_API int PKV_Set_RSA_Params(RSA_UNIT *key, const BIGINT *n, const BIGINT *e, const BIGINT *d, const BIGINT *p,
                                   const BIGINT *q, const BIGINT *dp, const BIGINT *dq, const BIGINT *qinv) VELPKI_NOEXCEPT;
 /* PKV_Set_RSA_Public sets a public key from the big-endian octets of n and e, in one allocation. */
@@ -252,8 +253,9 @@ VELPKI_API int PKV_Generate_RSA(RSA_UNIT *key, int bits, unsigned int exponent, 
                                 void *context) VELPKI_NOEXCEPT;
 
 /* Incremental signatures, on a key that the caller owns alone. `scheme` is PKV_RSA_PKCS1 or PKV_RSA_PSS, `sign` 1 to
- * sign, 0 to verify. Final signs into `signature` (capacity in `*length`), or verifies `*length` octets of it:
- * 0 means valid; a signature of another length than the modulus is PKV_ERR_MISMATCH like any other that is wrong. PSS uses the digest for MGF1 and its length for the salt unless set after Init. */
+ * sign, 0 to verify. Final signs into `signature` (capacity in `*length`), or verifies `*length` octets of it: 0 means
+ * valid; a signature of another length than the modulus is PKV_ERR_MISMATCH like any other that is wrong. PSS uses the
+ * digest for MGF1 and its length for the salt unless set after Init. */
 VELPKI_API int PKV_Init_RSASSA(RSA_UNIT *key, int digest_id, int scheme, int sign) VELPKI_NOEXCEPT;
 VELPKI_API int PKV_Set_RSASSA_PSS(RSA_UNIT *key, int mgf_digest_id, int salt_length) VELPKI_NOEXCEPT;
 VELPKI_API int PKV_Update_RSASSA(RSA_UNIT *key, const unsigned char *data, int length) VELPKI_NOEXCEPT;
@@ -293,8 +295,9 @@ VELPKI_API void PKV_Clear_KCDSA(KCDSA_UNIT *key) VELPKI_NOEXCEPT;
 VELPKI_API KCDSA_UNIT *PKV_Dup_KCDSA(const KCDSA_UNIT *key) VELPKI_NOEXCEPT;
 /* PKV_Cmp_KCDSA compares p, q, g and y: 0 equal, 1 not. */
 VELPKI_API int PKV_Cmp_KCDSA(const KCDSA_UNIT *a, const KCDSA_UNIT *b) VELPKI_NOEXCEPT;
-/* PKV_Set_KCDSA_Params sets domain parameters and public value, copied; every one may be null, which keeps what the key
- * holds. A null `seed` keeps seed and count. A callback goes, and with a new p, q, g or y the private value. Sizes are checked at use: |p| 1024 to 3072, |q| 160 to 256 bits. */
+/* PKV_Set_KCDSA_Params sets domain parameters and public value, copied; every one may be null, which keeps what the
+ * key holds. A null `seed` keeps seed and count. A callback goes, and with a new p, q, g or y the private value. Sizes
+ * are checked at use: |p| 1024 to 3072, |q| 160 to 256 bits. */
 VELPKI_API int PKV_Set_KCDSA_Params(KCDSA_UNIT *key, const BIGINT *p, const BIGINT *q, const BIGINT *g, const BIGINT *j,
                                     const BIGINT *y, const unsigned char *seed, int seed_length, int count) VELPKI_NOEXCEPT;
 /* PKV_Set_KCDSA_Private sets x, and y = g^(1/x mod q) mod p, computed when the key holds none and compared (else
@@ -307,8 +310,9 @@ VELPKI_API const unsigned char *PKV_Get_KCDSA_Seed(const KCDSA_UNIT *key, int *l
 VELPKI_API int PKV_Is_KCDSA_Private(const KCDSA_UNIT *key) VELPKI_NOEXCEPT;
 /* PKV_Get_KCDSA_Lengths tells the octets of r and of s for this key and its digest. */
 VELPKI_API int PKV_Get_KCDSA_Lengths(const KCDSA_UNIT *key, int *r_length, int *s_length) VELPKI_NOEXCEPT;
-/* Domain parameters by the standard's procedure from a random seed, with the first h of 2, 3, ... that gives a generator. |p|, |q| and the digest: 1024/160 with HAS-160 or
- * SHA-1, 2048/224 with SHA-224 or SHA-256, 2048/256 and 3072/256 with SHA-256. */
+/* Domain parameters by the standard's procedure from a random seed, with the first h of 2, 3, ... that gives a
+ * generator. |p|, |q| and the digest: 1024/160 with HAS-160 or SHA-1, 2048/224 with SHA-224 or SHA-256, 2048/256 and
+ * 3072/256 with SHA-256. */
 VELPKI_API int PKV_Generate_KCDSA_Params(KCDSA_UNIT *key, int p_bits, int q_bits, int digest_id, PKV_PROGRESS *progress,
                                          void *context) VELPKI_NOEXCEPT;
 /* PKV_Derive_KCDSA_Params does the same from a given seed, trying counts from 1 up; PKV_ERR_FAILED when J is composite. */
@@ -357,7 +361,7 @@ VELPKI_API void PKV_Free_ECURVE(ECURVE *curve) VELPKI_NOEXCEPT;
 VELPKI_API ECURVE *PKV_Dup_ECURVE(const ECURVE *curve) VELPKI_NOEXCEPT;
 VELPKI_API int PKV_Set_ECURVE_Params(ECURVE *curve, int id, const char *name, const BIGINT *a, const BIGINT *b,
                                      const BIGINT *p, const ECC_POINT *g, const BIGINT *n) VELPKI_NOEXCEPT;
-/* PKV_Set_ECURVE_Named fills a curve that this provider knows, by name; its id is its place in the list above, from 0. */
+/* PKV_Set_ECURVE_Named fills a curve that this provider knows, by name; its id is its place in that list, from 0. */
 VELPKI_API int PKV_Set_ECURVE_Named(ECURVE *curve, const char *name) VELPKI_NOEXCEPT;
 VELPKI_API const char *PKV_Get_ECURVE_Name(const ECURVE *curve) VELPKI_NOEXCEPT; /* lent, null when unset */
 VELPKI_API int PKV_Get_ECURVE_ID(const ECURVE *curve) VELPKI_NOEXCEPT;           /* -1 when unset */
