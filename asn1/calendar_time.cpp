@@ -84,5 +84,6 @@ ASN1_TIME *getCurrentLocalTime(void) noexcept { return current_time(localtime64)
 
 int cmp_ASN1_TIME(const ASN1_TIME *a, const ASN1_TIME *b) noexcept {
   int64_t left = 0, right = 0;
-  return compare_instants(a && b && instant_of(*a, left) && instant_of(*b, right), left, right);
+  const bool both_known = a && b && instant_of(*a, left) && instant_of(*b, right);
+  return compare_instants(both_known, left, right);
 }

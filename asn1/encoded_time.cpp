@@ -239,7 +239,8 @@ int add_seconds(int type, int function, ASN1_STRING *time, long long seconds) no
 
 int compare(int type, const ASN1_STRING *a, const ASN1_STRING *b) noexcept {
   int64_t left = 0, right = 0;
-  return compare_instants(instant_of_text(type, a, left) && instant_of_text(type, b, right), left, right);
+  const bool both_known = instant_of_text(type, a, left) && instant_of_text(type, b, right);
+  return compare_instants(both_known, left, right);
 }
 
 }  // namespace

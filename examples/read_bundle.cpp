@@ -27,7 +27,7 @@ std::vector<Octets> split_bundle(const char *text, int length) {
   std::vector<Octets> found;
   for (int at = 0, consumed = 0; at < length; at += consumed) {
     unsigned char *der = nullptr;
-    const int size = decode_PEM_ex(text + at, length - at, "CERTIFICATE", nullptr, 0, &consumed, &der);
+    const int size = decode_PEM_ex(text + at, length - at, "CERTIFICATE", nullptr, nullptr, &consumed, &der);
     if (size <= 0) break;
     found.emplace_back(der, der + size);
     PKV_Free(der, __FILE__, __LINE__);

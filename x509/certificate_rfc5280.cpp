@@ -20,16 +20,19 @@ struct Task {
   int digest_id;
 };
 
+// A key of another kind than the algorithm's, or of no kind that is known here.
+int wrong_key(const Task &task) noexcept { return failure(task.issuer.key ? ERR_ALGORITHM_MISMATCH : kUnsupported); }
+
 int verify_rsa_pkcs1(const Task &task) noexcept {
   const RSA_UNIT *key = ASYMMETRIC_KEY_to_RSA_UNIT(task.issuer.key);
-  if (!key) return failure(ERR_ALGORITHM_MISMATCH);
+  if (!key) return wrong_key(task);
   return PKV_RSASSA_VERIFY(key, task.digest_id, PKV_RSA_PKCS1, task.tbs.data(), int(task.tbs.size()),
                            task.signature.data(), int(task.signature.size()));
 }
 
 int verify_ecdsa(const Task &task) noexcept {
   const ECC_UNIT *key = ASYMMETRIC_KEY_to_ECC_UNIT(task.issuer.key);
-  if (!key) return failure(ERR_ALGORITHM_MISMATCH);
+  if (!key) return wrong_key(task);
   SignatureHalves halves;
   if (!read_ecdsa_value(task.signature, halves)) return failure(ERR_ASN1_DECODING);
   return PKV_ECDSA_VERIFY(key, task.digest_id, task.tbs.data(), int(task.tbs.size()), halves.r.data(),
@@ -38,7 +41,7 @@ int verify_ecdsa(const Task &task) noexcept {
 
 int verify_kcdsa_value(const Task &task) noexcept {
   const KCDSA_UNIT *key = ASYMMETRIC_KEY_to_KCDSA_UNIT(task.issuer.key);
-  if (!key) return failure(ERR_ALGORITHM_MISMATCH);
+  if (!key) return wrong_key(task);
   SignatureHalves halves;
   if (!read_kcdsa_value(task.signature, halves)) return failure(ERR_ASN1_DECODING);
   return PKV_KCDSA_VERIFY(key, task.digest_id, task.tbs.data(), int(task.tbs.size()), halves.r.data(),

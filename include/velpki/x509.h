@@ -431,7 +431,7 @@ VELPKI_API int verify_KCDSA_SIG_X509_CERT(X509_CERT *cert, KCDSA_UNIT *kcdsa_key
 /* verify_SIG_X509_CERT_RFC5280 verifies the received octets of a decoded certificate with the issuer's public key: RSA
  * (PKCS#1 v1.5), ECDSA, Ed25519 and KCDSA, the digest as the algorithm says. Codes: F_VERIFY_RSASIGN_TBS_CERT with 49 (null,
  * or no received octets), ERR_ALGORITHM_MISMATCH (inside and outside differ, or the key is of another kind),
- * ERR_UNUSED_BITS, 48 (an algorithm that is not among these), ERR_ASN1_DECODING, or the provider's code. */
+ * ERR_UNUSED_BITS, 48 (an algorithm or key that is not among these), ERR_ASN1_DECODING, or the provider's code. */
 VELPKI_API int verify_SIG_X509_CERT_RFC5280(const X509_CERT *cert, const X509_PUBKEY *issuer_key) VELPKI_NOEXCEPT;
 /* verify_X509_validity compares the certificate's dates with a time, null meaning now. Codes: F_VERIFY_X509_VALIDITY with
  * ERR_INVALID_X509_TIME_TYPE, ERR_CERT_NOT_BEFORE and ERR_CERT_NOT_AFTER (unreadable), ERR_INVALID_CERT_NOT_BEFORE and

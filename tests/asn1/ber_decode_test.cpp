@@ -63,20 +63,21 @@ TEST(Decoders, ObjectIdentifiers) {
 }
 
 TEST(Decoders, TextOfAHundredCharactersIsTooLong) {
-  for (const auto &[arcs, decodes] : {std::pair{47, true}, {48, false}}) {  // "2.5" and ".1" for each arc
+  for (const auto &[arcs, decodes] : {std::pair{46, true}, {47, false}}) {  // "2.5.10" and ".1" for each arc
     Bytes octets{0x06, uint8_t(arcs + 2), 0x55, 0x0A};
     octets.resize(octets.size() + size_t(arcs), 0x01);
     const String oid(decodeToBERObjectIdentifier_n(octets.data(), int(octets.size())));
     EXPECT_EQ(oid != nullptr, decodes) << arcs;
-    if (oid) EXPECT_EQ(oid->length, 6 + 2 * arcs - 2 + 0 + (decodes ? 0 : 1) + 0) << text_of(oid.get());
+    if (oid) EXPECT_EQ(oid->length, 6 + 2 * arcs);
     const String any(decodeToBERObjectIdentifier_RFC5280(octets.data(), int(octets.size())));
     EXPECT_TRUE(any);
   }
 }
 
-// A value of every identifier: what a generic string keeps, it writes back as it was.
+// A value of every identifier: what a generic string keeps, it writes back as it was; an INTEGER is normalised.
 TEST(Decoders, GenericStringsComeBack) {
   for (int identifier = 0; identifier < 256; ++identifier) {
+    if (identifier == TYPE_INTEGER) continue;
     for (const size_t length : {0u, 1u, 2u, 20u}) {
       Bytes octets{uint8_t(identifier), uint8_t(length)};
       octets.resize(2 + length, 0x41);
@@ -94,7 +95,7 @@ TEST(Decoders, GenericStringsComeBack) {
 }
 
 TEST(Navigators, TagRule) {
-  const Unit u = unit("30 19 800105 020107 010101 0c0141 3003020109 13024142 0500");
+  const Unit u = unit("30 17 800105 020107 010101 0c0141 3003020109 13024142 0500");
   ASSERT_TRUE(u);
   const auto child = [&](int index, int type) { return getBERChildAt(u.get(), index, type); };
   EXPECT_EQ(octets_hex(String(static_cast<ASN1_STRING *>(child(0, 4))).get()), "05");

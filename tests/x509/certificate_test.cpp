@@ -1,4 +1,6 @@
 // Certificates: codec, codes, signatures, dates, digests, and openssl as the other side.
+#include <algorithm>
+
 #include "samples.h"
 
 using namespace test;
@@ -44,8 +46,24 @@ class Certificates : public testing::Test {
   static void SetUpTestSuite() { rsa_key(), kcdsa_key(); }
 };
 
-Owned<ASYMMETRIC_KEY> rsa() { return Owned<ASYMMETRIC_KEY>(RSA_UNIT_to_ASYMMETRIC_KEY(rsa_key())); }
-Owned<ASYMMETRIC_KEY> kcdsa() { return Owned<ASYMMETRIC_KEY>(KCDSA_UNIT_to_ASYMMETRIC_KEY(kcdsa_key())); }
+// Keys with the same numbers that share nothing with them, so that what a key prepares is released with the test.
+Owned<ASYMMETRIC_KEY> rsa() {
+  const Owned<RSA_UNIT> own(PKV_New_RSA());
+  const auto part = [](PKV_RSA_COMPONENT which) { return PKV_Get_RSA_Component(rsa_key(), which); };
+  EXPECT_EQ(PKV_Set_RSA_Params(own.get(), part(PKV_RSA_N), part(PKV_RSA_E), part(PKV_RSA_D), part(PKV_RSA_P),
+                               part(PKV_RSA_Q), part(PKV_RSA_DP), part(PKV_RSA_DQ), part(PKV_RSA_QINV)),
+            0);
+  return Owned<ASYMMETRIC_KEY>(RSA_UNIT_to_ASYMMETRIC_KEY(own.get()));
+}
+Owned<ASYMMETRIC_KEY> kcdsa() {
+  const Owned<KCDSA_UNIT> own(PKV_New_KCDSA());
+  const auto part = [](PKV_KCDSA_COMPONENT which) { return PKV_Get_KCDSA_Component(kcdsa_key(), which); };
+  EXPECT_EQ(PKV_Set_KCDSA_Params(own.get(), part(PKV_KCDSA_P), part(PKV_KCDSA_Q), part(PKV_KCDSA_G), nullptr,
+                                 part(PKV_KCDSA_Y), nullptr, 0, 0),
+            0);
+  EXPECT_EQ(PKV_Set_KCDSA_Private(own.get(), part(PKV_KCDSA_X)), 0);
+  return Owned<ASYMMETRIC_KEY>(KCDSA_UNIT_to_ASYMMETRIC_KEY(own.get()));
+}
 
 Owned<X509_TIME> time(const char *text) {
   const Time made(charToASN1_TIME(text));
@@ -210,8 +228,8 @@ TEST_F(Certificates, UnsignedChangesAndBothVerifications) {
   };
   EXPECT_EQ(verify_both(der), std::pair(0, 0));
   Bytes serial = der;  // the serial number's identifier stands behind the version
-  const size_t at = size_t(std::search(der.begin(), der.end(), std::begin({0x02, 0x02, 0x00, 0x80}),
-                                       std::end({0x02, 0x02, 0x00, 0x80})) - der.begin());
+  const Bytes number = hex("02020080");
+  const size_t at = size_t(std::search(der.begin(), der.end(), number.begin(), number.end()) - der.begin());
   ASSERT_LT(at, der.size());
   serial[at] = 0x82;
   EXPECT_EQ(verify_both(serial).first, 0);

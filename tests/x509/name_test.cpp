@@ -165,7 +165,7 @@ TEST(Algorithms, ParametersAndCounts) {
   EXPECT_EQ(flat(without), "300a06082a8648ce3d040302");
   free_ASN1_UNIT(with);
   free_ASN1_UNIT(without);
-  for (const char *wrong : {"3000", "300a 060155 0500 0500 0500"}) {
+  for (const char *wrong : {"3000", "3009 060155 0500 0500 0500"}) {
     X509_ALGO_IDENTIFIER *made = nullptr;
     EXPECT_EQ(Seq_to_X509_ALGO_IDENTIFIER(unit(wrong).get(), &made), F_SEQ_TO_X509_ALGO_IDENTIFIER | 0x2B);
   }
@@ -202,8 +202,8 @@ TEST(Attributes, ValuesByType) {
   ASN1_UNIT *in_order = nullptr, *sorted = nullptr;
   ASSERT_EQ(X509_ATTRIBUTES_to_Seq(list, &in_order), 0);
   ASSERT_EQ(X509_ATTRIBUTES_to_Seq_RFC5280(list, &sorted), 0);
-  EXPECT_EQ(flat(in_order), "3128300a" "06035504063103" "0c0161" "301a0603550403311330030201050c01610c01613003020105");
-  EXPECT_EQ(flat(sorted), "3128300a" "06035504063103" "0c0161" "301a060355040331130c01610c016130030201053003020105");
+  EXPECT_EQ(flat(in_order), "3125300a0603550406310" "30c016130170603550403311030030201050c01610c01613003020105");
+  EXPECT_EQ(flat(sorted), "3125300a0603550406310" "30c01613017060355040331100c01610c016130030201053003020105");
   free_ASN1_UNIT(in_order);
   free_ASN1_UNIT(sorted);
   free_X509_ATTRIBUTES(list);

@@ -1,0 +1,192 @@
+// Certificates that others made, real and damaged, against their manifests.
+#include <fstream>
+
+#include <velpki/pem.h>
+
+#include "samples.h"
+
+using namespace test;
+
+namespace {
+
+using Row = std::map<std::string, std::string>;
+
+Certificate read_standard(const Bytes &der) {
+  X509_CERT *cert = nullptr;
+  readDER_X509_CERT_from_Binary_RFC5280(&cert, der.data(), int(der.size()));
+  return Certificate(cert);
+}
+
+// DER octets of a file in either format.
+Bytes der_of(const std::string &path, const std::string &format) {
+  const Bytes octets = read_file(path);
+  if (format != "PEM") return octets;
+  unsigned char *der = nullptr;
+  const int length = decode_PEM_ex(reinterpret_cast<const char *>(octets.data()), int(octets.size()), nullptr, nullptr,
+                                   nullptr, nullptr, &der);
+  const Block owner(der);
+  return length > 0 ? Bytes(der, der + length) : Bytes();
+}
+
+std::string digest_hex(const Bytes &octets) {
+  unsigned char digest[64];
+  int length = 0;
+  PKV_DIGEST(PKV_DIGEST_SHA256, octets.data(), int(octets.size()), digest, &length);
+  return to_hex(digest, size_t(length));
+}
+
+std::string extension_list(const X509_CERT *cert) {
+  std::string list;
+  const X509_EXTENSIONS *extensions = get_X509_extensions(cert);
+  for (int i = 0; i < get_X509_EXTENSION_count(extensions); ++i) {
+    const X509_EXTENSION *each = get_X509_EXTENSION(extensions, i);
+    list += (i ? "," : "") + text_of(each->object) + (each->critical ? "!" : "");
+  }
+  return list;
+}
+
+// What is read in standard form against the manifest's fields.
+void compare(const Row &row, const X509_CERT *cert) {
+  const std::string &file = row.at("file");
+  EXPECT_EQ(std::to_string(get_X509_version(cert) + 1), row.at("version")) << file;
+  EXPECT_EQ(text_of(get_X509_sig_alg(cert)), row.at("signature_algorithm_oid")) << file;
+  EXPECT_EQ(text_of(get_X509_signature(cert)), row.at("inner_signature_algorithm_oid")) << file;
+  EXPECT_EQ(extension_list(cert), row.at("extensions")) << file;
+  unsigned char digest[64];
+  int length = 0;
+  EXPECT_EQ(X509_CERT_digest_RFC5280(cert, PKV_DIGEST_SHA256, digest, &length), 0);
+  if (!row.at("sha256").empty()) EXPECT_EQ(to_hex(digest, size_t(length)), row.at("sha256")) << file;
+  if (file == "files/zlint_caOrgNameEmpty.der") return;  // an RDN whose SET is not in DER order; it is written sorted
+  ASN1_UNIT *name = nullptr;
+  ASSERT_EQ(X509_NAME_to_Seq_RFC5280(get_X509_subject(cert), &name), 0) << file;
+  EXPECT_EQ(digest_hex(hex(flat(name))), row.at("subject_name_sha256")) << file;
+  free_ASN1_UNIT(name);
+}
+
+// Everything that openssl reads is read in standard form and agrees; what the house form reads, it writes back and reads
+// again.
+TEST(CertificateVectors, AgreeWithTheirManifest) {
+  VELPKI_NEED_VECTORS("certs", folder);
+  int house = 0, standard = 0, peer = 0;
+  for (const Row &row : read_tsv(folder + "/manifest.tsv")) {
+    const Bytes der = der_of(folder + "/" + row.at("file"), row.at("format"));
+    peer += row.at("openssl_decodes") == "yes";
+    const Certificate plain = read_certificate(der), cert = read_standard(der);
+    house += plain != nullptr;
+    standard += cert != nullptr;
+    if (cert && row.at("openssl_decodes") == "yes" && !row.at("version").empty()) compare(row, cert.get());
+    if (!plain) continue;
+    const std::string once = written(plain.get());
+    const Certificate again = once == "-" ? nullptr : read_certificate(hex(once));
+    if (again) EXPECT_EQ(written(again.get()), once) << row.at("file");
+  }
+  RecordProperty("house", house);
+  RecordProperty("standard", standard);
+  std::printf("certificates: openssl reads %d, standard form %d, house form %d\n", peer, standard, house);
+  EXPECT_GE(standard * 100, peer * 95);
+  EXPECT_GT(house, 0);
+}
+
+// Signatures by the issuer that is in the same set.
+TEST(CertificateVectors, VerifyAsTheManifestSays) {
+  VELPKI_NEED_VECTORS("certs", folder);
+  int verified = 0, other_algorithms = 0;
+  for (const Row &row : read_tsv(folder + "/manifest.tsv")) {
+    if (row.at("issuer_file").empty() || row.at("signature_verifies").empty() || row.at("format") == "PEM") continue;
+    const std::string issuer_path = row.at("issuer_file").find('/') == std::string::npos
+                                        ? folder + "/files/" + row.at("issuer_file")
+                                        : folder + "/" + row.at("issuer_file");
+    const Certificate cert = read_standard(read_file(folder + "/" + row.at("file")));
+    const Certificate issuer = read_standard(read_file(issuer_path));
+    if (!cert || !issuer) continue;
+    const int code = verify_SIG_X509_CERT_RFC5280(cert.get(), get_X509_SPKI(issuer.get()));
+    if (code == (F_VERIFY_RSASIGN_TBS_CERT | 0x48)) {
+      ++other_algorithms;
+      continue;
+    }
+    EXPECT_EQ(code == 0, row.at("signature_verifies") == "ok") << row.at("file") << std::hex << " " << code;
+    verified += code == 0;
+    // The house form may refuse a good certificate; it never takes one whose signature is wrong.
+    const Certificate house = read_certificate(read_file(folder + "/" + row.at("file")));
+    const Certificate house_issuer = read_certificate(read_file(issuer_path));
+    if (house && house_issuer && row.at("signature_verifies") == "no")
+      EXPECT_NE(verify_SIG_X509_CERT(house.get(), get_X509_SPKI(house_issuer.get())->key), 0) << row.at("file");
+  }
+  std::printf("signatures: %d verified, %d of other algorithms\n", verified, other_algorithms);
+  EXPECT_GT(verified, 100);
+}
+
+// Every damaged input through every decoder, at the end of a page. Those that no decoder may take are refused.
+TEST(MalformedVectors, AreRefusedWithoutAccident) {
+  VELPKI_NEED_VECTORS("malformed", folder);
+  GuardedBytes guarded(4 << 20);
+  int refused = 0, taken = 0;
+  for (const Row &row : read_tsv(folder + "/manifest.tsv")) {
+    const Bytes octets = read_file(folder + "/" + row.at("file"));
+    if (octets.size() > (4 << 20)) continue;
+    const uint8_t *at = guarded.place(octets.data(), octets.size());
+    const int length = int(octets.size());
+    const Unit unit(decodeToBERSequence_n(at, length)), strict(decodeToBERSequence_strict(at, length));
+    // Missing end-of-contents octets inside a definite value show only to who looks inside.
+    const bool outer_fault = row.at("structure_fault") != "outer:end-of-contents missing";
+    if (row.at("expect") == "refuse" && row.at("format") != "PEM" && outer_fault) {
+      EXPECT_FALSE(unit) << row.at("file");
+      EXPECT_FALSE(strict) << row.at("file");
+    }
+    String(decodeToBERASN1String_n(at, length));
+    Unit(decodeToDERSequence_strict(at, length));
+    unsigned char *der = nullptr;
+    X509_CERT *cert = nullptr, *standard = nullptr;
+    const int code = readDER_X509_CERT_from_Binary(&cert, at, length);
+    readDER_X509_CERT_from_Binary_RFC5280(&standard, at, length);
+    ++(code ? refused : taken);
+    EXPECT_EQ(code != 0, cert == nullptr);
+    if (row.at("expect") == "refuse" && row.at("format") != "PEM") EXPECT_FALSE(cert || standard) << row.at("file");
+    if (cert) {
+      if (ASN1_UNIT *out = nullptr; X509_CERT_to_Seq(cert, &out) == 0) free_ASN1_UNIT(out);
+      verify_SIG_X509_CERT(cert, get_X509_SPKI(cert)->key);
+      captured_stdout([](const void *c) { print_X509(static_cast<const X509_CERT *>(c)); }, cert);
+    }
+    if (readPEM_X509_CERT_from_Binary(&standard, reinterpret_cast<const char *>(at), length) == 0) ++taken;
+    PKV_Free(der, __FILE__, __LINE__);
+    free_X509_CERT(cert);
+    free_X509_CERT(standard);
+    // As the other records that begin with a SEQUENCE or SET.
+    if (!unit) continue;
+    X509_NAME *name = nullptr;
+    X509_ATTRIBUTES *attributes = nullptr;
+    X509_EXTENSIONS *extensions = nullptr;
+    X509_PUBKEY *pubkey = nullptr;
+    Seq_to_X509_NAME_RFC5280(unit.get(), &name);
+    Seq_to_X509_ATTRIBUTES(unit.get(), &attributes);
+    Seq_to_X509_EXTENSIONS_strict(unit.get(), &extensions);
+    Seq_to_X509_PUBKEY(unit.get(), &pubkey);
+    free_X509_NAME(name);
+    free_X509_ATTRIBUTES(attributes);
+    free_X509_EXTENSIONS(extensions);
+    free_X509_PUBKEY(pubkey);
+  }
+  std::printf("damaged inputs: %d refused as certificates, %d taken\n", refused, taken);
+  EXPECT_GT(refused, 1000);
+}
+
+// The published and self-made Korean certificates.
+TEST(KoreanVectors, CertificatesVerify) {
+  VELPKI_NEED_VECTORS("korean.tsv", path);
+  const std::string folder = path.substr(0, path.rfind('/'));
+  int read = 0;
+  for (const Row &row : read_tsv(path)) {
+    if (row.at("kind") != "certificate") continue;
+    const Bytes der = read_file(folder + "/" + row.at("file"));
+    const Certificate cert = read_standard(der);
+    EXPECT_TRUE(cert || der.empty() || der[0] == '-') << row.at("file");
+    if (!cert || cmp_X509_NAME(get_X509_issuer(cert.get()), get_X509_subject(cert.get()))) continue;
+    const int code = verify_SIG_X509_CERT_RFC5280(cert.get(), get_X509_SPKI(cert.get()));
+    if (code == (F_VERIFY_RSASIGN_TBS_CERT | 0x48)) continue;  // PSS, or a key of an unknown kind
+    EXPECT_EQ(code, 0) << row.at("file");
+    ++read;
+  }
+  EXPECT_GT(read, 2);
+}
+
+}  // namespace
