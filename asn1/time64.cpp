@@ -59,7 +59,7 @@ bool instant_of(const struct tm &time, int64_t &seconds) noexcept {
 
 bool fields_of_instant(int64_t seconds, struct tm &out) noexcept {
   const int64_t days = floor_divide(seconds, kSecondsPerDay);
-  const int second_of_day = int(seconds - days * kSecondsPerDay);
+  const int second_of_day = int((seconds % kSecondsPerDay + kSecondsPerDay) % kSecondsPerDay);
   const Date date = date_of_days(days);
   if (!fits_year_field(date.year)) return false;
   out = {};
