@@ -97,7 +97,7 @@ int give_encoded(Octets in, size_t line, char **text) noexcept {
 }  // namespace
 
 size_t base64_size(size_t octets, size_t line) noexcept {
-  if (octets > size_t(INT_MAX)) return 0;
+  if (octets > size_t(INT_MAX) / 4 * 3) return 0;
   const size_t size = (octets + 2) / 3 * 4;
   return size + line_feeds(size, line);
 }

@@ -24,9 +24,12 @@ std::string_view given(const char *text, int length) noexcept {
 // Text of a size known beforehand, written from front to back.
 class Frame {
  public:
-  Frame(size_t base64_size, std::string_view label) noexcept
-      : size_(kBegin.size() + kEnd.size() + 2 * (label.size() + kDashes.size()) + base64_size + 3) {
-    if (base64_size && size_ <= size_t(INT_MAX)) text_.reset(static_cast<char *>(allocate(size_ + 1)));
+  Frame(size_t base64_size, std::string_view label) noexcept {
+    const uint64_t lines = kBegin.size() + kEnd.size() + 2 * (uint64_t(label.size()) + kDashes.size()) + 3;
+    const uint64_t size = lines + base64_size;
+    if (base64_size == 0 || size > uint64_t(INT_MAX)) return;
+    size_ = size_t(size);
+    text_.reset(static_cast<char *>(allocate(size_ + 1)));
     at_ = text_.get();
   }
   explicit operator bool() const noexcept { return text_ != nullptr; }
@@ -43,9 +46,9 @@ class Frame {
   }
 
  private:
-  size_t size_;
+  size_t size_ = 0;
   owned<char> text_;
-  char *at_;
+  char *at_ = nullptr;
 };
 
 void put_begin(Frame &frame, std::string_view label) noexcept {

@@ -32,7 +32,8 @@ owned<uint8_t> decode_base64(std::string_view text, Strays strays, size_t &lengt
 // The same as a result of the interface.
 int give_decoded(std::string_view text, Strays strays, unsigned char **out) noexcept;
 
-// The characters that octets take in lines of `line` characters (0: in one line), and their writing.
+// The characters that octets take in lines of `line` characters (0: in one line), and their writing. A number above
+// INT_MAX is 0 or what it is: it never wraps.
 size_t base64_size(size_t octets, size_t line) noexcept;
 void write_base64(Octets in, size_t line, char *out) noexcept;
 
