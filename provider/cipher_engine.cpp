@@ -38,6 +38,15 @@ const EVP_CIPHER *libcrypto_cipher(const CipherInfo &info, int mode) noexcept {
   return keep_once(fetched[&info - kCiphers][at], EVP_CIPHER_free, [&info, at]() noexcept { return fetch(info, at); });
 }
 
+bool set_key_size(EVP_CIPHER_CTX *context, const EVP_CIPHER *cipher, const CipherStart &with) noexcept {
+  size_t length = with.key.size(), rc2_bits = with.info->rc2_bits;
+  const OSSL_PARAM end = OSSL_PARAM_construct_end();
+  const OSSL_PARAM bits = OSSL_PARAM_construct_size_t(OSSL_CIPHER_PARAM_RC2_KEYBITS, &rc2_bits);
+  const OSSL_PARAM params[] = {OSSL_PARAM_construct_size_t(OSSL_CIPHER_PARAM_KEYLEN, &length), rc2_bits ? bits : end,
+                               end};
+  return EVP_CipherInit_ex2(context, cipher, nullptr, nullptr, with.encrypt, params) == 1;
+}
+
 }  // namespace
 
 const CipherInfo *find_cipher(int cipher_id) noexcept {
@@ -55,16 +64,13 @@ int LibcryptoCipher::start(const CipherStart &with) noexcept {
   if (!cipher) return library_context() ? PKV_ERR_UNSUPPORTED : PKV_ERR_NO_MEMORY;
   if (!context_) context_.reset(EVP_CIPHER_CTX_new());
   if (!context_) return PKV_ERR_NO_MEMORY;
-  size_t key_length = with.key.size(), rc2_bits = with.info->rc2_bits;
-  const OSSL_PARAM end = OSSL_PARAM_construct_end();
-  const OSSL_PARAM bits = OSSL_PARAM_construct_size_t(OSSL_CIPHER_PARAM_RC2_KEYBITS, &rc2_bits);
-  const OSSL_PARAM params[] = {OSSL_PARAM_construct_size_t(OSSL_CIPHER_PARAM_KEYLEN, &key_length),
-                               rc2_bits ? bits : end, end};
-  // Lengths come first: the key schedule is made when the key arrives.
+  EVP_CIPHER_CTX *context = context_.get();
+  const bool fixed = with.info->key_min == with.info->key_max && !with.info->rc2_bits;
+  // Where the length of the key is a choice it comes first: the key schedule is made when the key arrives.
+  if (!fixed && !set_key_size(context, cipher, with)) return PKV_ERR_FAILED;
   const bool started =
-      EVP_CipherInit_ex2(context_.get(), cipher, nullptr, nullptr, with.encrypt, params) == 1 &&
-      EVP_CipherInit_ex2(context_.get(), nullptr, with.key.data(), with.iv, with.encrypt, nullptr) == 1 &&
-      EVP_CIPHER_CTX_set_padding(context_.get(), 0) == 1;
+      EVP_CipherInit_ex2(context, fixed ? cipher : nullptr, with.key.data(), with.iv, with.encrypt, nullptr) == 1 &&
+      EVP_CIPHER_CTX_set_padding(context, 0) == 1;
   return started ? 0 : PKV_ERR_FAILED;
 }
 

@@ -18,6 +18,10 @@
 namespace velcrypto {
 namespace {
 
+// libcrypto's exit handler would take its locks and generators away under objects that an application destroys after
+// it: signing there would crash. It must be declined before anything else calls libcrypto, hence as the library loads.
+[[gnu::constructor]] void decline_exit_handler() noexcept { OPENSSL_init_crypto(OPENSSL_INIT_NO_ATEXIT, nullptr); }
+
 using ContextOwner = owned<OSSL_LIB_CTX, OSSL_LIB_CTX_free>;
 
 OSSL_LIB_CTX *make_context() noexcept {

@@ -286,6 +286,24 @@ TEST(BlockCipher, UnpaddedMessagesAndLentKeys) {
   EXPECT_EQ(PKV_Final_BLOCK_CIPHER(unit.get(), out.data(), &(length = 32)), PKV_ERR_FAILED);
 }
 
+TEST(Provider, ExhaustedMemoryIsReported) {
+  const Bytes key = pattern(16, 1), sealed = crypt(true, 0x01000120, key, {}, key);
+  EXPECT_EQ(test::fail_each_allocation([&] {
+              const Cipher cipher(PKV_New_BLOCK_CIPHER());
+              const std::unique_ptr<DIGEST_UNIT, test::Releases<PKV_Free_DIGEST>> digest(PKV_New_DIGEST());
+              const std::unique_ptr<HMAC_UNIT, test::Releases<PKV_Free_HMAC>> hmac(PKV_New_HMAC());
+              if (!cipher || !digest || !hmac || PKV_Init_DIGEST(digest.get(), PKV_DIGEST_HAS160))
+                return int(PKV_ERR_NO_MEMORY);
+              const decltype(digest) copy(PKV_Dup_DIGEST(digest.get()));
+              Bytes out(32);
+              int length = 32;
+              return !copy ? PKV_ERR_NO_MEMORY
+                           : PKV_Decrypt_BLOCK_CIPHER(0x01000120, key.data(), 16, nullptr, 0, sealed.data(), 32,
+                                                      out.data(), &length);
+            }),
+            6);
+}
+
 // RFC 6229, and the key lengths at both ends.
 TEST(Rc4, KnownValuesAndKeyLengths) {
   Bytes out(16);

@@ -1,3 +1,4 @@
+#include <unistd.h>
 #include <velpki/pkv.h>
 
 #include <thread>
@@ -119,6 +120,19 @@ TEST(Digest, ThreadsDoNotDisturbOneAnother) {
     });
   }
   for (auto &thread : threads) thread.join();
+}
+
+// Constructed before libcrypto is first used, so destroyed after whatever that registers for the process's end.
+struct LateUser {
+  bool armed = false;
+  ~LateUser() {
+    uint8_t out[PKV_MAX_DIGEST_LENGTH];
+    if (armed) _exit(PKV_Rand_Bytes(out, 16) | PKV_DIGEST(PKV_DIGEST_SHA384, out, 16, out, nullptr));
+  }
+} late_user;
+
+TEST(ProviderDeathTest, WorksInTheLastDestructor) {
+  EXPECT_EXIT((late_user.armed = true, std::exit(99)), testing::ExitedWithCode(0), "");
 }
 
 std::string mac(HMAC_UNIT *unit, const Bytes &data) {
