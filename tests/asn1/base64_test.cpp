@@ -49,24 +49,17 @@ TEST(Base64, Rules) {
                {"QU\nJD", "414243", "414243"},
                {"QU\r\nJD\r\n", "414243", "414243"},
                {"\n\nQUJD\n", "414243", "414243"},
-               {"QU\rJD", "-", "-"},
-               {"QUJD\r", "-", "-"},
-               {"QUJDR", "-", "-"},
-               {"QUJDRA", "-", "-"},
                {"QU D", "417fc3", "-"},
-               {"QU JD", "-", "-"},
                {"Q U J D ", "4ff5ff2ff0ff", "-"},
-               {"Q===", "-", "-"},
-               {"QQ==QUJD", "-", "-"},
-               {"QQ==\n", "41", "41"},
-               {"Q=Q=", "-", "-"},
-               {"==", "-", "-"},
-               {"QQ=", "-", "-"},
-               {"", "-", "-"},
-               {"\n", "-", "-"}};
+               {"QQ==\n", "41", "41"}};
   for (const auto &each : cases) {
     EXPECT_EQ(decoded(decode_Base64, each.text), each.plain) << each.text;
     EXPECT_EQ(decoded(decode_Base64_strict, each.text), each.strict) << each.text;
+  }
+  for (const char *refused :
+       {"QU\rJD", "QUJD\r", "QUJDR", "QUJDRA", "QU JD", "Q===", "QQ==QUJD", "Q=Q=", "==", "QQ=", "====", "", "\n"}) {
+    EXPECT_EQ(decoded(decode_Base64, refused), "-") << refused;
+    EXPECT_EQ(decoded(decode_Base64_strict, refused), "-") << refused;
   }
   unsigned char *out = nullptr;
   EXPECT_EQ(decode_Base64(nullptr, 4, &out), 0);
@@ -145,7 +138,7 @@ TEST(Pem, PlainAndStrictSideBySide) {
   }
 }
 
-TEST(Pem, TextAsOpenSslWritesIt) {
+TEST(Pem, Framing) {
   const Bytes octets = random_bytes(300);
   for (const int mode : {0, 1}) {
     char *pem = nullptr, *base64 = nullptr, *framed = nullptr;
@@ -179,9 +172,8 @@ TEST(Pem, BundleIsWalked) {
       const int length =
           decode_PEM_ex(bundle.data() + at, int(bundle.size() - at), wanted, &label, &label_length, &consumed, &out);
       const test::Block owner(out);
-      if (label)
-        seen +=
-            std::string(label, size_t(label_length)) + ":" + (length ? test::to_hex(out, size_t(length)) : "-") + " ";
+      const std::string octets = length ? test::to_hex(out, size_t(length)) : "-";
+      if (label) seen += std::string(label, size_t(label_length)) + ":" + octets + " ";
       if (consumed < 1) return std::string("stuck");
       at += size_t(consumed);
     }

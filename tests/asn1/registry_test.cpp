@@ -2,6 +2,7 @@
 #include <velpki/asn1_objects.h>
 
 #include <cctype>
+#include <functional>
 #include <map>
 
 #include "support/asn1.h"
@@ -104,40 +105,26 @@ TEST(Registry, OpenSslGivesTheSameNames) {
 }
 
 TEST(Registry, ProviderIdentifiers) {
-  const struct {
-    int row, digest, cipher, algorithm_class;
-  } cases[] = {{4, 0x06000100, 0, 1},
-               {6, 0, 0x20000000, 3},
-               {8, 0x06000100, 0x20000001, 3},
-               {42, 0, 0x20000001, 1},
-               {65, 0x05000100, 0x20000001, 1},
-               {115, 0x05000100, 0x20000000, 3},
-               {146, 0x05000100, 0x02010220, 4},
-               {163, 0x15000100, 0, 1},
-               {323, 0, 0x02000100, 0},
-               {408, 0, 0, 0},
-               {416, 0x05000100, 0, 3},
-               {427, 0, 0x01000320, 2},
-               {668, 0x05000300, 0x20000001, 3},
-               {777, 0, 0x04000120, 2},
-               {782, 0, 0x40000000, 3},
-               {783, 0x07000100, 0x40000000, 3},
-               {823, 0, 0x03000120, 0},
-               {830, 0x07000100, 0x03000120, 4},
-               {835, 0, 0x20000002, 0},
-               {840, 0x05000300, 0x50000000, 0}};
-  for (const auto &each : cases) {
-    const test::String oid(index_to_OBJECT_IDENTIFIER(each.row));
-    EXPECT_EQ(get_DigestID_from_OID(oid.get()), each.digest) << each.row;
-    EXPECT_EQ(get_CipherID_from_OID(oid.get()), each.cipher) << each.row;
-    EXPECT_EQ(get_AlgorType_from_OID(oid.get()), each.algorithm_class) << each.row;
-  }
-  const std::map<int, int> digests = {{0x05000100, 64}, {0x05000300, 672}, {0x07000100, 781}, {0x15000100, 163},
-                                      {0, 0},           {0x05000600, 0}};
-  for (const auto &[id, row] : digests) EXPECT_EQ(get_OID_from_DigestID(id), row) << id;
-  const std::map<int, int> ciphers = {{0x02000220, 43}, {0x03000100, 823}, {0x02010220, 44}, {0x02000200, 32},
-                                      {0x02010200, 0},  {0x20000000, 0},   {0x04000120, 777}};
-  for (const auto &[id, row] : ciphers) EXPECT_EQ(get_OID_from_CipherID(id), row) << id;
+  // Rows or identifiers, each followed by what it gives.
+  const auto check = [](const std::function<int(int)> &give, const std::vector<int> &cases) {
+    for (size_t i = 0; i < cases.size(); i += 2) EXPECT_EQ(give(cases[i]), cases[i + 1]) << cases[i];
+  };
+  const auto of_row = [](int (*give)(const OBJECT_IDENTIFIER *)) {
+    return [give](int row) { return give(test::String(index_to_OBJECT_IDENTIFIER(row)).get()); };
+  };
+  check(of_row(get_DigestID_from_OID),
+        {4,   0x06000100, 8,   0x06000100, 42,  0, 65,  0x05000100, 115, 0x05000100, 146, 0x05000100, 163, 0x15000100,
+         416, 0x05000100, 668, 0x05000300, 782, 0, 783, 0x07000100, 830, 0x07000100, 835, 0,          840, 0x05000300});
+  check(of_row(get_CipherID_from_OID),
+        {6,   0x20000000, 8,   0x20000001, 42,  0x20000001, 115, 0x20000000, 408, 0,
+         146, 0x02010220, 323, 0x02000100, 416, 0,          427, 0x01000320, 777, 0x04000120,
+         782, 0x40000000, 823, 0x03000120, 835, 0x20000002, 840, 0x50000000});
+  check(of_row(get_AlgorType_from_OID), {4, 1,   6, 3,   42, 1,   65, 1,   115, 3,   146, 4,   163, 1,   323, 0,   408,
+                                         0, 416, 3, 427, 2,  777, 2,  783, 3,   823, 0,   830, 4,   835, 0,   840, 0});
+  check(get_OID_from_DigestID,
+        {0x05000100, 64, 0x05000300, 672, 0x07000100, 781, 0x15000100, 163, 0, 0, 0x05000600, 0});
+  check(get_OID_from_CipherID, {0x02000220, 43, 0x03000100, 823, 0x02010220, 44, 0x02000200, 32, 0x02010200, 0,
+                                0x20000000, 0, 0x04000120, 777});
   EXPECT_EQ(get_AlgorType_from_OID(nullptr), 0);
   int sizes[5] = {};
   for (int row = 1; row < kRows; ++row)

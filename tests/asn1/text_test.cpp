@@ -3,8 +3,6 @@
 #include <velpki/convert.h>
 #include <velpki/utils.h>
 
-#include <functional>
-
 #include "support/asn1.h"
 
 namespace {
@@ -50,22 +48,14 @@ TEST(Convert, AgreesWithIconvOverEverything) {
 }
 
 TEST(Convert, Edges) {
-  const struct {
-    std::function<std::string(const Bytes &)> convert;
-    const char *in, *out;
-  } cases[] = {{[](const Bytes &b) { return converted(cp949ToUnicode, b); }, "B0", "-"},
-               {[](const Bytes &b) { return converted(cp949ToUnicode, b); }, "41B0A1", "0041ac00"},
-               {[](const Bytes &b) { return converted(unicodeToCP949, b); }, "AC00AC", "-"},
-               {[](const Bytes &b) { return converted(utf8ToUnicode, b); }, "C080", "-"},
-               {[](const Bytes &b) { return converted(utf8ToUnicode, b); }, "E0808A", "-"},
-               {[](const Bytes &b) { return converted(utf8ToUnicode, b); }, "EDA080", "-"},
-               {[](const Bytes &b) { return converted(utf8ToUnicode, b); }, "F0908080", "-"},
-               {[](const Bytes &b) { return converted(utf8ToUnicode, b); }, "E282", "-"},
-               {[](const Bytes &b) { return converted(ascTouni, b); }, "41FF", "004100ff"},
-               {[](const Bytes &b) { return converted(uniToasc, b); }, "004100FF0000", "41ff"},
-               {[](const Bytes &b) { return converted(uniToasc, b); }, "0100", "-"},
-               {[](const Bytes &b) { return converted(uniToasc, b); }, "004100", "-"}};
-  for (const auto &each : cases) EXPECT_EQ(each.convert(test::hex(each.in)), each.out) << each.in;
+  for (const char *in : {"C080", "E0808A", "EDA080", "F0908080", "E282", "80", "C2C2"})
+    EXPECT_EQ(converted(utf8ToUnicode, test::hex(in)), "-") << in;
+  EXPECT_EQ(converted(cp949ToUnicode, test::hex("B0")), "-");
+  EXPECT_EQ(converted(cp949ToUnicode, test::hex("41B0A1")), "0041ac00");
+  EXPECT_EQ(converted(unicodeToCP949, test::hex("AC00AC")), "-");
+  EXPECT_EQ(converted(ascTouni, test::hex("41FF")), "004100ff");
+  EXPECT_EQ(converted(uniToasc, test::hex("004100FF0000")), "41ff");
+  for (const char *in : {"0100", "004100"}) EXPECT_EQ(converted(uniToasc, test::hex(in)), "-") << in;
   unsigned char *out = nullptr;
   EXPECT_EQ(ascTouni("abc", -1, &out), 6);
   EXPECT_EQ(test::to_hex(out, 8), "0061006200630000");
@@ -74,32 +64,39 @@ TEST(Convert, Edges) {
   EXPECT_EQ(ascTouni("abc", 3, nullptr), -1);
 }
 
+template <auto print>
+void print_octets(const void *string) {
+  const auto *s = static_cast<const ASN1_STRING *>(string);
+  if constexpr (std::is_invocable_v<decltype(print), const ASN1_STRING *>)
+    print(s);
+  else if constexpr (std::is_invocable_v<decltype(print), const unsigned char *, int>)
+    print(s->data, s->length);
+  else
+    print(reinterpret_cast<const char *>(s->data), s->length);
+}
+
 TEST(Printers, Formats) {
   const struct {
     void (*print)(const void *);
-    const char *octets, *expected;
-  } cases[] = {
-      {[](const void *s) { print_hex_no_nl(static_cast<const ASN1_STRING *>(s)->data, 3); }, "00AB7F", "00:AB:7F"},
-      {[](const void *s) { print_hex(static_cast<const ASN1_STRING *>(s)->data, 3); }, "00AB7F", "00:AB:7F\n"},
-      {[](const void *s) { print_hex_nl(static_cast<const ASN1_STRING *>(s)->data, 0); }, "", ""},
-      {[](const void *s) { print_PCHAR(reinterpret_cast<char *>(static_cast<const ASN1_STRING *>(s)->data), 8); },
-       "411B5B0A7F9BEAB0", "A.[....."},
-      {[](const void *s) { dump_PCHAR(reinterpret_cast<char *>(static_cast<const ASN1_STRING *>(s)->data), 4); },
-       "EAB08041",
-       "\xEA\xB0\x80"
-       "A\n"},
-      {[](const void *s) { print_ASN1STRING(static_cast<const ASN1_STRING *>(s)); }, "410042", "A.B\n"},
-      {[](const void *s) { dump_hex(static_cast<const ASN1_STRING *>(s)->data, 17); },
-       "4142430A7F80FF00000000000000003031",
-       "00000000  41 42 43 0A 7F 80 FF 00 00 00 00 00 00 00 00 30  ABC............0\n"
-       "00000010  31                                               1\n"},
-      {[](const void *s) { dump_ASN1STRING(static_cast<const ASN1_STRING *>(s)); }, "41",
-       "type 0C, 1 octets\n00000000  41                                               A\n"},
-      {[](const void *) { print_hex(nullptr, 3), dump_hex(nullptr, 3), print_ASN1STRING(nullptr); }, "", ""}};
+    const char *octets;
+    std::string expected;
+  } cases[] = {{print_octets<print_hex_no_nl>, "00AB7F", "00:AB:7F"},
+               {print_octets<print_hex>, "00AB7F", "00:AB:7F\n"},
+               {print_octets<print_hex_nl>, "", ""},
+               {print_octets<print_PCHAR>, "411B5B0A7F9BEAB0", "A.[....."},
+               {print_octets<dump_PCHAR>, "EAB08041", std::string("\xEA\xB0\x80") + "A\n"},
+               {print_octets<print_ASN1STRING>, "410042", "A.B\n"},
+               {print_octets<dump_hex>, "4142430A7F80FF00000000000000003031",
+                "00000000  41 42 43 0A 7F 80 FF 00 00 00 00 00 00 00 00 30  ABC............0\n"
+                "00000010  31                                               1\n"},
+               {print_octets<dump_ASN1STRING>, "41",
+                "type 0C, 1 octets\n00000000  41                                               A\n"}};
   for (const auto &each : cases) {
     const test::String string = test::string(TYPE_UTF8_STRING, test::hex(each.octets));
     EXPECT_EQ(test::captured_stdout(each.print, string.get()), each.expected) << each.octets;
   }
+  const auto print_null = [](const void *) { print_hex(nullptr, 3), dump_hex(nullptr, 3), print_ASN1STRING(nullptr); };
+  EXPECT_EQ(test::captured_stdout(print_null, nullptr), "");
 }
 
 }  // namespace
