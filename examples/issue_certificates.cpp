@@ -38,9 +38,9 @@ void check(int code, const char *what) {
   if (code) die(what, code);
 }
 
-// Progress of a generation: a dot now and then.
+// Progress of a generation: a dot whenever the count of candidates has doubled.
 int show_progress(int count, void *) {
-  if (count % 64 == 0) std::fputc('.', stdout), std::fflush(stdout);
+  if (count > 0 && (count & (count - 1)) == 0) std::fputc('.', stdout), std::fflush(stdout);
   return 0;
 }
 
