@@ -175,8 +175,7 @@ bool takes_segment(const ASN1_UNIT &seq, int type) noexcept {
 }  // namespace
 
 int addToBERStringSequence(ASN1_UNIT *seq, int type, void *value, int length, int form) noexcept {
-  const bool appended =
-      seq && value && takes_segment(*seq, type) && append(seq, type, value, length, form);
+  const bool appended = seq && value && takes_segment(*seq, type) && append(seq, type, value, length, form);
   if (appended) seq->tag[0] = uint8_t(type | tag::kConstructed);
   return finish(appended, F_ADD_TO_BER_STRING_SEQUENCE, seq);
 }

@@ -62,10 +62,10 @@ void *null_placeholder() noexcept { return allocate_zeroed(4); }
 using namespace velpki;
 
 // A decoder at a bare pointer, and its bounded twin.
-#define DECODER(name, T, read)                                                                                      \
-  T *decodeToBER##name(const unsigned char *encoded) noexcept { return decode_unbounded<T>(encoded, read); }         \
-  T *decodeToBER##name##_n(const unsigned char *encoded, int available) noexcept {                                   \
-    return decode_bounded<T>(encoded, available, read);                                                              \
+#define DECODER(name, T, read)                                                                               \
+  T *decodeToBER##name(const unsigned char *encoded) noexcept { return decode_unbounded<T>(encoded, read); } \
+  T *decodeToBER##name##_n(const unsigned char *encoded, int available) noexcept {                           \
+    return decode_bounded<T>(encoded, available, read);                                                      \
   }
 
 DECODER(Boolean, unsigned char, boolean_of)
@@ -126,8 +126,8 @@ void *value_of(const Tlv &child, int type) noexcept {
   }
 }
 
-// The tag rule of the navigators. 33 & 31 is 1, so a BOOLEAN met where a unit is expected passes the second test and then
-// finds no decoder.
+// The tag rule of the navigators. 33 & 31 is 1, so a BOOLEAN met where a unit is expected passes the second test and
+// then finds no decoder.
 void *expected_value(const Tlv &child, int type) noexcept {
   if (tag::is_context_or_private(child.identifier)) return value_of(child, type);
   if (child.number() == (type & 0x1F)) return value_of(child, type);

@@ -84,8 +84,7 @@ bool encode_oid(ASN1_UNIT &out, uint8_t identifier, const ASN1_STRING *value, in
   if (!is_readable(value, length)) return false;
   DerWriter content;
   const std::string_view dotted = text(*value).substr(0, size_t(length));
-  const bool encodable =
-      any_size ? write_oid_content_any_size(dotted, content) : write_oid_content(dotted, content);
+  const bool encodable = any_size ? write_oid_content_any_size(dotted, content) : write_oid_content(dotted, content);
   return encodable && !content.failed() && fill_unit(out, identifier, content.written(), form);
 }
 
@@ -103,8 +102,8 @@ bool encode_integer_string(ASN1_UNIT &out, const ASN1_STRING *value, int length,
          encode_integer(out, TYPE_INTEGER, number.get(), (PKV_Get_BIGINT_Bit_Length(number.get()) + 8) / 8, form);
 }
 
-// A string under its own type. The kinds of value differ by type, so the string's type chooses a string encoder and never
-// one that expects an octet or a number.
+// A string under its own type. The kinds of value differ by type, so the string's type chooses a string encoder and
+// never one that expects an octet or a number.
 bool encode_string(ASN1_UNIT &out, const ASN1_STRING *value, int length, int form, bool constructed_too) noexcept {
   if (!value) return false;
   const uint8_t identifier = uint8_t(value->type);

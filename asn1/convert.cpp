@@ -42,8 +42,8 @@ constexpr auto kBack = [] {
 }();
 static_assert(kBack.size() == 8226);
 
-// For every 16 syllables, how many of all those before them the plane holds: so the n-th syllable that it lacks, and the
-// number of such a syllable, are a short count away.
+// For every 16 syllables, how many of all those before them the plane holds: so the n-th syllable that it lacks, and
+// the number of such a syllable, are a short count away.
 constexpr int kStep = 16;
 constexpr auto kHeldBefore = [] {
   std::array<bool, kHangul> held{};
@@ -71,8 +71,10 @@ int lacking_syllable(int n) noexcept {
   while (low < high) {
     const int middle = (low + high) / 2;
     const int lacking_up_to = middle + 1 - held_before(middle) - is_held(middle);
-    if (lacking_up_to > n) high = middle;
-    else low = middle + 1;
+    if (lacking_up_to > n)
+      high = middle;
+    else
+      low = middle + 1;
   }
   return low;
 }
@@ -156,7 +158,8 @@ int32_t take_utf8(Octets &in) noexcept {
 bool put_utf8(int32_t character, DerWriter &out) noexcept {
   if (character >= 0xD800 && character < 0xE000) return false;
   if (character < 0x80) return out.octet(uint8_t(character)), true;
-  if (character < 0x800) return out.octet(uint8_t(0xC0 | character >> 6)), out.octet(uint8_t(0x80 | (character & 0x3F))), true;
+  if (character < 0x800)
+    return out.octet(uint8_t(0xC0 | character >> 6)), out.octet(uint8_t(0x80 | (character & 0x3F))), true;
   out.octet(uint8_t(0xE0 | character >> 12));
   out.octet(uint8_t(0x80 | (character >> 6 & 0x3F)));
   out.octet(uint8_t(0x80 | (character & 0x3F)));
@@ -175,7 +178,8 @@ bool put_octet(int32_t character, DerWriter &out) noexcept {
 
 // Reads characters by `take` and writes them by `put`; the octets written, or -1.
 template <class Char>
-int convert(Octets in, Char **out, int32_t (*take)(Octets &) noexcept, bool (*put)(int32_t, DerWriter &) noexcept) noexcept {
+int convert(Octets in, Char **out, int32_t (*take)(Octets &) noexcept,
+            bool (*put)(int32_t, DerWriter &) noexcept) noexcept {
   DerWriter writer;
   while (!in.empty()) {
     const int32_t character = take(in);

@@ -12,7 +12,8 @@ bool Cursor::accepts_standard(uint8_t identifier, int type) noexcept {
 }
 
 Read Cursor::read_oid_by_rules(const Tlv &child, OBJECT_IDENTIFIER *&out) noexcept {
-  if (!child.rules.standard) [[likely]] return read_oid(child.content, out);
+  if (!child.rules.standard) [[likely]]
+    return read_oid(child.content, out);
   const Read outcome = read_oid(child.content, out);
   if (outcome != Read::malformed && (outcome != Read::ok || out->data[out->length - 1] != '.')) return outcome;
   if (outcome == Read::ok) free_OBJECT_IDENTIFIER(out);
@@ -90,8 +91,8 @@ uint8_t *copied(Octets octets, size_t zeros) noexcept {
 
 }  // namespace
 
-// Content of the indefinite form is followed by its two end octets; empty content has one zero octet, so that only a NULL
-// has no buffer.
+// Content of the indefinite form is followed by its two end octets; empty content has one zero octet, so that only a
+// NULL has no buffer.
 Read read_unit(const Tlv &tlv, ASN1_UNIT *&out) noexcept {
   owned<ASN1_UNIT> unit(new_ASN1_UNIT());
   if (!unit) return Read::no_memory;

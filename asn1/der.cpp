@@ -58,9 +58,7 @@ bool normalise(int type, void *value, int *length) noexcept {
   return true;
 }
 
-bool has_value(int type, const void *value, int length) noexcept {
-  return (value || type == TYPE_NULL) && length >= 0;
-}
+bool has_value(int type, const void *value, int length) noexcept { return (value || type == TYPE_NULL) && length >= 0; }
 
 bool encode(ASN1_UNIT *out, int type, void *value, int length) noexcept {
   return out && has_value(type, value, length) && normalise(type, value, &length) &&
@@ -122,7 +120,8 @@ int addToDERSetOf(ASN1_UNIT *seq, int type, void *value, int length) noexcept {
   return finish(appended, F_ADD_TO_DER_SET_OF, seq);
 }
 
-// ---- Strict siblings -------------------------------------------------------------------------------------------------
+// ---- Strict siblings
+// -------------------------------------------------------------------------------------------------
 
 namespace velpki {
 
@@ -208,7 +207,8 @@ int encodeToDER_strict(ASN1_UNIT *out, int type, const void *value, int length) 
 
 int addToDERSequenceOf_strict(ASN1_UNIT *seq, int type, void *value, int length) noexcept {
   const bool empty = seq && !seq->tag && makes_empty_list(type, value, length);
-  const bool done = seq && (empty ? fill_unit(*seq, tag::kSequence, {}, kShort) : append_strict(*seq, type, value, length));
+  const bool done =
+      seq && (empty ? fill_unit(*seq, tag::kSequence, {}, kShort) : append_strict(*seq, type, value, length));
   return finish(done, F_ADD_TO_DER_SEQUENCE_OF, seq);
 }
 
@@ -224,7 +224,8 @@ int addToDERSetOf_strict(ASN1_UNIT *seq, int type, void *value, int length) noex
   return finish(appended, F_ADD_TO_DER_SET_OF, seq);
 }
 
-// ---- Decoders --------------------------------------------------------------------------------------------------------
+// ---- Decoders
+// --------------------------------------------------------------------------------------------------------
 
 #define DER_DECODER(name, T) \
   T *decodeToDER##name(const unsigned char *encoded) noexcept { return decodeToBER##name(encoded); }

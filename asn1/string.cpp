@@ -11,8 +11,8 @@ namespace velpki {
 
 namespace {
 
-// The octets of a string stand behind its record. A record is always allocated at least one octet longer than the struct,
-// so this address is never that of another block.
+// The octets of a string stand behind its record. A record is always allocated at least one octet longer than the
+// struct, so this address is never that of another block.
 uint8_t *own_octets(ASN1_STRING *string) noexcept { return reinterpret_cast<uint8_t *>(string + 1); }
 
 void release_octets(ASN1_STRING *string) noexcept {
@@ -179,8 +179,8 @@ ASN1_STRING *new_named(int type, const unsigned char *data, int length) noexcept
 }
 
 // The named types' release functions are those of the generic string under other names.
-#define NAMED_STRING(T)                                                    \
-  void free_##T(T *value) noexcept { free_ASN1_STRING(value); }            \
+#define NAMED_STRING(T)                                         \
+  void free_##T(T *value) noexcept { free_ASN1_STRING(value); } \
   void clean_##T(T *value) noexcept { clean_ASN1_STRING(value); }
 
 bool is_printable(uint8_t c) noexcept {

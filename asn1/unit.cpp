@@ -25,8 +25,8 @@ void free_ASN1_UNIT(ASN1_UNIT *unit) noexcept {
 
 namespace {
 
-// Cuts the copied length octets at their first zero. The first octet still says how many there are, so zeros stay behind
-// it and the length can only become smaller: the copied value always suffices.
+// Cuts the copied length octets at their first zero. The first octet still says how many there are, so zeros stay
+// behind it and the length can only become smaller: the copied value always suffices.
 void cut_at_zero(uint8_t *length_octets, size_t size) noexcept {
   size_t at = 0;
   while (at < size && length_octets[at]) ++at;

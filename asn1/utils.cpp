@@ -18,7 +18,8 @@ namespace {
 
 bool is_printable(uint8_t c) noexcept { return c >= 0x20 && c < 0x7F; }
 
-// The octets of the UTF-8 character at the start of `text`; 0 when it is none, or a control character (U+0080 to U+009F).
+// The octets of the UTF-8 character at the start of `text`; 0 when it is none, or a control character (U+0080 to
+// U+009F).
 size_t utf8_length(Octets text) noexcept {
   const uint8_t lead = text[0];
   const size_t length = lead >= 0xF0 && lead < 0xF5 ? 4 : lead >= 0xE0 ? 3 : lead >= 0xC2 ? 2 : 0;
@@ -67,8 +68,10 @@ void put_dump_line(size_t offset, Octets line, Printer &out) noexcept {
   for (int shift = 24; shift >= 0; shift -= 8) out.put_hex(uint8_t(offset >> shift));
   out.put("  ");
   for (size_t i = 0; i < kDumpWidth; ++i) {
-    if (i < line.size()) out.put_hex(line[i]);
-    else out.put("  ");
+    if (i < line.size())
+      out.put_hex(line[i]);
+    else
+      out.put("  ");
     out.put(' ');
   }
   out.put(' ');

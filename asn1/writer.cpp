@@ -109,7 +109,8 @@ void DerWriter::integer(const BIGINT *value, uint8_t identifier) noexcept {
   if (!value) return refuse();
   int length = 0;
   const uint8_t *magnitude = PKV_Get_BIGINT_Octets(value, &length);
-  if (rules_.standard && PKV_Is_BIGINT_Negative(value)) return negative_integer(octets_of(magnitude, length), identifier);
+  if (rules_.standard && PKV_Is_BIGINT_Negative(value))
+    return negative_integer(octets_of(magnitude, length), identifier);
   const bool zero_in_front = length == 0 || magnitude[0] & 0x80;
   header(identifier, size_t(length) + zero_in_front);
   if (zero_in_front) octet(0);

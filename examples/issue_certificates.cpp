@@ -106,7 +106,8 @@ void add_basic_constraints(X509_CERT *cert, bool ca) {
   constexpr int kBasicConstraints = 87;
   const unsigned char authority[] = {0x30, 0x03, 0x01, 0x01, 0xFF}, user[] = {0x30, 0x00};
   const owned<ASN1_STRING> value(new_OCTET_STRING(ca ? authority : user, ca ? sizeof authority : sizeof user));
-  const owned<X509_EXTENSION> extension(create_X509_EXTENSION_by_OID_index(nullptr, kBasicConstraints, ca, value.get()));
+  const owned<X509_EXTENSION> extension(
+      create_X509_EXTENSION_by_OID_index(nullptr, kBasicConstraints, ca, value.get()));
   X509_EXTENSIONS *list = nullptr;
   check(add_X509_EXTENSION(&list, extension.get(), -1), "add_X509_EXTENSION");
   check(set_X509_extensions(cert, list), "set_X509_extensions");

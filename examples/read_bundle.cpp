@@ -1,5 +1,5 @@
-// Reads every certificate of a PEM bundle, says what became of each, and verifies the ones that sign themselves with RSA:
-// read_bundle [FILE]
+// Reads every certificate of a PEM bundle, says what became of each, and verifies the ones that sign themselves with
+// RSA: read_bundle [FILE]
 #include <velpki/asn1_error.h>
 #include <velpki/asn1_io.h>
 #include <velpki/asn1_objects.h>
@@ -58,9 +58,7 @@ std::string short_subject(const X509_CERT *cert) {
   return text;
 }
 
-bool signs_itself(const X509_CERT *cert) {
-  return cmp_X509_NAME(get_X509_issuer(cert), get_X509_subject(cert)) == 0;
-}
+bool signs_itself(const X509_CERT *cert) { return cmp_X509_NAME(get_X509_issuer(cert), get_X509_subject(cert)) == 0; }
 
 void show_decoded(X509_CERT *cert, const Octets &der, Summary &summary) {
   const bool same = encodes_as_received(cert, der);
@@ -97,8 +95,10 @@ void show_refused(int code, const Octets &der, Summary &summary) {
 void show(const Octets &der, Summary &summary) {
   X509_CERT *cert = nullptr;
   const int code = readDER_X509_CERT_from_Binary(&cert, der.data(), int(der.size()));
-  if (code) show_refused(code, der, summary);
-  else show_decoded(cert, der, summary);
+  if (code)
+    show_refused(code, der, summary);
+  else
+    show_decoded(cert, der, summary);
   free_X509_CERT(cert);
 }
 

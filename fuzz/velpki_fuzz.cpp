@@ -59,14 +59,13 @@ void family(const uint8_t *data, int size, int (*from)(ASN1_UNIT *, R **), int (
   free_ASN1_UNIT(again);
 }
 
-#define FAMILY(T, copy) \
-  [](const uint8_t *d, int n) { family<T>(d, n, Seq_to_##T, T##_to_Seq, copy, free_##T); }
+#define FAMILY(T, copy) [](const uint8_t *d, int n) { family<T>(d, n, Seq_to_##T, T##_to_Seq, copy, free_##T); }
 #define STANDARD_FAMILY(T, copy) \
   [](const uint8_t *d, int n) { family<T>(d, n, Seq_to_##T##_RFC5280, T##_to_Seq_RFC5280, copy, free_##T); }
 
 template <class K>
-void key_octets(const uint8_t *data, int size, int (*read)(const ASN1_STRING *, K **), int (*write)(K *, ASN1_STRING **),
-                void (*release)(K *)) {
+void key_octets(const uint8_t *data, int size, int (*read)(const ASN1_STRING *, K **),
+                int (*write)(K *, ASN1_STRING **), void (*release)(K *)) {
   ASN1_STRING *bits = new_BIT_STRING(data, size), *written = nullptr;
   K *key = nullptr;
   if (bits && read(bits, &key) == 0 && write(key, &written) == 0) free_ASN1_STRING(written);
@@ -233,10 +232,12 @@ const Target kTargets[] = {
     {"certificates", FAMILY(X509_CERTIFICATES, nullptr)},
     {"cert_pair", FAMILY(X509_CERT_PAIR, dup_X509_CERT_PAIR)},
     {"issuer_and_serial", FAMILY(ISSUER_AND_SERIAL_NUMBER, nullptr)},
-    {"rsa_key", [](const uint8_t *d, int n) { key_octets(d, n, BITSTRING_to_RSA_KEY, RSA_KEY_to_BITSTRING, PKV_Free_RSA); }},
+    {"rsa_key",
+     [](const uint8_t *d, int n) { key_octets(d, n, BITSTRING_to_RSA_KEY, RSA_KEY_to_BITSTRING, PKV_Free_RSA); }},
     {"kcdsa_key",
      [](const uint8_t *d, int n) { key_octets(d, n, BITSTRING_to_KCDSA_KEY, KCDSA_KEY_to_BITSTRING, PKV_Free_KCDSA); }},
-    {"ecc_key", [](const uint8_t *d, int n) { key_octets(d, n, BITSTRING_to_ECC_KEY, ECC_KEY_to_BITSTRING, PKV_Free_ECC); }},
+    {"ecc_key",
+     [](const uint8_t *d, int n) { key_octets(d, n, BITSTRING_to_ECC_KEY, ECC_KEY_to_BITSTRING, PKV_Free_ECC); }},
 };
 
 const Target *chosen = nullptr;

@@ -35,22 +35,26 @@ struct Found {
   size_t start;  // of the message, which goes to the block's end
 };
 
-// The first octet equal to `mark` from `from` on, the block's end when there is none.
-size_t find_octet(Octets block, size_t from, uint8_t mark) noexcept {
+struct Mark {
+  size_t position;  // of the first octet equal to the one looked for; the block's end when there is none
+  size_t before;    // all octets before it, ORed
+};
+Mark find_octet(Octets block, size_t from, uint8_t octet) noexcept {
   Mask looking = ~Mask{0};
-  size_t position = block.size();
+  Mark mark{block.size(), 0};
   for (size_t i = from; i < block.size(); ++i) {
-    const Mask here = is_equal_mask(block[i], mark) & looking;
-    position = select(here, i, position);
+    const Mask here = is_equal_mask(block[i], octet) & looking;
+    mark.position = select(here, i, mark.position);
     looking &= ~here;
+    mark.before |= looking & block[i];
   }
-  return position;
+  return mark;
 }
 
 // 00 || 02 || at least eight octets, none zero || 00 || message.
 Found unpad_pkcs1(Octets block) noexcept {
   constexpr size_t kShortestEnd = 2 + 8;
-  const size_t end = find_octet(block, 2, 0);
+  const size_t end = find_octet(block, 2, 0).position;
   const Mask good = is_zero_mask(block[0]) & is_equal_mask(block[1], 2) & is_below_mask(end, block.size()) &
                     ~is_below_mask(end, kShortestEnd);
   return {good, end + 1};
@@ -68,9 +72,9 @@ int unpad_oaep(const RsaEncryptionState &state, std::span<uint8_t> block, Found 
   if (int error = mgf1_xor(state.mgf_digest_id, seed, data)) return error;
   size_t wrong = block[0];
   for (size_t i = 0; i < hash_length; ++i) wrong |= size_t(data[i] ^ label_hash[i]);
-  const size_t end = find_octet(data, hash_length, 1);
-  for (size_t i = hash_length; i < data.size(); ++i) wrong |= is_below_mask(i, end) & data[i];
-  found = {is_zero_mask(wrong) & is_below_mask(end, data.size()), 1 + hash_length + end + 1};
+  const Mark mark = find_octet(data, hash_length, 1);
+  found.good = is_zero_mask(wrong | mark.before) & is_below_mask(mark.position, data.size());
+  found.start = 1 + hash_length + mark.position + 1;
   return 0;
 }
 

@@ -6,8 +6,8 @@
 namespace velpki {
 
 template <>
-inline constexpr auto owned_fields<X509_ALGO_IDENTIFIER> =
-    std::tuple(own(&X509_ALGO_IDENTIFIER::algorithm), own(&X509_ALGO_IDENTIFIER::parameters));
+inline constexpr auto owned_fields<X509_ALGO_IDENTIFIER> = std::tuple(own(&X509_ALGO_IDENTIFIER::algorithm),
+                                                                      own(&X509_ALGO_IDENTIFIER::parameters));
 
 // AlgorithmIdentifier ::= SEQUENCE { algorithm OBJECT IDENTIFIER, parameters ANY OPTIONAL }
 int decode(const Tlv &tlv, X509_ALGO_IDENTIFIER &out) noexcept {

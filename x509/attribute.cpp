@@ -6,8 +6,8 @@
 namespace velpki {
 
 template <>
-inline constexpr auto owned_fields<X509_ATTRIBUTE> = std::tuple(
-    own(&X509_ATTRIBUTE::type), made_list_of<X509_ATTRIBUTE_DATA>(&X509_ATTRIBUTE::values));
+inline constexpr auto owned_fields<X509_ATTRIBUTE> =
+    std::tuple(own(&X509_ATTRIBUTE::type), made_list_of<X509_ATTRIBUTE_DATA>(&X509_ATTRIBUTE::values));
 
 namespace {
 
@@ -15,8 +15,10 @@ namespace {
 bool holds_unit(int type) noexcept { return type & tag::kConstructed; }
 
 void release_value(X509_ATTRIBUTE_DATA &data) noexcept {
-  if (holds_unit(data.type)) free_ASN1_UNIT(static_cast<ASN1_UNIT *>(data.value));
-  else free_ASN1_STRING(static_cast<ASN1_STRING *>(data.value));
+  if (holds_unit(data.type))
+    free_ASN1_UNIT(static_cast<ASN1_UNIT *>(data.value));
+  else
+    free_ASN1_STRING(static_cast<ASN1_STRING *>(data.value));
 }
 
 void *copy_value(int type, const void *value) noexcept {
@@ -229,7 +231,9 @@ int add_X509_ATTRIBUTES_OID_INDEX(X509_ATTRIBUTES *list, int oid_index, int type
 
 namespace velpki {
 namespace {
-int encode_attribute_set(const STACK &attributes, DerWriter &out) noexcept { return encode_attributes(attributes, out); }
+int encode_attribute_set(const STACK &attributes, DerWriter &out) noexcept {
+  return encode_attributes(attributes, out);
+}
 }  // namespace
 }  // namespace velpki
 

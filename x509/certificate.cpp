@@ -12,15 +12,14 @@ template <>
 inline constexpr auto owned_fields<X509_AUX> = std::tuple(own(&X509_AUX::friendlyName), own(&X509_AUX::localKeyID));
 template <>
 inline constexpr auto owned_fields<X509_TBS_CERT> = std::tuple(
-    own(&X509_TBS_CERT::serialNumber), own(&X509_TBS_CERT::signature),
-    list_of<X509_NAME_CHILD>(&X509_TBS_CERT::issuer), own(&X509_TBS_CERT::notBefore), own(&X509_TBS_CERT::notAfter),
-    list_of<X509_NAME_CHILD>(&X509_TBS_CERT::subject), own(&X509_TBS_CERT::subjectPublicKeyInfo),
-    own(&X509_TBS_CERT::issuerUniqueID), own(&X509_TBS_CERT::subjectUniqueID),
-    list_of<X509_EXTENSION>(&X509_TBS_CERT::extensions));
+    own(&X509_TBS_CERT::serialNumber), own(&X509_TBS_CERT::signature), list_of<X509_NAME_CHILD>(&X509_TBS_CERT::issuer),
+    own(&X509_TBS_CERT::notBefore), own(&X509_TBS_CERT::notAfter), list_of<X509_NAME_CHILD>(&X509_TBS_CERT::subject),
+    own(&X509_TBS_CERT::subjectPublicKeyInfo), own(&X509_TBS_CERT::issuerUniqueID),
+    own(&X509_TBS_CERT::subjectUniqueID), list_of<X509_EXTENSION>(&X509_TBS_CERT::extensions));
 template <>
-inline constexpr auto owned_fields<X509_CERT> =
-    std::tuple(made(&X509_CERT::tbs), own(&X509_CERT::sig_alg), own(&X509_CERT::sig_value), own(&X509_CERT::aux),
-               own(&X509_CERT::received));
+inline constexpr auto owned_fields<X509_CERT> = std::tuple(made(&X509_CERT::tbs), own(&X509_CERT::sig_alg),
+                                                           own(&X509_CERT::sig_value), own(&X509_CERT::aux),
+                                                           own(&X509_CERT::received));
 
 void Flat<X509_RECEIVED>::release(X509_RECEIVED *received) noexcept { velpki::release(received); }
 
@@ -59,8 +58,8 @@ namespace velpki {
 
 namespace {
 
-// The TBS of a certificate that is about to change: what was received no longer describes it. A cleaned certificate gets a
-// new TBS. Null for null or exhausted memory.
+// The TBS of a certificate that is about to change: what was received no longer describes it. A cleaned certificate
+// gets a new TBS. Null for null or exhausted memory.
 X509_TBS_CERT *changing(X509_CERT *cert) noexcept {
   if (!cert) return nullptr;
   if (!cert->tbs) cert->tbs = new_X509_TBS_CERT();
@@ -167,7 +166,8 @@ const unsigned char *get_X509_received(const X509_CERT *cert, int tbs, int *leng
   return octets.data();
 }
 
-// ---- Auxiliary data --------------------------------------------------------------------------------------------------
+// ---- Auxiliary data
+// --------------------------------------------------------------------------------------------------
 
 namespace velpki {
 
@@ -220,4 +220,6 @@ OCTET_STRING *get_X509_AUX_localkey(const X509_CERT *cert) noexcept {
 int X509_AUX_to_Seq(const X509_AUX *in, ASN1_UNIT **out) noexcept {
   return to_seq(0, in, out, encode_aux) ? kPlainFailure : 0;
 }
-int Seq_to_X509_AUX(ASN1_UNIT *in, X509_AUX **out) noexcept { return from_seq(0, in, out, decode_aux) ? kPlainFailure : 0; }
+int Seq_to_X509_AUX(ASN1_UNIT *in, X509_AUX **out) noexcept {
+  return from_seq(0, in, out, decode_aux) ? kPlainFailure : 0;
+}

@@ -138,8 +138,10 @@ int get_X509_PUBLIC_KEY_hash(const X509_CERT *cert, int digest_id, unsigned char
   const KCDSA_UNIT *kcdsa = ASYMMETRIC_KEY_to_KCDSA_UNIT(key);
   if (!out || (!rsa && !kcdsa)) return 0;
   DerWriter writer;
-  if (rsa) write_rsa_key(*rsa, false, writer);
-  else writer.integer(PKV_Get_KCDSA_Component(kcdsa, PKV_KCDSA_Y));
+  if (rsa)
+    write_rsa_key(*rsa, false, writer);
+  else
+    writer.integer(PKV_Get_KCDSA_Component(kcdsa, PKV_KCDSA_Y));
   return writer.failed() ? 0 : digest_of(writer.written(), digest_id, out);
 }
 

@@ -256,8 +256,8 @@ int encode_pair(const X509_CERT_PAIR &pair, DerWriter &out) noexcept {
 }  // namespace
 
 template <>
-inline constexpr auto owned_fields<X509_CERT_PAIR> =
-    std::tuple(own(&X509_CERT_PAIR::forward), own(&X509_CERT_PAIR::reverse));
+inline constexpr auto owned_fields<X509_CERT_PAIR> = std::tuple(own(&X509_CERT_PAIR::forward),
+                                                                own(&X509_CERT_PAIR::reverse));
 
 }  // namespace velpki
 

@@ -6,8 +6,8 @@
 namespace velpki {
 
 template <>
-inline constexpr auto owned_fields<X509_EXTENSION> =
-    std::tuple(own(&X509_EXTENSION::object), own(&X509_EXTENSION::value));
+inline constexpr auto owned_fields<X509_EXTENSION> = std::tuple(own(&X509_EXTENSION::object),
+                                                                own(&X509_EXTENSION::value));
 
 namespace {
 
@@ -70,7 +70,8 @@ bool critical_is_canonical(const Tlv &extension) noexcept {
 // Whether two extensions have the same OID, in n log n: a stranger's list may be long.
 bool has_duplicates(const STACK &extensions, bool &no_memory) noexcept {
   STACK *sorted = new_STACK_compare_func(+[](const void *a, const void *b) {
-    const auto *left = *static_cast<const X509_EXTENSION *const *>(a), *right = *static_cast<const X509_EXTENSION *const *>(b);
+    const auto *left = *static_cast<const X509_EXTENSION *const *>(a),
+               *right = *static_cast<const X509_EXTENSION *const *>(b);
     return cmp_OBJECT_IDENTIFIER(left->object, right->object);
   });
   no_memory = !sorted || !reserve_stack(sorted, extensions.count);

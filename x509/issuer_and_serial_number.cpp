@@ -7,8 +7,8 @@
 namespace velpki {
 
 template <>
-inline constexpr auto owned_fields<ISSUER_AND_SERIAL_NUMBER> =
-    std::tuple(list_of<X509_NAME_CHILD>(&ISSUER_AND_SERIAL_NUMBER::issuer), own(&ISSUER_AND_SERIAL_NUMBER::serialNumber));
+inline constexpr auto owned_fields<ISSUER_AND_SERIAL_NUMBER> = std::tuple(
+    list_of<X509_NAME_CHILD>(&ISSUER_AND_SERIAL_NUMBER::issuer), own(&ISSUER_AND_SERIAL_NUMBER::serialNumber));
 
 template <>
 struct Flat<ISSUER_AND_SERIAL_NUMBER> {
@@ -27,7 +27,8 @@ int decode_record(const Tlv &tlv, ISSUER_AND_SERIAL_NUMBER &out) noexcept {
 
 int encode_record(const ISSUER_AND_SERIAL_NUMBER &record, DerWriter &out) noexcept {
   const auto sequence = out.sequence();
-  if (record.issuer && encode_name(*record.issuer, out)) return fail(F_ISSUER_AND_SERIAL_NUMBER_TO_SEQ, ERR_ASN1_ENCODING);
+  if (record.issuer && encode_name(*record.issuer, out))
+    return fail(F_ISSUER_AND_SERIAL_NUMBER_TO_SEQ, ERR_ASN1_ENCODING);
   if (record.serialNumber) out.integer(record.serialNumber);
   return 0;
 }

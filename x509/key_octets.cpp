@@ -36,8 +36,8 @@ int read_private(Cursor &in, int function, size_t count, RSA_UNIT &key) noexcept
     numbers[i].reset(number);
   }
   const auto &[n, e, d, p, q, dp, dq, qinv] = numbers;
-  return code_of(function, PKV_Set_RSA_Params(&key, n.get(), e.get(), d.get(), p.get(), q.get(), dp.get(), dq.get(),
-                                              qinv.get()));
+  return code_of(function,
+                 PKV_Set_RSA_Params(&key, n.get(), e.get(), d.get(), p.get(), q.get(), dp.get(), dq.get(), qinv.get()));
 }
 
 }  // namespace
@@ -84,8 +84,8 @@ int read_kcdsa_value(Octets der, int function, KCDSA_UNIT &key) noexcept {
 
 namespace {
 
-// A reader's border: the caller's key, cleared, or a new one, is filled; on failure the caller's stays cleared and a new
-// one goes.
+// A reader's border: the caller's key, cleared, or a new one, is filled; on failure the caller's stays cleared and a
+// new one goes.
 template <class Unit>
 int fill_key(int function, Octets der, bool given, Unit **out, Unit *(*make)() noexcept, void (*clear)(Unit *) noexcept,
              int (*read)(Octets, int, Unit &) noexcept) noexcept {
@@ -101,7 +101,8 @@ int fill_key(int function, Octets der, bool given, Unit **out, Unit *(*make)() n
 
 // A writer's border: the octets that `encode` writes become the data of a new BIT STRING.
 template <class Unit>
-int write_bits(int function, const Unit *key, ASN1_STRING **out, int (*encode)(const Unit &, DerWriter &) noexcept) noexcept {
+int write_bits(int function, const Unit *key, ASN1_STRING **out,
+               int (*encode)(const Unit &, DerWriter &) noexcept) noexcept {
   if (!key || !out) return fail(function, kNullArgument);
   DerWriter writer;
   if (const int code = encode(*key, writer)) return code;
@@ -182,7 +183,8 @@ namespace velpki {
 
 namespace {
 
-// ---- ECC points (SEC 1 2.3.3, 2.3.4) -----------------------------------------------------------------------------------
+// ---- ECC points (SEC 1 2.3.3, 2.3.4)
+// -----------------------------------------------------------------------------------
 
 constexpr size_t kP256Length = 32;
 
@@ -191,8 +193,8 @@ Number number_of(Octets octets) noexcept { return Number(PKV_New_BIGINT_Binary(o
 int set_point(Octets halves, int function, const ECURVE *curve, ECC_UNIT &key) noexcept {
   const size_t half = halves.size() / 2;
   const Number x = number_of(halves.first(half)), y = number_of(halves.subspan(half));
-  const bool set = curve && x && y && PKV_Set_ECC_Curve(&key, curve) == 0 &&
-                   PKV_Set_ECC_Public(&key, x.get(), y.get()) == 0;
+  const bool set =
+      curve && x && y && PKV_Set_ECC_Curve(&key, curve) == 0 && PKV_Set_ECC_Public(&key, x.get(), y.get()) == 0;
   return set ? 0 : fail(function, kNoMemory);
 }
 

@@ -7,8 +7,8 @@
 namespace velpki {
 
 template <>
-inline constexpr auto owned_fields<X509_NAME_CHILD> =
-    std::tuple(own(&X509_NAME_CHILD::type), own(&X509_NAME_CHILD::value));
+inline constexpr auto owned_fields<X509_NAME_CHILD> = std::tuple(own(&X509_NAME_CHILD::type),
+                                                                 own(&X509_NAME_CHILD::value));
 
 namespace {
 
@@ -24,8 +24,8 @@ bool read_attribute(Cursor &rdn, STACK &name, int rdn_number) noexcept {
   return append(&name, child) || rdn.stop(Read::no_memory);
 }
 
-// RelativeDistinguishedName ::= SET OF AttributeTypeAndValue. House form keeps the first one; standard form keeps all, and
-// those of one set share a number.
+// RelativeDistinguishedName ::= SET OF AttributeTypeAndValue. House form keeps the first one; standard form keeps all,
+// and those of one set share a number.
 bool read_rdn(Cursor &in, STACK &name) noexcept {
   Tlv set;
   if (!in.next(TYPE_SET, set)) return false;

@@ -80,12 +80,13 @@ namespace velpki {
 
 namespace {
 
-// ---- RFC 5280 7.1 ----------------------------------------------------------------------------------------------------
+// ---- RFC 5280 7.1
+// ----------------------------------------------------------------------------------------------------
 
 constexpr int kUniversalString = 28, kNumericString = 18;
 
-// The code points of a text value, whatever its string type, with ASCII letters in lower case and spaces folded: none at
-// either end, one for a run.
+// The code points of a text value, whatever its string type, with ASCII letters in lower case and spaces folded: none
+// at either end, one for a run.
 class FoldedText {
  public:
   explicit FoldedText(const ASN1_STRING &value) noexcept : type_(value.type & 0x1F), rest_(octets(value)) {}

@@ -31,7 +31,8 @@ void print_ucs2(Octets value) noexcept {
     uint8_t utf8[3] = {uint8_t(c)};
     size_t size = 1;
     if (c >= 0x800) {
-      utf8[0] = uint8_t(0xE0 | c >> 12), utf8[1] = uint8_t(0x80 | (c >> 6 & 0x3F)), utf8[2] = uint8_t(0x80 | (c & 0x3F));
+      utf8[0] = uint8_t(0xE0 | c >> 12), utf8[1] = uint8_t(0x80 | (c >> 6 & 0x3F)),
+      utf8[2] = uint8_t(0x80 | (c & 0x3F));
       size = 3;
     } else if (c >= 0x80) {
       utf8[0] = uint8_t(0xC0 | c >> 6), utf8[1] = uint8_t(0x80 | (c & 0x3F));
@@ -43,8 +44,10 @@ void print_ucs2(Octets value) noexcept {
 }
 
 void print_value(const ASN1_STRING &value) noexcept {
-  if (value.type == TYPE_BMP_STRING) print_ucs2(octets(value));
-  else print_visible(octets(value));
+  if (value.type == TYPE_BMP_STRING)
+    print_ucs2(octets(value));
+  else
+    print_visible(octets(value));
 }
 
 void print_number(const BIGINT *number) noexcept {
@@ -85,16 +88,20 @@ void print_signature(const X509_CERT &cert) noexcept {
   std::fputs("+ SIG and VALUE\n", stdout);
   print_algorithm_line(cert.sig_alg);
   std::fputs("  -  value : ", stdout);
-  if (cert.sig_value) print_hex_nl(cert.sig_value->data, cert.sig_value->length);
-  else std::fputs("\n", stdout);
+  if (cert.sig_value)
+    print_hex_nl(cert.sig_value->data, cert.sig_value->length);
+  else
+    std::fputs("\n", stdout);
 }
 
 void print_key_hash(const X509_CERT &cert) noexcept {
   unsigned char digest[PKV_MAX_DIGEST_LENGTH];
   const int length = get_X509_PUBLIC_KEY_hash(&cert, PKV_DIGEST_SHA1, digest);
   std::fputs("+ SPKI Hash\n  -  value : ", stdout);
-  if (length) print_hex_nl(digest, length);
-  else std::fputs("\n", stdout);
+  if (length)
+    print_hex_nl(digest, length);
+  else
+    std::fputs("\n", stdout);
 }
 
 }  // namespace

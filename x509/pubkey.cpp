@@ -7,9 +7,9 @@
 namespace velpki {
 
 template <>
-inline constexpr auto owned_fields<X509_PUBKEY> =
-    std::tuple(own(&X509_PUBKEY::algorithm), own(&X509_PUBKEY::subjectPublicKey), own(&X509_PUBKEY::key),
-               own(&X509_PUBKEY::parameters));
+inline constexpr auto owned_fields<X509_PUBKEY> = std::tuple(own(&X509_PUBKEY::algorithm),
+                                                             own(&X509_PUBKEY::subjectPublicKey),
+                                                             own(&X509_PUBKEY::key), own(&X509_PUBKEY::parameters));
 
 namespace {
 
@@ -207,8 +207,10 @@ void write_key(const KeyParts &key, DerWriter &out) noexcept {
   }
   const auto bits = out.constructed(TYPE_BIT_STRING);
   out.octet(0);
-  if (key.rsa) write_rsa_key(*key.rsa, false, out);
-  else out.integer(PKV_Get_KCDSA_Component(key.kcdsa, PKV_KCDSA_Y));
+  if (key.rsa)
+    write_rsa_key(*key.rsa, false, out);
+  else
+    out.integer(PKV_Get_KCDSA_Component(key.kcdsa, PKV_KCDSA_Y));
 }
 
 // In standard form what was read is written back.
@@ -266,8 +268,8 @@ VELPKI_IO(X509_PUBKEY, kCodec)
 int cmp_X509_PUBKEY(const X509_PUBKEY *a, const X509_PUBKEY *b) noexcept {
   if (!a || !b || !same_octets(a->algorithm, b->algorithm)) return 1;
   if (a->key || b->key) return cmp_ASYMMETRIC_KEY(a->key, b->key);
-  const bool same_parameters = !a->parameters == !b->parameters &&
-                               (!a->parameters || cmp_ASN1_STRING_strict(a->parameters, b->parameters) == 0);
+  const bool same_parameters =
+      !a->parameters == !b->parameters && (!a->parameters || cmp_ASN1_STRING_strict(a->parameters, b->parameters) == 0);
   return same_parameters && cmp_ASN1_STRING_strict(a->subjectPublicKey, b->subjectPublicKey) == 0 ? 0 : 1;
 }
 
@@ -307,9 +309,9 @@ owned<ASN1_STRING> bits_of(Unit *key, int (*write)(Unit *, ASN1_STRING **) noexc
 owned<RSA_UNIT> public_half(const RSA_UNIT *key) noexcept {
   owned<RSA_UNIT> half(key ? PKV_New_RSA() : nullptr);
   if (!half) return nullptr;
-  const int code = PKV_Set_RSA_Params(half.get(), PKV_Get_RSA_Component(key, PKV_RSA_N),
-                                      PKV_Get_RSA_Component(key, PKV_RSA_E), nullptr, nullptr, nullptr, nullptr,
-                                      nullptr, nullptr);
+  const int code =
+      PKV_Set_RSA_Params(half.get(), PKV_Get_RSA_Component(key, PKV_RSA_N), PKV_Get_RSA_Component(key, PKV_RSA_E),
+                         nullptr, nullptr, nullptr, nullptr, nullptr, nullptr);
   return code ? nullptr : std::move(half);
 }
 

@@ -44,9 +44,7 @@ bool read_kcdsa_value(Octets der, SignatureHalves &out) noexcept {
 namespace {
 
 // The octets of s as an INTEGER holds them: one in front when the magnitude fills its octets, one for zero.
-size_t integer_size(Octets magnitude) noexcept {
-  return magnitude.size() + (magnitude.empty() || magnitude[0] & 0x80);
-}
+size_t integer_size(Octets magnitude) noexcept { return magnitude.size() + (magnitude.empty() || magnitude[0] & 0x80); }
 
 void copy_right_aligned(Octets from, size_t size, uint8_t *to) noexcept {
   std::memset(to, 0, size - from.size());

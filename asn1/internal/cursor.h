@@ -14,8 +14,10 @@ namespace velpki {
 class Cursor {
  public:
   explicit Cursor(const Tlv &parent) noexcept : rest_(parent.content), rules_(parent.rules) {
-    if (rules_.depth == 0) stop(Read::malformed);
-    else --rules_.depth;
+    if (rules_.depth == 0)
+      stop(Read::malformed);
+    else
+      --rules_.depth;
   }
 
   bool at_end() const noexcept { return rest_.empty(); }
@@ -27,15 +29,14 @@ class Cursor {
 
   // The next child, whatever it is.
   bool next(Tlv &out) noexcept {
-    if (!Tlv::parse(rest_, rules_, out)) [[unlikely]] return stop(Read::malformed);
+    if (!Tlv::parse(rest_, rules_, out)) [[unlikely]]
+      return stop(Read::malformed);
     rest_ = rest_.subspan(out.whole.size());
     return true;
   }
   // The next child where `type` is expected. House form: a child of context-specific or private class is taken as any
   // type, else the tag numbers must be equal. Standard form: the whole identifier must be.
-  bool next(int type, Tlv &out) noexcept {
-    return next(out) && expect(out, type);
-  }
+  bool next(int type, Tlv &out) noexcept { return next(out) && expect(out, type); }
   bool expect(const Tlv &child, int type) noexcept { return accepts(child, type) || stop(Read::malformed); }
 
   bool oid(OBJECT_IDENTIFIER *&out) noexcept {
@@ -77,7 +78,8 @@ class Cursor {
 
  private:
   bool accepts(const Tlv &child, int type) const noexcept {
-    if (rules_.standard) [[unlikely]] return accepts_standard(child.identifier, type);
+    if (rules_.standard) [[unlikely]]
+      return accepts_standard(child.identifier, type);
     return tag::is_context_or_private(child.identifier) || child.number() == (type & 0x1F);
   }
   static bool accepts_standard(uint8_t identifier, int type) noexcept;

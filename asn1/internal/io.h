@@ -87,21 +87,21 @@ int write_pem_file(const Codec<R> &codec, const R *record, const char *path) noe
 }  // namespace velpki
 
 // The eight typed functions of T over a Codec<T>.
-#define VELPKI_IO(T, codec)                                                                                           \
-  int writeDER_##T##_to_Binary(T *in, unsigned char **out) noexcept { return velpki::write_der(codec, in, out); }     \
-  int writeDER_##T##_to_FILE(T *in, const char *path) noexcept { return velpki::write_der_file(codec, in, path); }    \
-  int writePEM_##T##_to_Binary(T *in, char **out) noexcept { return velpki::write_pem(codec, in, out); }              \
-  int writePEM_##T##_to_FILE(T *in, const char *path) noexcept { return velpki::write_pem_file(codec, in, path); }    \
-  int readDER_##T##_from_Binary(T **out, const unsigned char *data, int length) noexcept {                            \
-    return velpki::read_der(codec, out, velpki::octets_of(data, length));                                             \
-  }                                                                                                                   \
-  int readDER_##T##_from_File(T **out, const char *path) noexcept {                                                   \
-    return velpki::read_der(codec, out, velpki::read_file(path).octets());                                            \
-  }                                                                                                                   \
-  int readPEM_##T##_from_Binary(T **out, const char *text, int length) noexcept {                                     \
-    const velpki::Octets octets = velpki::octets_of(reinterpret_cast<const unsigned char *>(text), length);           \
-    return velpki::read_der(codec, out, velpki::decode_pem(octets).octets());                                         \
-  }                                                                                                                   \
-  int readPEM_##T##_from_File(T **out, const char *path) noexcept {                                                   \
-    return velpki::read_der(codec, out, velpki::decode_pem(velpki::read_file(path).octets()).octets());               \
+#define VELPKI_IO(T, codec)                                                                                        \
+  int writeDER_##T##_to_Binary(T *in, unsigned char **out) noexcept { return velpki::write_der(codec, in, out); }  \
+  int writeDER_##T##_to_FILE(T *in, const char *path) noexcept { return velpki::write_der_file(codec, in, path); } \
+  int writePEM_##T##_to_Binary(T *in, char **out) noexcept { return velpki::write_pem(codec, in, out); }           \
+  int writePEM_##T##_to_FILE(T *in, const char *path) noexcept { return velpki::write_pem_file(codec, in, path); } \
+  int readDER_##T##_from_Binary(T **out, const unsigned char *data, int length) noexcept {                         \
+    return velpki::read_der(codec, out, velpki::octets_of(data, length));                                          \
+  }                                                                                                                \
+  int readDER_##T##_from_File(T **out, const char *path) noexcept {                                                \
+    return velpki::read_der(codec, out, velpki::read_file(path).octets());                                         \
+  }                                                                                                                \
+  int readPEM_##T##_from_Binary(T **out, const char *text, int length) noexcept {                                  \
+    const velpki::Octets octets = velpki::octets_of(reinterpret_cast<const unsigned char *>(text), length);        \
+    return velpki::read_der(codec, out, velpki::decode_pem(octets).octets());                                      \
+  }                                                                                                                \
+  int readPEM_##T##_from_File(T **out, const char *path) noexcept {                                                \
+    return velpki::read_der(codec, out, velpki::decode_pem(velpki::read_file(path).octets()).octets());            \
   }

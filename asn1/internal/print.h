@@ -5,8 +5,8 @@
 
 namespace velpki {
 
-// Collects output in a buffer of its own and writes it in large pieces, so that printing takes time in proportion to the
-// text and never memory.
+// Collects output in a buffer of its own and writes it in large pieces, so that printing takes time in proportion to
+// the text and never memory.
 class Printer {
  public:
   Printer() noexcept = default;

@@ -1,4 +1,5 @@
-// Record families: what a record owns is said once, and zeroing, releasing, copying and the C borders of its codecs follow.
+// Record families: what a record owns is said once, and zeroing, releasing, copying and the C borders of its codecs
+// follow.
 //
 //   template <> inline constexpr auto owned_fields<X509_EXTENSION> =
 //       std::tuple(own(&X509_EXTENSION::object), own(&X509_EXTENSION::value));
@@ -18,8 +19,8 @@
 
 namespace velpki {
 
-// Kinds of field. `own`: a pointer that Flat<T> can release and copy. `made`: the same, and `new_` makes it. `list_of`: a
-// STACK of elements E, released and copied with them. `made_list_of`: the same, and `new_` makes it.
+// Kinds of field. `own`: a pointer that Flat<T> can release and copy. `made`: the same, and `new_` makes it. `list_of`:
+// a STACK of elements E, released and copied with them. `made_list_of`: the same, and `new_` makes it.
 template <class R, class T>
 struct Own {
   T *R::*member;
@@ -50,7 +51,8 @@ constexpr ListOf<R, E> made_list_of(STACK *R::*member) noexcept {
 template <class R>
 inline constexpr auto owned_fields = std::tuple<>();
 
-// ---- Lists -----------------------------------------------------------------------------------------------------------
+// ---- Lists
+// -----------------------------------------------------------------------------------------------------------
 
 template <class E>
 void destroy_list(STACK *list) noexcept {
@@ -114,7 +116,8 @@ bool insert_copy(STACK *list, const E *source, int position) noexcept {
   return true;
 }
 
-// ---- One field ---------------------------------------------------------------------------------------------------------
+// ---- One field
+// ---------------------------------------------------------------------------------------------------------
 
 template <class R, class T>
 void drop(R &record, Own<R, T> field) noexcept {
@@ -153,7 +156,8 @@ bool prepare(R &record, ListOf<R, E> field) noexcept {
   return !field.made || record.*field.member;
 }
 
-// ---- A record's life ---------------------------------------------------------------------------------------------------
+// ---- A record's life
+// ---------------------------------------------------------------------------------------------------
 
 template <class R>
 void clean(R *record) noexcept {
@@ -176,8 +180,7 @@ template <class R>
 R *make() noexcept {
   owned<R> record(allocate_record<R>());
   if (!record) return nullptr;
-  const bool whole =
-      std::apply([&](auto... field) { return (prepare(*record, field) && ...); }, owned_fields<R>);
+  const bool whole = std::apply([&](auto... field) { return (prepare(*record, field) && ...); }, owned_fields<R>);
   return whole ? record.release() : nullptr;
 }
 template <class R>
@@ -191,8 +194,8 @@ R *copy(const R *source) noexcept {
   return whole ? fresh.release() : nullptr;
 }
 
-// Puts a copy of `value` in place of what the member holds. The copy comes first, so failure changes nothing and a member
-// may be set to itself.
+// Puts a copy of `value` in place of what the member holds. The copy comes first, so failure changes nothing and a
+// member may be set to itself.
 template <class R, class T>
 bool replace(R &record, T *R::*member, const T *value) noexcept {
   T *copy = value ? Flat<T>::copy(value) : nullptr;
@@ -203,40 +206,43 @@ bool replace(R &record, T *R::*member, const T *value) noexcept {
 }
 
 // Declares that Flat<T> uses the flat functions of T. It stands in a header, after their declarations.
-#define VELPKI_FLAT(T)                                           \
-  template <>                                                    \
-  struct Flat<T> {                                               \
-    static T *make() noexcept { return new_##T(); }              \
-    static void release(T *record) noexcept { free_##T(record); } \
+#define VELPKI_FLAT(T)                                                   \
+  template <>                                                            \
+  struct Flat<T> {                                                       \
+    static T *make() noexcept { return new_##T(); }                      \
+    static void release(T *record) noexcept { free_##T(record); }        \
     static T *copy(const T *record) noexcept { return dup_##T(record); } \
   };
 
 // The flat functions of a record whose life has no peculiarity.
-#define VELPKI_LIFE_CYCLE(T)                                              \
-  T *new_##T(void) noexcept { return velpki::make<T>(); }                 \
-  void clean_##T(T *record) noexcept { velpki::clean(record); }           \
-  void free_##T(T *record) noexcept { velpki::destroy(record); }          \
+#define VELPKI_LIFE_CYCLE(T)                                     \
+  T *new_##T(void) noexcept { return velpki::make<T>(); }        \
+  void clean_##T(T *record) noexcept { velpki::clean(record); }  \
+  void free_##T(T *record) noexcept { velpki::destroy(record); } \
   T *dup_##T(const T *record) noexcept { return velpki::copy(record); }
 // The same without clean_.
-#define VELPKI_LIFE_CYCLE_WITHOUT_CLEAN(T)                                \
-  T *new_##T(void) noexcept { return velpki::make<T>(); }                 \
-  void free_##T(T *record) noexcept { velpki::destroy(record); }          \
+#define VELPKI_LIFE_CYCLE_WITHOUT_CLEAN(T)                       \
+  T *new_##T(void) noexcept { return velpki::make<T>(); }        \
+  void free_##T(T *record) noexcept { velpki::destroy(record); } \
   T *dup_##T(const T *record) noexcept { return velpki::copy(record); }
 // The flat functions of a list of elements.
-#define VELPKI_LIST(L, E)                                                          \
-  L *new_##L(void) noexcept { return new_STACK(); }                                \
+#define VELPKI_LIST(L, E)                           \
+  L *new_##L(void) noexcept { return new_STACK(); } \
   void free_##L(L *list) noexcept { velpki::destroy_list<E>(list); }
-#define VELPKI_LIST_WITH_DUP(L, E)                                                 \
-  VELPKI_LIST(L, E)                                                                \
+#define VELPKI_LIST_WITH_DUP(L, E) \
+  VELPKI_LIST(L, E)                \
   L *dup_##L(const L *list) noexcept { return velpki::copy_list<E>(list); }
 
-// ---- The C borders of codecs -------------------------------------------------------------------------------------------
+// ---- The C borders of codecs
+// -------------------------------------------------------------------------------------------
 
 // Seq_to_X. A record that the caller passes is replaced on success and untouched on failure.
 template <class R>
 int store(owned<R> fresh, R **record) noexcept {
-  if (*record) std::swap(**record, *fresh);  // the caller's record keeps its address; `fresh` takes the old content away
-  else *record = fresh.release();
+  if (*record)
+    std::swap(**record, *fresh);  // the caller's record keeps its address; `fresh` takes the old content away
+  else
+    *record = fresh.release();
   return 0;
 }
 template <class R>
@@ -260,8 +266,10 @@ int list_from_tlv(int function, const Tlv &tlv, STACK **list, int (*decode)(cons
   STACK *fresh = new_STACK();
   if (!fresh) return fail(function, kNoMemory);
   int code = decode(tlv, *fresh);
-  if (!code && *list) std::swap(**list, *fresh);
-  else if (!code) *list = std::exchange(fresh, nullptr);
+  if (!code && *list)
+    std::swap(**list, *fresh);
+  else if (!code)
+    *list = std::exchange(fresh, nullptr);
   destroy_list<E>(fresh);
   return code;
 }
@@ -284,10 +292,11 @@ int to_seq(int function, const R *record, ASN1_UNIT **unit, int (*encode)(const 
   return unit_from(out, function, unit);
 }
 
-// The same for the encoders that refill a unit which the caller passes: it is cleaned first, and stays empty on failure.
+// The same for the encoders that refill a unit which the caller passes: it is cleaned first, and stays empty on
+// failure.
 template <class R>
-int to_refilled_seq(int function, const R *record, ASN1_UNIT **unit,
-                    int (*encode)(const R &, DerWriter &) noexcept, Rules rules = {}) noexcept {
+int to_refilled_seq(int function, const R *record, ASN1_UNIT **unit, int (*encode)(const R &, DerWriter &) noexcept,
+                    Rules rules = {}) noexcept {
   if (!unit || !*unit) return to_seq(function, record, unit, encode, rules);
   clean_ASN1_UNIT(*unit);
   ASN1_UNIT *fresh = nullptr;

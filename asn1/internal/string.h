@@ -26,8 +26,8 @@ struct Flat<ASN1_TIME> {
   static ASN1_TIME *copy(const ASN1_TIME *time) noexcept { return dup_ASN1_TIME(time); }
 };
 
-// A new string with a copy of the octets behind the record, in one block; two zero octets follow them. Null when memory is
-// exhausted or the length is above INT_MAX.
+// A new string with a copy of the octets behind the record, in one block; two zero octets follow them. Null when memory
+// is exhausted or the length is above INT_MAX.
 ASN1_STRING *new_string(int type, Octets data, int unused_bits = 0, const char *file = __builtin_FILE(),
                         int line = __builtin_LINE()) noexcept;
 
@@ -39,13 +39,15 @@ inline std::string_view text(const ASN1_STRING &string) noexcept {
 inline Octets octets_of_text(std::string_view text) noexcept {
   return {reinterpret_cast<const uint8_t *>(text.data()), text.size()};
 }
-// Whether the two hold the same octets; the type and the unused bits do not count. Null holds nothing and equals nothing.
+// Whether the two hold the same octets; the type and the unused bits do not count. Null holds nothing and equals
+// nothing.
 bool same_octets(const ASN1_STRING *a, const ASN1_STRING *b) noexcept;
 
 // Which of the two outcomes without a value it was.
 enum class Read { ok, malformed, no_memory };
 
-// The content of an encoded value as a string of `type`, or with `any` of the identifier found; `out` is set on ok only.
+// The content of an encoded value as a string of `type`, or with `any` of the identifier found; `out` is set on ok
+// only.
 Read read_string(const Tlv &tlv, int type, ASN1_STRING *&out) noexcept;
 Read read_any_string(const Tlv &tlv, ASN1_STRING *&out) noexcept;
 Read read_oid(Octets content, OBJECT_IDENTIFIER *&out) noexcept;

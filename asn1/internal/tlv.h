@@ -1,8 +1,8 @@
 // Tlv: the bounded view of one encoded value, and the only place that reads lengths.
 #pragma once
 
-#include <climits>
 #include <velpki/asn1.h>
+#include <climits>
 
 #include "asn1/internal/memory.h"
 
@@ -32,8 +32,8 @@ constexpr uint8_t explicit_context(int n) noexcept { return uint8_t(0xA0 + n); }
 constexpr uint8_t implicit_context(int n) noexcept { return uint8_t(0x80 + n); }
 }  // namespace tag
 
-// One encoded value in octets that belong to somebody else. A child is made from its parent's content, so it cannot reach
-// past it.
+// One encoded value in octets that belong to somebody else. A child is made from its parent's content, so it cannot
+// reach past it.
 struct Tlv {
   uint8_t identifier = 0;
   bool indefinite = false;
@@ -48,10 +48,12 @@ struct Tlv {
   // changes to X.690 for the caller's whole walk: so at most one failed try is made per level, and time stays linear.
   // False when it does not fit, has more than four length octets or a length above INT_MAX, or is nested too deep.
   static bool parse(Octets in, Rules &rules, Tlv &out) noexcept {
-    if (in.size() < 2 || tag::number(in[0]) == 31) [[unlikely]] return false;
+    if (in.size() < 2 || tag::number(in[0]) == 31) [[unlikely]]
+      return false;
     if (in[1] < 0x80) [[likely]] {
       const size_t length = in[1];
-      if (length > in.size() - 2) [[unlikely]] return false;
+      if (length > in.size() - 2) [[unlikely]]
+        return false;
       out.identifier = in[0];
       out.indefinite = false;
       out.rules = rules;
@@ -81,8 +83,8 @@ size_t length_size(const uint8_t *at, size_t available) noexcept;
 // The length that a long or short form states (not 80); -1 for more than four octets or above INT_MAX.
 int stated_length(const uint8_t *length_octets, size_t size) noexcept;
 
-// The length of indefinite content up to its end-of-contents octets, or -1. The house measure treats every sibling after
-// an indefinite one as indefinite; the X.690 measure takes each by its own form.
+// The length of indefinite content up to its end-of-contents octets, or -1. The house measure treats every sibling
+// after an indefinite one as indefinite; the X.690 measure takes each by its own form.
 int measure_house(const uint8_t *content, size_t available, int depth = kMaximumDepth) noexcept;
 int measure_x690(const uint8_t *content, size_t available, int depth = kMaximumDepth) noexcept;
 // House measure while it and the end octets stay inside, else X.690's, with `rules.x690` set from then on.

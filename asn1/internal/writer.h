@@ -80,7 +80,8 @@ class DerWriter {
   void header(uint8_t identifier, size_t length) noexcept;
   // Room for `more` octets at the end, or null after a failure; the total stays below INT_MAX.
   uint8_t *reserve(size_t more) noexcept {
-    if (more < room_ - size_) [[likely]] return data_ + size_;
+    if (more < room_ - size_) [[likely]]
+      return data_ + size_;
     return grow(more);
   }
   uint8_t *grow(size_t more) noexcept;

@@ -15,8 +15,14 @@ TEST(UnitLengths, AreReadByTheirForm) {
     const char *octets;
     int size, length;
   };
-  for (const Case &c : {Case{"00", 1, 0}, {"7f", 1, 127}, {"81c8", 2, 200}, {"820100", 3, 256}, {"847fffffff", 5, INT_MAX},
-                        {"8480000000", 5, -1}, {"850000000001", 6, -1}, {"ff", 128, -1}}) {
+  for (const Case &c : {Case{"00", 1, 0},
+                        {"7f", 1, 127},
+                        {"81c8", 2, 200},
+                        {"820100", 3, 256},
+                        {"847fffffff", 5, INT_MAX},
+                        {"8480000000", 5, -1},
+                        {"850000000001", 6, -1},
+                        {"ff", 128, -1}}) {
     const Bytes octets = hex(c.octets);
     EXPECT_EQ(getASN1LengthSize(octets.data()), c.size) << c.octets;
     EXPECT_EQ(getASN1ValueLengthFromLO(octets.data()), c.length) << c.octets;
@@ -46,13 +52,26 @@ TEST(UnitMeasure, IndefiniteContent) {
   };
   const Case cases[] = {
       {"0201050401410000", "definite children", 6, 6},
-      {"30800201050000" "0000", "one indefinite child", 7, 7},
-      {"30800000" "040302000000" "0000", "a definite sibling measured as indefinite inside the octets", 10, 10},
-      {"30800000" "040400000000" "0000", "a definite sibling that begins with zeros", 8, 8},
-      {"30800000" "020105" "0000", "the house measure leaves the octets, X.690 holds", -2, 7},
+      {"30800201050000"
+       "0000",
+       "one indefinite child", 7, 7},
+      {"30800000"
+       "040302000000"
+       "0000",
+       "a definite sibling measured as indefinite inside the octets", 10, 10},
+      {"30800000"
+       "040400000000"
+       "0000",
+       "a definite sibling that begins with zeros", 8, 8},
+      {"30800000"
+       "020105"
+       "0000",
+       "the house measure leaves the octets, X.690 holds", -2, 7},
       {"020105", "no end", -2, -1},
       {"3080", "no end inside", -2, -1},
-      {"1f0100" "0000", "no low tag number", -1, -1},
+      {"1f0100"
+       "0000",
+       "no low tag number", -1, -1},
       {"0284fffffffa0000", "a negative length", -1, -1},
   };
   for (const Case &c : cases) {
@@ -120,9 +139,12 @@ TEST(Units, ChildrenAreCountedAndTyped) {
 TEST(Units, CopiesCutLengthsAtAZero) {
   for (const size_t length : {size_t(0), size_t(127), size_t(256), size_t(65535), size_t(65536), size_t(65541)}) {
     Bytes octets{0x04};
-    if (length < 128) octets.push_back(uint8_t(length));
-    else if (length < 65536) octets.insert(octets.end(), {0x82, uint8_t(length >> 8), uint8_t(length)});
-    else octets.insert(octets.end(), {0x83, uint8_t(length >> 16), uint8_t(length >> 8), uint8_t(length)});
+    if (length < 128)
+      octets.push_back(uint8_t(length));
+    else if (length < 65536)
+      octets.insert(octets.end(), {0x82, uint8_t(length >> 8), uint8_t(length)});
+    else
+      octets.insert(octets.end(), {0x83, uint8_t(length >> 16), uint8_t(length >> 8), uint8_t(length)});
     octets.resize(octets.size() + length, 0x41);
     const Unit u = unit(octets), faithful(dup_ASN1_UNIT_strict(u.get())), cut(dup_ASN1_UNIT(u.get()));
     ASSERT_TRUE(cut && faithful) << length;

@@ -53,7 +53,8 @@ const std::string kLibrary = VELPKI_BUILD_DIR "/lib/libvelPKI.so", kProvider = V
 TEST(Interface, LibraryExportsWhatTheHeadersDeclare) {
   Names declared;
   for (const auto &entry : std::filesystem::directory_iterator(VELPKI_SOURCE_DIR "/include/velpki"))
-    if (entry.path().extension() == ".h" && entry.path().filename() != "pkv.h") declared.merge(declared_in(entry.path()));
+    if (entry.path().extension() == ".h" && entry.path().filename() != "pkv.h")
+      declared.merge(declared_in(entry.path()));
   EXPECT_GT(declared.size(), 300u);
   EXPECT_EQ(exported_by(kLibrary, "VELPKI_1"), declared) << "run scripts/update_version_script";
 }
@@ -64,7 +65,8 @@ TEST(Interface, ProviderExportsItsContract) {
 
 TEST(Interface, LinksNothingElse) {
   const auto needed = [](const std::string &library) {
-    return test::run("readelf -d " + library + " | sed -n 's/.*NEEDED.*\\[\\(.*\\)\\]/\\1/p' | grep -vE '^(libc|libm|ld-linux.*|"
+    return test::run("readelf -d " + library +
+                     " | sed -n 's/.*NEEDED.*\\[\\(.*\\)\\]/\\1/p' | grep -vE '^(libc|libm|ld-linux.*|"
                      "linux.*|lib[a-z]*san|libclang_rt.*|libgcc_s)\\.so' | sort | tr '\\n' ' '");
   };
   EXPECT_EQ(needed(kLibrary), "libvelCrypto.so.1 ");

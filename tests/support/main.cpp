@@ -1,8 +1,8 @@
 // Every test program: accounting on, all tests, and nothing left allocated at the end.
 #include <gtest/gtest.h>
 
-#include <cstdio>
 #include <velpki/pkv.h>
+#include <cstdio>
 
 namespace {
 

@@ -4,13 +4,13 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <velpki/pkv.h>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <velpki/pkv.h>
 
 namespace test {
 
@@ -88,8 +88,10 @@ std::vector<std::map<std::string, std::string>> read_tsv(const std::string &path
   for (std::string line; std::getline(in, line);) {
     std::vector<std::string> cells(1);
     for (const char c : line) {
-      if (c == '\t') cells.emplace_back();
-      else cells.back() += c;
+      if (c == '\t')
+        cells.emplace_back();
+      else
+        cells.back() += c;
     }
     if (names.empty()) {
       names = cells;

@@ -56,6 +56,6 @@ class GuardedBytes {
 
 }  // namespace test
 
-#define VELPKI_NEED_VECTORS(folder, variable)                                       \
-  const std::string variable = test::vectors(folder);                               \
+#define VELPKI_NEED_VECTORS(folder, variable)         \
+  const std::string variable = test::vectors(folder); \
   if (variable.empty()) GTEST_SKIP() << "no vectors here (" folder "); set VELPKI_VECTORS"

@@ -18,13 +18,17 @@ RSA_UNIT *rsa_key() {
 }
 
 const char kP[] =
-    "d7b9afc104f4d53f737db88d6bf77e12cd7ec3d71cbe3cb74cd224bff348154afba6bfed797044dfc655dcc20c952c0ec43a97e1ad67e687d107"
-    "29caf622845d162afca8f0248cc412b3596c4c5d3384f7e25ee644ba87bb09b164fb465477b87fdba5eaa400ffa0925714ae19464ffacead3a97"
+    "d7b9afc104f4d53f737db88d6bf77e12cd7ec3d71cbe3cb74cd224bff348154afba6bfed797044dfc655dcc20c952c0ec43a97e1ad67e687d1"
+    "07"
+    "29caf622845d162afca8f0248cc412b3596c4c5d3384f7e25ee644ba87bb09b164fb465477b87fdba5eaa400ffa0925714ae19464ffacead3a"
+    "97"
     "50d121948ab2d8d65c82379f";
 const char kQ[] = "c3ddd3717bf05b8f8dd725c162f0b9432c6f77fb";
 const char kG[] =
-    "50e414c7a56892d1ad633e42d5cd8346f2c09808111c772cc30b0c544102c27e7b5f9bec57b9df2a153128919d795e46652b2a072e1f2517f2a3"
-    "afff5815253aaefe35724cfa1af6afce3a6b41e3d0e13bed0eff54383c4665e69b47ba79bbc3339f86b9be2b58894a18b201afc41fe3a0d93d31"
+    "50e414c7a56892d1ad633e42d5cd8346f2c09808111c772cc30b0c544102c27e7b5f9bec57b9df2a153128919d795e46652b2a072e1f2517f2"
+    "a3"
+    "afff5815253aaefe35724cfa1af6afce3a6b41e3d0e13bed0eff54383c4665e69b47ba79bbc3339f86b9be2b58894a18b201afc41fe3a0d93d"
+    "31"
     "25efda79bc50dbbb2c3ab639";
 
 KCDSA_UNIT *kcdsa_key() {
@@ -77,7 +81,8 @@ Certificate unsigned_certificate(int signature_row, bool with_kcdsa) {
   const Owned<X509_PUBKEY> pubkey(new_X509_PUBKEY());
   const Name subject(new_X509_NAME());
   add_X509_NAME_child_OID_index(subject.get(), 13, 12, reinterpret_cast<const unsigned char *>("velPKI"), -1, -1);
-  EXPECT_EQ(with_kcdsa ? set_X509_PUBKEY_kcdsa(pubkey.get(), kcdsa_key()) : set_X509_PUBKEY_rsa(pubkey.get(), rsa_key()), 0);
+  EXPECT_EQ(
+      with_kcdsa ? set_X509_PUBKEY_kcdsa(pubkey.get(), kcdsa_key()) : set_X509_PUBKEY_rsa(pubkey.get(), rsa_key()), 0);
   EXPECT_EQ(set_X509_serial(cert.get(), number("80").get()), 0);
   EXPECT_EQ(set_X509_signature(cert.get(), algorithm.get()), 0);
   EXPECT_EQ(set_X509_issuer(cert.get(), subject.get()), 0);
@@ -94,11 +99,20 @@ TEST_F(Certificates, SignAndVerifyByKeyAndAlgorithm) {
     bool kcdsa;
     int sign;  // 0, or the code
   };
-  const Case cases[] = {{65, false, 0},   {668, false, 0},  {669, false, 0}, {670, false, 0}, {671, false, 0}, {8, false, 0},
-                        {783, true, 0},   {784, true, 0},   {801, true, 0},  {802, true, 0},
+  const Case cases[] = {{65, false, 0},
+                        {668, false, 0},
+                        {669, false, 0},
+                        {670, false, 0},
+                        {671, false, 0},
+                        {8, false, 0},
+                        {783, true, 0},
+                        {784, true, 0},
+                        {801, true, 0},
+                        {802, true, 0},
                         {782, true, F_GEN_KCDSASIGN_TBS_CERT | 0x2B},  // kcdsa1 has no digest
                         {435, false, F_GEN_RSASIGN_TBS_CERT | 0x2B},   // nor has PSS
-                        {835, false, F_GEN_RSASIGN_TBS_CERT | 0x2B}, {96, false, F_GEN_RSASIGN_TBS_CERT | 0x2B},
+                        {835, false, F_GEN_RSASIGN_TBS_CERT | 0x2B},
+                        {96, false, F_GEN_RSASIGN_TBS_CERT | 0x2B},
                         {13, false, F_GEN_RSASIGN_TBS_CERT | 0x2B}};
   for (const Case &c : cases) {
     const Certificate cert = unsigned_certificate(c.row, c.kcdsa);
@@ -188,9 +202,12 @@ TEST(CertificateCodec, WhatIsReadAndWhatIsRefused) {
       {"something after the extensions", with([](P p) { p.tail = p.tail + TLV(0x02, "05"); }), 0, malformed, false},
       {"empty [3]", with([](P p) { p.tail = TLV(0xA3, ""); }), malformed, malformed},
       {"a name that is malformed", with([](P p) { p.issuer = TLV(0x30, "3100"); }), malformed, malformed},
-      {"an unknown key", with([](P p) { p.spki = TLV(0x30, TLV(0x30, "06032b6570") + TLV(0x03, "00aa")); }), malformed, 0},
-      {"absent parameters", with([](P p) { p.signature = p.outer = TLV(0x30, "06092a864886f70d01010b"); }), 0, 0, false},
-      {"a time of another type", with([](P p) { p.validity = TLV(0x30, TLV(0x16, "41") + TLV(0x17, "41")); }), malformed, malformed},
+      {"an unknown key", with([](P p) { p.spki = TLV(0x30, TLV(0x30, "06032b6570") + TLV(0x03, "00aa")); }), malformed,
+       0},
+      {"absent parameters", with([](P p) { p.signature = p.outer = TLV(0x30, "06092a864886f70d01010b"); }), 0, 0,
+       false},
+      {"a time of another type", with([](P p) { p.validity = TLV(0x30, TLV(0x16, "41") + TLV(0x17, "41")); }),
+       malformed, malformed},
       {"unused bits", with([](P p) { p.value[3] = 3; }), 0, 0},
   };
   for (const Case &c : cases) {
@@ -294,14 +311,16 @@ TEST_F(Certificates, OpensslTakesThem) {
   const std::string path = temporary_path("own.pem"), key = temporary_path("own.key");
   ASSERT_GT(writePEM_X509_CERT_to_FILE(cert.get(), path.c_str()), 1);
   int status = -1;
-  const std::string shown = run("openssl x509 -in " + path + " -noout -subject -serial -dates -fingerprint -sha256 2>&1", &status);
+  const std::string shown =
+      run("openssl x509 -in " + path + " -noout -subject -serial -dates -fingerprint -sha256 2>&1", &status);
   EXPECT_EQ(status, 0) << shown;
   EXPECT_NE(shown.find("CN = velPKI"), shown.npos) << shown;
   EXPECT_NE(shown.find("serial=80"), shown.npos) << shown;
   EXPECT_NE(shown.find("notAfter=Jan  1 00:00:00 2050 GMT"), shown.npos) << shown;
   EXPECT_NE(run("openssl verify -CAfile " + path + " " + path + " 2>&1").find("OK"), std::string::npos);
   // And the other way: a certificate and its public key file by openssl.
-  run("openssl req -x509 -newkey rsa:1024 -nodes -keyout " + key + " -out " + path + " -subj /O=peer/CN=other -days 3 2>&1");
+  run("openssl req -x509 -newkey rsa:1024 -nodes -keyout " + key + " -out " + path +
+      " -subj /O=peer/CN=other -days 3 2>&1");
   X509_CERT *peer = nullptr;
   ASSERT_EQ(readPEM_X509_CERT_from_File(&peer, path.c_str()), 0);
   const Certificate owner(peer);
@@ -344,8 +363,8 @@ TEST(CertificatePrinting, ShowsHostileTextAsOctets) {
   EXPECT_NE(out.find("  - CN=A\\x1B[2J\\x0A%s\\x0A\n"), out.npos) << out;
   EXPECT_EQ(out.find('\x1b'), out.npos);
   for (const char *line : {"+ Version : 02\n+ Serial : 05\n", "+ Validity\n  -  notBefore : 260101000000Z\n",
-                           "+ SPKI\n  -  1.2.840.113549.1.1.1 - rsaEncryption \n  -  n : C5:C5", "  -  e : 01:00:01\n+ SIG and VALUE\n",
-                           "+ SPKI Hash\n  -  value : "})
+                           "+ SPKI\n  -  1.2.840.113549.1.1.1 - rsaEncryption \n  -  n : C5:C5",
+                           "  -  e : 01:00:01\n+ SIG and VALUE\n", "+ SPKI Hash\n  -  value : "})
     EXPECT_NE(out.find(line), out.npos) << line << out;
 }
 

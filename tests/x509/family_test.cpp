@@ -1,5 +1,5 @@
-// What holds for every record family: round trips, copies, null arguments, decoding into filled records, and that the n-th
-// allocation may fail for every n.
+// What holds for every record family: round trips, copies, null arguments, decoding into filled records, and that the
+// n-th allocation may fail for every n.
 #include <functional>
 
 #include "samples.h"
@@ -20,7 +20,8 @@ struct Family {
 template <class R>
 Family family(const char *name, Bytes sample, int (*decode)(ASN1_UNIT *, R **), int (*encode)(const R *, ASN1_UNIT **),
               R *(*copy)(const R *), void (*release)(R *)) {
-  Family f{name, std::move(sample),
+  Family f{name,
+           std::move(sample),
            [decode](ASN1_UNIT *unit, void **record) {
              R *typed = record ? static_cast<R *>(*record) : nullptr;
              const int code = decode(unit, record ? &typed : nullptr);
@@ -28,7 +29,8 @@ Family family(const char *name, Bytes sample, int (*decode)(ASN1_UNIT *, R **), 
              return code;
            },
            [encode](const void *record, ASN1_UNIT **unit) { return encode(static_cast<const R *>(record), unit); },
-           nullptr, [release](void *record) { release(static_cast<R *>(record)); }};
+           nullptr,
+           [release](void *record) { release(static_cast<R *>(record)); }};
   if (copy) f.copy = [copy](const void *record) { return copy(static_cast<const R *>(record)); };
   return f;
 }
@@ -55,7 +57,8 @@ const std::vector<Family> &families() {
       FAMILY(X509_CERT_PAIR, TLV(0x30, TLV(0xA0, parts.der()) + TLV(0xA1, parts.der())), dup_X509_CERT_PAIR),
       FAMILY(X509_AUX, TLV(0x30, TLV(0x0C, "41") + TLV(0x80, "0102")), dup_X509_AUX),
       FAMILY(ISSUER_AND_SERIAL_NUMBER, TLV(0x30, parts.issuer + parts.serial), nullptr),
-      family<X509_NAME>("X509_NAME_RFC5280", TLV(0x30, TLV(0x31, TLV(0x30, oid + TLV(0x0C, "41")) + TLV(0x30, oid + TLV(0x12, "42")))),
+      family<X509_NAME>("X509_NAME_RFC5280",
+                        TLV(0x30, TLV(0x31, TLV(0x30, oid + TLV(0x0C, "41")) + TLV(0x30, oid + TLV(0x12, "42")))),
                         Seq_to_X509_NAME_RFC5280, X509_NAME_to_Seq_RFC5280, dup_X509_NAME, free_X509_NAME),
       family<X509_CERT>("X509_CERT_RFC5280", parts.der(), Seq_to_X509_CERT_RFC5280, X509_CERT_to_Seq_RFC5280,
                         dup_X509_CERT, free_X509_CERT),
@@ -106,7 +109,8 @@ TEST_P(EveryFamily, RefusesNullAndKeepsAFilledRecord) {
   f.release(record);
 }
 
-// Decode, copy and encode with the n-th allocation failing, until none fails. Nothing leaks and every failure has a code.
+// Decode, copy and encode with the n-th allocation failing, until none fails. Nothing leaks and every failure has a
+// code.
 TEST_P(EveryFamily, SurvivesEachFailedAllocation) {
   const Family &f = GetParam();
   const Unit unit = test::unit(f.sample);

@@ -5,14 +5,19 @@ using namespace test;
 
 namespace {
 
-Bytes spki(const char *algorithm, const Bytes &key) { return TLV(0x30, TLV(0x30, algorithm) + TLV(0x03, Bytes{0} + key)); }
+Bytes spki(const char *algorithm, const Bytes &key) {
+  return TLV(0x30, TLV(0x30, algorithm) + TLV(0x03, Bytes{0} + key));
+}
 const char kP256[] = "06072a8648ce3d020106082a8648ce3d030107", kP384[] = "06072a8648ce3d020106052b81040022";
 const char kKcdsa1[] = "06082a831a8c9a440115";  // parameters follow
 
 TEST(PublicKeys, AcceptedAndRefused) {
   const int f = F_SEQ_TO_X509_PUBKEY, malformed = f | ERR_ASN1_DECODING;
   const Bytes point = hex("04") + hex(std::string(63, '1') + "0" + std::string(64, '2'));
-  const std::string pqg = "020103" "020105" "020107";
+  const std::string pqg =
+      "020103"
+      "020105"
+      "020107";
   struct Case {
     const char *why;
     Bytes der;
@@ -31,9 +36,22 @@ TEST(PublicKeys, AcceptedAndRefused) {
       {"RSA that is no SEQUENCE", spki("06092a864886f70d0101010500", hex("ff")), f | 0x38},
       {"RSA, other parameters", spki("06092a864886f70d010101020105", hex("3006020103020105")), 0},
       {"KCDSA, p q g", TLV(0x30, TLV(0x30, hex(kKcdsa1) + TLV(0x30, pqg)) + TLV(0x03, "00020109")), 0},
-      {"KCDSA, with j and seed", TLV(0x30, TLV(0x30, hex(kKcdsa1) + TLV(0x30, pqg + "02010b" "300604014102" "0105")) + TLV(0x03, "00020109")), 0},
-      {"KCDSA, seed without j", TLV(0x30, TLV(0x30, hex(kKcdsa1) + TLV(0x30, pqg + "300604014102" "0105")) + TLV(0x03, "00020109")), 0},
-      {"KCDSA, huge count", TLV(0x30, TLV(0x30, hex(kKcdsa1) + TLV(0x30, pqg + "300904014102" "0480000000")) + TLV(0x03, "00020109")), malformed},
+      {"KCDSA, with j and seed",
+       TLV(0x30, TLV(0x30, hex(kKcdsa1) + TLV(0x30, pqg + "02010b"
+                                                          "300604014102"
+                                                          "0105")) +
+                     TLV(0x03, "00020109")),
+       0},
+      {"KCDSA, seed without j",
+       TLV(0x30, TLV(0x30, hex(kKcdsa1) + TLV(0x30, pqg + "300604014102"
+                                                          "0105")) +
+                     TLV(0x03, "00020109")),
+       0},
+      {"KCDSA, huge count",
+       TLV(0x30, TLV(0x30, hex(kKcdsa1) + TLV(0x30, pqg + "300904014102"
+                                                          "0480000000")) +
+                     TLV(0x03, "00020109")),
+       malformed},
       {"KCDSA without parameters", spki(kKcdsa1, hex("020109")), malformed},
       {"KCDSA without y", TLV(0x30, TLV(0x30, hex(kKcdsa1) + TLV(0x30, pqg)) + TLV(0x03, "00040109")), f | 0x38},
   };
@@ -74,8 +92,12 @@ TEST(RsaOctets, ByNumberOfElements) {
     int elements, plain, strict;
     bool is_private;
   };
-  for (const Case &c : {Case{0, f | 0x2B, f | 0x2B, false}, {1, malformed, malformed, false}, {2, 0, 0, false},
-                        {3, 0, malformed, true}, {4, malformed, malformed, false}, {8, 0, malformed, true},
+  for (const Case &c : {Case{0, f | 0x2B, f | 0x2B, false},
+                        {1, malformed, malformed, false},
+                        {2, 0, 0, false},
+                        {3, 0, malformed, true},
+                        {4, malformed, malformed, false},
+                        {8, 0, malformed, true},
                         {9, 0, malformed, true}}) {
     const String bits = string(3, elements(c.elements));
     RSA_UNIT *plain = nullptr, *strict = nullptr, *seq = nullptr;
@@ -109,7 +131,8 @@ TEST(EccOctets, LeadingZerosAreLeftOut) {
   EXPECT_EQ(octets_hex(whole), to_hex(point));
   ECC_UNIT *again = nullptr;
   EXPECT_EQ(BITSTRING_to_ECC_KEY(shorter, &again), F_BITSTRING_TO_ECC_KEY | 0x49);
-  EXPECT_EQ(BITSTRING_to_ECC_KEY_strict(whole, &again), F_BITSTRING_TO_ECC_KEY | ERR_ASN1_DECODING);  // not on the curve
+  EXPECT_EQ(BITSTRING_to_ECC_KEY_strict(whole, &again),
+            F_BITSTRING_TO_ECC_KEY | ERR_ASN1_DECODING);  // not on the curve
   free_ASN1_STRING(shorter);
   free_ASN1_STRING(whole);
 }
@@ -153,10 +176,14 @@ TEST(SignatureValues, Halves) {
   ASSERT_EQ(encode_KCDSASignatureValue(big.data(), 4096, big.data(), 4096, &value), 0);
   EXPECT_EQ(decode_KCDSASignatureValue(out, &r_length, out + 64, &s_length, value), 1);
   free_ASN1_STRING(value);
-  for (const auto &[der, code] : {std::pair{"3006020101020102", 0}, {"3006020101020182", F_DECODE_ECDSA_SIGNATURE_VALUE | ERR_ASN1_DECODING},
-                                  {"3008020101020102" "0500", F_DECODE_ECDSA_SIGNATURE_VALUE | ERR_ASN1_DECODING}}) {
+  for (const auto &[der, code] : {std::pair{"3006020101020102", 0},
+                                  {"3006020101020182", F_DECODE_ECDSA_SIGNATURE_VALUE | ERR_ASN1_DECODING},
+                                  {"3008020101020102"
+                                   "0500",
+                                   F_DECODE_ECDSA_SIGNATURE_VALUE | ERR_ASN1_DECODING}}) {
     r_length = s_length = 64;
-    EXPECT_EQ(decode_ECDSA_SIGNATURE_VALUE(out, &r_length, out + 64, &s_length, string(3, hex(der)).get()), code) << der;
+    EXPECT_EQ(decode_ECDSA_SIGNATURE_VALUE(out, &r_length, out + 64, &s_length, string(3, hex(der)).get()), code)
+        << der;
   }
 }
 

@@ -30,7 +30,8 @@ const Bytes kCn = TLV(0x06, "550403");
 Bytes ava(const Bytes &value) { return TLV(0x30, kCn + value); }
 
 TEST(Names, Compare) {
-  const Name a = name({{12, "a"}}), same = name({{12, "a"}}), other_type = name({{19, "a"}}), upper = name({{12, "A "}});
+  const Name a = name({{12, "a"}}), same = name({{12, "a"}}), other_type = name({{19, "a"}}),
+             upper = name({{12, "A "}});
   const Name two = name({{12, "a"}, {12, "b"}}), unencodable = name({{26, "a"}}), empty = name({});
   EXPECT_EQ(cmp_X509_NAME(a.get(), same.get()), 0);
   EXPECT_EQ(cmp_X509_NAME(a.get(), other_type.get()), -1);
@@ -62,8 +63,11 @@ TEST(Names, StandardComparisonFoldsText) {
     const char *b;
     int order;
   };
-  for (const Case &c : {Case{12, "  Hello   World ", 19, "hello world", 0}, {12, "hello", 12, "hell o", -1},
-                        {12, "\xC3\xA9", 20, "\xE9", 0}, {12, "", 12, "   ", 0}, {12, "a b", 12, "a", -1},
+  for (const Case &c : {Case{12, "  Hello   World ", 19, "hello world", 0},
+                        {12, "hello", 12, "hell o", -1},
+                        {12, "\xC3\xA9", 20, "\xE9", 0},
+                        {12, "", 12, "   ", 0},
+                        {12, "a b", 12, "a", -1},
                         {4, "a", 12, "a", -1}}) {
     EXPECT_EQ(cmp_X509_NAME_RFC5280(name({{c.type_a, c.a}}).get(), name({{c.type_b, c.b}}).get()), c.order)
         << c.a << " | " << c.b;
@@ -96,8 +100,11 @@ TEST(Names, DecodeCodes) {
     int code;
   };
   const int malformed = F_SEQ_TO_X509_NAME | ERR_ASN1_DECODING;
-  for (const Case &c : {Case{TLV(0x30, ""), 0}, {TLV(0x30, "3100"), malformed}, {TLV(0x30, "3000"), malformed},
-                        {TLV(0x30, TLV(0x31, "3000")), malformed}, {TLV(0x30, TLV(0x31, TLV(0x30, kCn))), malformed},
+  for (const Case &c : {Case{TLV(0x30, ""), 0},
+                        {TLV(0x30, "3100"), malformed},
+                        {TLV(0x30, "3000"), malformed},
+                        {TLV(0x30, TLV(0x31, "3000")), malformed},
+                        {TLV(0x30, TLV(0x31, TLV(0x30, kCn))), malformed},
                         {TLV(0x30, TLV(0x31, ava(TLV(0x12, "31")))), malformed},
                         {TLV(0x30, TLV(0x31, ava(TLV(0x1A, "31")))), 0}}) {
     int code = -1;
@@ -144,8 +151,12 @@ TEST(Names, TextIsConvertedOnlyByTheUtf8Sibling) {
     int type;
     const char *text, *octets;  // null where refused
   };
-  for (const Case &c : {Case{30, "\xED\x99\x8D", "d64d"}, {12, "\xED\x99\x8D", "ed998d"}, {20, "\xC3\xA9", "e9"},
-                        {19, "a*", nullptr}, {22, "\xC3\xA9", nullptr}, {30, "\xFF", nullptr}}) {
+  for (const Case &c : {Case{30, "\xED\x99\x8D", "d64d"},
+                        {12, "\xED\x99\x8D", "ed998d"},
+                        {20, "\xC3\xA9", "e9"},
+                        {19, "a*", nullptr},
+                        {22, "\xC3\xA9", nullptr},
+                        {30, "\xFF", nullptr}}) {
     const Name n(new_X509_NAME());
     EXPECT_EQ(add_X509_NAME_child_OID_UTF8(n.get(), cn.get(), c.type, c.text, -1, -1), c.octets ? 0 : 1) << c.text;
     if (c.octets) EXPECT_EQ(octets_hex(get_X509_NAME_CHILD_data(get_X509_NAME_CHILD(n.get(), 0))), c.octets);
@@ -202,8 +213,12 @@ TEST(Attributes, ValuesByType) {
   ASN1_UNIT *in_order = nullptr, *sorted = nullptr;
   ASSERT_EQ(X509_ATTRIBUTES_to_Seq(list, &in_order), 0);
   ASSERT_EQ(X509_ATTRIBUTES_to_Seq_RFC5280(list, &sorted), 0);
-  EXPECT_EQ(flat(in_order), "3125300a0603550406310" "30c016130170603550403311030030201050c01610c01613003020105");
-  EXPECT_EQ(flat(sorted), "3125300a0603550406310" "30c01613017060355040331100c01610c016130030201053003020105");
+  EXPECT_EQ(flat(in_order),
+            "3125300a0603550406310"
+            "30c016130170603550403311030030201050c01610c01613003020105");
+  EXPECT_EQ(flat(sorted),
+            "3125300a0603550406310"
+            "30c01613017060355040331100c01610c016130030201053003020105");
   free_ASN1_UNIT(in_order);
   free_ASN1_UNIT(sorted);
   free_X509_ATTRIBUTES(list);
@@ -240,13 +255,15 @@ TEST(Extensions, StrictRefusesByReason) {
     int plain, strict;
   };
   const int malformed = F_SEQ_TO_X509_EXT | ERR_ASN1_DECODING;
-  for (const Case &c :
-       {Case{TLV(0x30, one), 0, 0}, {TLV(0x30, one + one), 0, F_SEQ_TO_X509_EXT | ERR_DUPLICATE_EXTENSION},
-        {TLV(0x30, ""), 0, F_SEQ_TO_X509_EXT | ERR_EMPTY_LIST},
-        {TLV(0x30, TLV(0x30, TLV(0x06, "551d13") + TLV(0x01, "00") + TLV(0x04, ""))), 0, F_SEQ_TO_X509_EXT | ERR_NOT_CANONICAL},
-        {TLV(0x30, TLV(0x30, TLV(0x06, "551d13"))), malformed, malformed},
-        {TLV(0x30, TLV(0x30, TLV(0x06, "551d13") + TLV(0x01, "ff") + TLV(0x04, "") + TLV(0x04, ""))), malformed, malformed},
-        {TLV(0x30, TLV(0x30, TLV(0x06, "551d13") + TLV(0x84, "3000"))), 0, malformed}}) {
+  for (const Case &c : {Case{TLV(0x30, one), 0, 0},
+                        {TLV(0x30, one + one), 0, F_SEQ_TO_X509_EXT | ERR_DUPLICATE_EXTENSION},
+                        {TLV(0x30, ""), 0, F_SEQ_TO_X509_EXT | ERR_EMPTY_LIST},
+                        {TLV(0x30, TLV(0x30, TLV(0x06, "551d13") + TLV(0x01, "00") + TLV(0x04, ""))), 0,
+                         F_SEQ_TO_X509_EXT | ERR_NOT_CANONICAL},
+                        {TLV(0x30, TLV(0x30, TLV(0x06, "551d13"))), malformed, malformed},
+                        {TLV(0x30, TLV(0x30, TLV(0x06, "551d13") + TLV(0x01, "ff") + TLV(0x04, "") + TLV(0x04, ""))),
+                         malformed, malformed},
+                        {TLV(0x30, TLV(0x30, TLV(0x06, "551d13") + TLV(0x84, "3000"))), 0, malformed}}) {
     X509_EXTENSIONS *plain = nullptr, *strict = nullptr;
     EXPECT_EQ(Seq_to_X509_EXTENSIONS(unit(c.der).get(), &plain), c.plain) << to_hex(c.der);
     EXPECT_EQ(Seq_to_X509_EXTENSIONS_strict(unit(c.der).get(), &strict), c.strict) << to_hex(c.der);

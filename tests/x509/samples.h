@@ -31,9 +31,12 @@ using Name = Owned<STACK>;
 // DER by nesting: TLV(0x30, TLV(0x02, "05")).
 inline Bytes TLV(uint8_t identifier, const Bytes &content) {
   Bytes out{identifier};
-  if (content.size() < 0x80) out.push_back(uint8_t(content.size()));
-  else if (content.size() < 0x100) out.insert(out.end(), {0x81, uint8_t(content.size())});
-  else out.insert(out.end(), {0x82, uint8_t(content.size() >> 8), uint8_t(content.size())});
+  if (content.size() < 0x80)
+    out.push_back(uint8_t(content.size()));
+  else if (content.size() < 0x100)
+    out.insert(out.end(), {0x81, uint8_t(content.size())});
+  else
+    out.insert(out.end(), {0x82, uint8_t(content.size() >> 8), uint8_t(content.size())});
   out.insert(out.end(), content.begin(), content.end());
   return out;
 }
@@ -49,8 +52,9 @@ struct CertificateParts {
   Bytes issuer = TLV(0x30, TLV(0x31, TLV(0x30, TLV(0x06, "550403") + TLV(0x0C, "4341"))));
   Bytes validity = TLV(0x30, TLV(0x17, "3236303130313030303030305a") + TLV(0x17, "3330303130313030303030305a"));
   Bytes subject = issuer;
-  Bytes spki = TLV(0x30, TLV(0x30, "06092a864886f70d0101010500") +
-                             TLV(0x03, Bytes{0} + TLV(0x30, TLV(0x02, Bytes{0} + Bytes(128, 0xC5)) + TLV(0x02, "010001"))));
+  Bytes spki =
+      TLV(0x30, TLV(0x30, "06092a864886f70d0101010500") +
+                    TLV(0x03, Bytes{0} + TLV(0x30, TLV(0x02, Bytes{0} + Bytes(128, 0xC5)) + TLV(0x02, "010001"))));
   Bytes tail = TLV(0xA3, TLV(0x30, TLV(0x30, TLV(0x06, "551d13") + TLV(0x01, "ff") + TLV(0x04, "3000"))));
   Bytes outer = signature, value = TLV(0x03, Bytes{0} + Bytes(128, 0x5A));
 

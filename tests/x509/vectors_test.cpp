@@ -63,8 +63,8 @@ void compare(const Row &row, const X509_CERT *cert) {
   free_ASN1_UNIT(name);
 }
 
-// Everything that openssl reads is read in standard form and agrees; what the house form reads, it writes back and reads
-// again.
+// Everything that openssl reads is read in standard form and agrees; what the house form reads, it writes back and
+// reads again.
 TEST(CertificateVectors, AgreeWithTheirManifest) {
   VELPKI_NEED_VECTORS("certs", folder);
   int house = 0, standard = 0, peer = 0;

@@ -51,8 +51,8 @@ inline constexpr int kPrime256v1 = 415;
 inline constexpr int kKcdsa1 = 782;
 }  // namespace row
 
-// The codecs. Decoders fill a blank record; encoders write one value. Both return 0 or a composite code; what a DerWriter
-// refuses shows in its own result.
+// The codecs. Decoders fill a blank record; encoders write one value. Both return 0 or a composite code; what a
+// DerWriter refuses shows in its own result.
 int decode_name(const Tlv &tlv, STACK &name) noexcept;
 int encode_name(const STACK &name, DerWriter &out) noexcept;
 int decode(const Tlv &tlv, X509_ALGO_IDENTIFIER &out) noexcept;
