@@ -69,7 +69,7 @@ typedef ASN1_STRING GENERALIZED_TIME;
  * an offset of 0 means UTC. The zone name is neither read nor released. */
 typedef struct tm ASN1_TIME;
 
-/* ---- Units --------------------------------------------------------------------------------------------------------- */
+/* Units. */
 
 VELPKI_API ASN1_UNIT *new_ASN1_UNIT(void) VELPKI_NOEXCEPT; /* all members null */
 VELPKI_API void clean_ASN1_UNIT(ASN1_UNIT *unit) VELPKI_NOEXCEPT;
@@ -84,18 +84,18 @@ VELPKI_API ASN1_UNIT *dup_ASN1_UNIT_strict(const ASN1_UNIT *unit) VELPKI_NOEXCEP
 /* getASN1LengthSize returns the number of length octets that start at `length_octets`: 1 for a first octet of 00 to 80,
  * else (first & 7F) + 1; 0 for null. It reads one octet. */
 VELPKI_API int getASN1LengthSize(const unsigned char *length_octets) VELPKI_NOEXCEPT;
-/* getASN1ValueLength returns the content length of a unit, for the indefinite form the distance to `eoc`; -1 for null, a
- * unit without length octets, more than four octets of length and a length above INT_MAX. */
+/* getASN1ValueLength returns the content length of a unit, for the indefinite form the distance to `eoc`; -1 for null,
+ * a unit without length octets, more than four octets of length and a length above INT_MAX. */
 VELPKI_API int getASN1ValueLength(const ASN1_UNIT *unit) VELPKI_NOEXCEPT;
 /* getASN1ValueLengthFromLO does the same from the length octets in an encoding; content of the indefinite form, which
  * follows them, is measured. -1 for null and where it cannot be measured.
  * @warning It is given no length and believes the encoding; see getASN1ValueLengthFromLO_n. */
 VELPKI_API int getASN1ValueLengthFromLO(const unsigned char *length_octets) VELPKI_NOEXCEPT;
-/* getASN1IndefiniteValueLength measures content of the indefinite form up to, not including, its end-of-contents octets;
- * -1 for null and for nesting deeper than 64.
- * @warning After the first indefinite child every later sibling is measured as if it were indefinite too. And it is given
- * no length. getASN1IndefiniteValueLength_n stays within its octets and, where that rule would leave them, measures by
- * X.690 8.1.3.6. */
+/* getASN1IndefiniteValueLength measures content of the indefinite form up to, not including, its end-of-contents
+ * octets; -1 for null and for nesting deeper than 64.
+ * @warning After the first indefinite child every later sibling is measured as if it were indefinite too. And it is
+ * given no length. getASN1IndefiniteValueLength_n stays within its octets and, where that rule would leave them,
+ * measures by X.690 8.1.3.6. */
 VELPKI_API int getASN1IndefiniteValueLength(const unsigned char *content) VELPKI_NOEXCEPT;
 /* The bounded forms: `available` is the number of octets that may be read at the pointer; 0, -1 or -1 when they do not
  * suffice. */
@@ -116,7 +116,7 @@ VELPKI_API int getChildType(const ASN1_UNIT *unit, int index) VELPKI_NOEXCEPT;
  * nothing stored, for a unit without tag or with unreadable length octets. */
 VELPKI_API int ASN1_to_binary(const ASN1_UNIT *unit, unsigned char **out) VELPKI_NOEXCEPT;
 
-/* ---- Strings ------------------------------------------------------------------------------------------------------- */
+/* Strings. */
 
 VELPKI_API ASN1_STRING *new_ASN1_STRING(void) VELPKI_NOEXCEPT; /* type 0, no data */
 VELPKI_API ASN1_STRING *dup_ASN1_STRING(const ASN1_STRING *string) VELPKI_NOEXCEPT;
@@ -135,7 +135,7 @@ VELPKI_API int cmp_ASN1_STRING_strict(const ASN1_STRING *a, const ASN1_STRING *b
  * Codes: F_ASN1_STRING_TO_SEQ with reason 49, 3C or ERR_ASN1_ENCODING. */
 VELPKI_API int ASN1_STRING_to_Seq(const ASN1_STRING *in, ASN1_UNIT **out) VELPKI_NOEXCEPT;
 
-/* ---- Calendar times ------------------------------------------------------------------------------------------------ */
+/* Calendar times. */
 
 VELPKI_API ASN1_TIME *new_ASN1_TIME(void) VELPKI_NOEXCEPT; /* all fields 0 */
 VELPKI_API void free_ASN1_TIME(ASN1_TIME *time) VELPKI_NOEXCEPT;
@@ -157,9 +157,9 @@ VELPKI_API int cmp_ASN1_TIME(const ASN1_TIME *a, const ASN1_TIME *b) VELPKI_NOEX
  * range and forms other than
  *   0  YYMMDDHHMMZ          1  YYMMDDHHMM+hhmm
  *   2  YYMMDDHHMMSSZ        3  YYMMDDHHMMSS+hhmm
- * @warning Forms 0 and 2 overwrite `time` with its UTC equivalent. Forms 1 and 3 write the fields as they are and then an
- * offset that is right for UTC only: the machine's own offset in seconds is multiplied by 3600 once more (New York gives
- * -8000, Seoul an octet that is no digit). asn1TimeToUTC_TIME_strict writes the time's own offset. */
+ * @warning Forms 0 and 2 overwrite `time` with its UTC equivalent. Forms 1 and 3 write the fields as they are and then
+ * an offset that is right for UTC only: the machine's own offset in seconds is multiplied by 3600 once more (New York
+ * gives -8000, Seoul an octet that is no digit). asn1TimeToUTC_TIME_strict writes the time's own offset. */
 VELPKI_API UTC_TIME *asn1TimeToUTC_TIME(ASN1_TIME *time, int form) VELPKI_NOEXCEPT;
 VELPKI_API UTC_TIME *asn1TimeToUTC_TIME_strict(ASN1_TIME *time, int form) VELPKI_NOEXCEPT;
 /* asn1TimeToGENERALIZED_TIME does the same with years of four digits, 0000 to 9999; forms 1 and 3 write the time's own
@@ -168,9 +168,11 @@ VELPKI_API GENERALIZED_TIME *asn1TimeToGENERALIZED_TIME(ASN1_TIME *time, int for
 /* utcTimeToASN1_TIME reads any of the four forms into UTC; years below 50 are 20YY, the others 19YY. Null for null and
  * for text of another form or out of range; the day is not checked against the month. */
 VELPKI_API ASN1_TIME *utcTimeToASN1_TIME(const UTC_TIME *utc) VELPKI_NOEXCEPT;
-/* generalizedTimeToASN1_TIME reads YYYYMMDDHHMM[SS][.digits] and Z or +hhmm or -hhmm into UTC; the fraction is cut off. */
+/* generalizedTimeToASN1_TIME reads YYYYMMDDHHMM[SS][.digits] and Z or +hhmm or -hhmm into UTC; the fraction is cut off.
+ */
 VELPKI_API ASN1_TIME *generalizedTimeToASN1_TIME(const GENERALIZED_TIME *generalized) VELPKI_NOEXCEPT;
-/* The forms that certificates may carry (RFC 5280 4.1.2.5): with seconds and Z, no fraction, a real day of the month. */
+/* The forms that certificates may carry (RFC 5280 4.1.2.5): with seconds and Z, no fraction, a real day of the month.
+ */
 VELPKI_API ASN1_TIME *utcTimeToASN1_TIME_RFC5280(const UTC_TIME *utc) VELPKI_NOEXCEPT;
 VELPKI_API ASN1_TIME *generalizedTimeToASN1_TIME_RFC5280(const GENERALIZED_TIME *generalized) VELPKI_NOEXCEPT;
 

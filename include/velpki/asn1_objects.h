@@ -1,9 +1,9 @@
 /* velpki/asn1_objects.h: the object registry, and object identifiers as values.
  *
- * The registry is a constant table of 841 rows: short name, long name and dotted text of an object identifier. The library
- * names algorithms, attributes and extensions by row number; 0 means that no row matched, so row 0 is never found. Of
- * equal names or texts the lowest row is found: 366 for 1.3.6.1.5.5.7.48.1.2, 393 for "NULL". Look-ups take constant time
- * and compare letter case. An OBJECT_IDENTIFIER holds dotted text (see ber.h for new_, clean_ and
+ * The registry is a constant table of 841 rows: short name, long name and dotted text of an object identifier. The
+ * library names algorithms, attributes and extensions by row number; 0 means that no row matched, so row 0 is never
+ * found. Of equal names or texts the lowest row is found: 366 for 1.3.6.1.5.5.7.48.1.2, 393 for "NULL". Look-ups take
+ * constant time and compare letter case. An OBJECT_IDENTIFIER holds dotted text (see ber.h for new_, clean_ and
  * free_OBJECT_IDENTIFIER). Conventions: docs/conventions.md. */
 #ifndef VELPKI_ASN1_OBJECTS_H
 #define VELPKI_ASN1_OBJECTS_H
@@ -15,7 +15,7 @@ VELPKI_BEGIN
 
 typedef STACK OBJECT_IDENTIFIERS; /* elements: OBJECT_IDENTIFIER */
 
-/* ---- Rows ---------------------------------------------------------------------------------------------------------- */
+/* Rows. */
 
 /* `length` must be the text's own length and a zero octet must follow the text; else, and for null, 0. */
 VELPKI_API int index_from_oid_string(const char *text, int length) VELPKI_NOEXCEPT;
@@ -25,18 +25,18 @@ VELPKI_API int index_from_OBJECT_IDENTIFIER(const OBJECT_IDENTIFIER *oid) VELPKI
 /* The names of rows 1 to 840, lent for ever; null for other numbers. */
 VELPKI_API const char *sn_from_index(int index) VELPKI_NOEXCEPT;
 VELPKI_API const char *ln_from_index(int index) VELPKI_NOEXCEPT;
-/* OID_LIST returns the three texts of a row (short name, long name, dotted text), those of row 0 for a number outside the
- * table. They must not be written to. */
+/* OID_LIST returns the three texts of a row (short name, long name, dotted text), those of row 0 for a number outside
+ * the table. They must not be written to. */
 VELPKI_API const char **OID_LIST(int index) VELPKI_NOEXCEPT;
 
 /* index_to_OBJECT_IDENTIFIER makes the identifier of a row.
- * @warning Null too for the 48 rows without an identifier, and for those whose text is none: 11, 181, 182, 379, 393, 404,
- * 434, 645, 646, 647 and 676 (a trailing dot) and 794. index_from_oid_string finds such text all the same. */
+ * @warning Null too for the 48 rows without an identifier, and for those whose text is none: 11, 181, 182, 379, 393,
+ * 404, 434, 645, 646, 647 and 676 (a trailing dot) and 794. index_from_oid_string finds such text all the same. */
 VELPKI_API OBJECT_IDENTIFIER *index_to_OBJECT_IDENTIFIER(int index) VELPKI_NOEXCEPT;
 /* get_OBJECT_IDENTIFIER makes the identifier of row `index`, or with 0 that of a short name, else of a long name. */
 VELPKI_API OBJECT_IDENTIFIER *get_OBJECT_IDENTIFIER(const char *name, int index) VELPKI_NOEXCEPT;
 
-/* ---- Values -------------------------------------------------------------------------------------------------------- */
+/* Values. */
 
 VELPKI_API OBJECT_IDENTIFIER *dup_OBJECT_IDENTIFIER(const OBJECT_IDENTIFIER *oid) VELPKI_NOEXCEPT;
 /* cmp_OBJECT_IDENTIFIER returns the difference of the text lengths where they differ, else 1, 0 or -1 by octets. Null
@@ -52,7 +52,7 @@ VELPKI_API int add_OBJECT_IDENTIFIERS(OBJECT_IDENTIFIERS *list, const OBJECT_IDE
 VELPKI_API int get_OBJECT_IDENTIFIERS_index_by_OBJECT_IDENTIFIER(const OBJECT_IDENTIFIERS *list,
                                                                  const OBJECT_IDENTIFIER *oid) VELPKI_NOEXCEPT;
 
-/* ---- Provider identifiers ------------------------------------------------------------------------------------------ */
+/* Provider identifiers. */
 
 /* Each returns 0 where the registry gives nothing. Digest and cipher identifiers are those of pkv.h.
  * @warning The two directions are no inverses. DES-EDE-CBC (43) gives the identifier of single DES in CBC mode,

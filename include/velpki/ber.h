@@ -10,11 +10,12 @@
 
 VELPKI_BEGIN
 
-/* ---- Encoders of one value ----------------------------------------------------------------------------------------- */
+/* Encoders of one value. */
 
 /* `tag` is written unchanged as the identifier octet. `length` is the content length that the caller states: for an OID
- * the length of its text, for a BIT STRING the data octets without the unused-bits octet; a length above the value's own
- * is refused, one below writes that many octets. `form` is 0 (one length octet, below 128) or 1 (80 + n and n octets). */
+ * the length of its text, for a BIT STRING the data octets without the unused-bits octet; a length above the value's
+ * own is refused, one below writes that many octets. `form` is 0 (one length octet, below 128) or 1 (80 + n and n
+ * octets). */
 VELPKI_API int encodeToBERBoolean(ASN1_UNIT *out, unsigned char tag, unsigned char *value, int length,
                                   int form) VELPKI_NOEXCEPT;
 /* encodeToBERInteger writes the magnitude right-aligned in `length` octets, which must hold it. */
@@ -38,25 +39,25 @@ VELPKI_API int encodeToBERGENERALIZEDTime(ASN1_UNIT *out, unsigned char tag, ASN
 VELPKI_API int encodeToBERASN1String(ASN1_UNIT *out, unsigned char tag, ASN1_STRING *value, int length,
                                      int form) VELPKI_NOEXCEPT;
 
-/* encodeToBER chooses the encoder by `type` & 31 and writes the whole `type` as identifier. The kind of value follows the
- * type: 1 one octet, 2 and 10 BIGINT, 3 4 12 19 20 22 23 24 30 ASN1_STRING, 5 ignored, 6 OBJECT_IDENTIFIER, 32 an
+/* encodeToBER chooses the encoder by `type` & 31 and writes the whole `type` as identifier. The kind of value follows
+ * the type: 1 one octet, 2 and 10 BIGINT, 3 4 12 19 20 22 23 24 30 ASN1_STRING, 5 ignored, 6 OBJECT_IDENTIFIER, 32 an
  * ASN1_STRING encoded as its own type (an INTEGER string holds a big-endian magnitude). VisibleString and every other
  * number have no encoder. */
 VELPKI_API int encodeToBER(ASN1_UNIT *out, int type, void *value, int length, int form) VELPKI_NOEXCEPT;
 /* encodeToBER_CS gives the result the identifier 80 + n (IMPLICIT, primitive); n is 0 to 30. */
 VELPKI_API int encodeToBER_CS(ASN1_UNIT *out, int n, int type, void *value, int length, int form) VELPKI_NOEXCEPT;
 
-/* ---- Constructed values -------------------------------------------------------------------------------------------- */
+/* Constructed values. */
 
-/* addToBERSequence appends a child to `seq`, which starts empty and always has a definite length afterwards. For types 16,
- * 17, 48, 49 and 33 the value is an encoded ASN1_UNIT and `length` and `form` mean nothing. A unit passed as 16, 17, 48
- * or 49 stays the caller's; passed as TYPE_ASN1_UNIT it is taken over and released, on success only. On failure `seq` is
- * cleaned. */
+/* addToBERSequence appends a child to `seq`, which starts empty and always has a definite length afterwards. For types
+ * 16, 17, 48, 49 and 33 the value is an encoded ASN1_UNIT and `length` and `form` mean nothing. A unit passed as 16,
+ * 17, 48 or 49 stays the caller's; passed as TYPE_ASN1_UNIT it is taken over and released, on success only. On failure
+ * `seq` is cleaned. */
 VELPKI_API int addToBERSequence(ASN1_UNIT *seq, int type, void *value, int length, int form) VELPKI_NOEXCEPT;
 /* addToBERSequenceOf and addToBERSetOf with a non-constructed type and length 0 make an empty list.
  * @warning The empty list has the primitive identifier 10 (11 for a SET), which standard decoders refuse, and children
- * that `seq` had are dropped. A later append keeps the identifier. Elements of a SET OF are not sorted. See der.h for the
- * strict siblings. */
+ * that `seq` had are dropped. A later append keeps the identifier. Elements of a SET OF are not sorted. See der.h for
+ * the strict siblings. */
 VELPKI_API int addToBERSequenceOf(ASN1_UNIT *seq, int type, void *value, int length, int form) VELPKI_NOEXCEPT;
 VELPKI_API int addToBERSet(ASN1_UNIT *seq, int type, void *value, int length, int form) VELPKI_NOEXCEPT;
 VELPKI_API int addToBERSetOf(ASN1_UNIT *seq, int type, void *value, int length, int form) VELPKI_NOEXCEPT;
@@ -68,18 +69,18 @@ VELPKI_API int addToBERStringSequence(ASN1_UNIT *seq, int type, void *value, int
 /* setBERLengthForm rewrites the length octets of a finished unit: form 0 short (refused from 128 on), 1 long, 2
  * indefinite (constructed units only). A refused unit is left as it was. */
 VELPKI_API int setBERLengthForm(ASN1_UNIT *unit, int form) VELPKI_NOEXCEPT;
-/* addPadToBERBitString ORs a text of exactly `unused_bits` characters "0" and "1" into the unused bits of the last octet,
- * the first character at the highest of them. */
+/* addPadToBERBitString ORs a text of exactly `unused_bits` characters "0" and "1" into the unused bits of the last
+ * octet, the first character at the highest of them. */
 VELPKI_API int addPadToBERBitString(ASN1_STRING *bit_string, const char *text) VELPKI_NOEXCEPT;
 
-/* ---- Decoders ------------------------------------------------------------------------------------------------------ */
+/* Decoders. */
 
 /* Each takes a pointer to the identifier octet of one encoded value.
  * @warning They are given no length and believe the encoding's own: for octets of a stranger call the `_n` form, which
  * takes the octets available and never reads past them, or a navigator. */
 VELPKI_API unsigned char *decodeToBERBoolean(const unsigned char *encoded) VELPKI_NOEXCEPT; /* one octet, as it is */
-/* @warning Content is read as an unsigned magnitude: FF gives 255. decodeToBERInteger_strict refuses negative and padded
- * content. */
+/* @warning Content is read as an unsigned magnitude: FF gives 255. decodeToBERInteger_strict refuses negative and
+ * padded content. */
 VELPKI_API BIGINT *decodeToBERInteger(const unsigned char *encoded) VELPKI_NOEXCEPT;
 VELPKI_API BIGINT *decodeToBEREnumerated(const unsigned char *encoded) VELPKI_NOEXCEPT;
 VELPKI_API ASN1_STRING *decodeToBERBitString(const unsigned char *encoded) VELPKI_NOEXCEPT;
@@ -125,24 +126,24 @@ VELPKI_API ASN1_UNIT *decodeToBERSequence_n(const unsigned char *encoded, int av
 VELPKI_API ASN1_UNIT *decodeToBERSequence_strict(const unsigned char *encoded, int available) VELPKI_NOEXCEPT;
 VELPKI_API ASN1_STRING *decodeToBERASN1String_n(const unsigned char *encoded, int available) VELPKI_NOEXCEPT;
 
-/* ---- Navigators ---------------------------------------------------------------------------------------------------- */
+/* Navigators. */
 
-/* getBERChildAt returns the child at an index from 0 as a new value of the kind that `type` expects: 1 one octet (PKV_Free),
- * 2 and 10 BIGINT, 5 a placeholder (PKV_Free), 16 17 48 49 and 33 ASN1_UNIT, 6 OBJECT_IDENTIFIER, the string and time
- * types and 32 ASN1_STRING. Null when there is no such child or it has another type.
+/* getBERChildAt returns the child at an index from 0 as a new value of the kind that `type` expects: 1 one octet
+ * (PKV_Free), 2 and 10 BIGINT, 5 a placeholder (PKV_Free), 16 17 48 49 and 33 ASN1_UNIT, 6 OBJECT_IDENTIFIER, the
+ * string and time types and 32 ASN1_STRING. Null when there is no such child or it has another type.
  * @warning A child of context-specific or private class is decoded as `type`, whatever its number; getBERChildAt_strict
  * takes the whole identifier octet that must stand there. */
 VELPKI_API void *getBERChildAt(const ASN1_UNIT *unit, int index, int type) VELPKI_NOEXCEPT;
 VELPKI_API void *getBERChildAt_strict(const ASN1_UNIT *unit, int index, int identifier, int type) VELPKI_NOEXCEPT;
-/* getBERChildOffset walks: with 0 in `*cursor` it takes the child at `index`, with any other value the child after the one
- * that starts at that offset of the content. `*cursor` receives the offset of the child returned and is unchanged on
- * null. @warning After the first child the cursor is still 0, so the second call must pass index 1. */
+/* getBERChildOffset walks: with 0 in `*cursor` it takes the child at `index`, with any other value the child after the
+ * one that starts at that offset of the content. `*cursor` receives the offset of the child returned and is unchanged
+ * on null. @warning After the first child the cursor is still 0, so the second call must pass index 1. */
 VELPKI_API void *getBERChildOffset(const ASN1_UNIT *unit, int index, int type, int *cursor) VELPKI_NOEXCEPT;
 
 /* printBERData writes one line to standard output: tag, length octets and content in hexadecimal. */
 VELPKI_API void printBERData(const ASN1_UNIT *unit) VELPKI_NOEXCEPT;
 
-/* ---- Named string and time types ----------------------------------------------------------------------------------- */
+/* Named string and time types. */
 
 /* new_OBJECT_IDENTIFIER takes dotted text: null for empty text, a dot first, last or twice, or any other character.
  * @warning Neither the number of arcs nor their size is checked. */
@@ -150,9 +151,9 @@ VELPKI_API OBJECT_IDENTIFIER *new_OBJECT_IDENTIFIER(const char *text, int length
 VELPKI_API void free_OBJECT_IDENTIFIER(OBJECT_IDENTIFIER *oid) VELPKI_NOEXCEPT;
 VELPKI_API void clean_OBJECT_IDENTIFIER(OBJECT_IDENTIFIER *oid) VELPKI_NOEXCEPT;
 
-/* new_T copies the octets into a value of the type; null for null data and negative lengths. Only PrintableString (X.680
- * table 10), IA5String (00 to 7F) and the times (one of the four forms) check their content; a BMPString may have an odd
- * number of octets. clean_T leaves an empty value; free_T releases it. */
+/* new_T copies the octets into a value of the type; null for null data and negative lengths. Only PrintableString
+ * (X.680 table 10), IA5String (00 to 7F) and the times (one of the four forms) check their content; a BMPString may
+ * have an odd number of octets. clean_T leaves an empty value; free_T releases it. */
 VELPKI_API BIT_STRING *new_BIT_STRING(const unsigned char *data, int length) VELPKI_NOEXCEPT;
 VELPKI_API void free_BIT_STRING(BIT_STRING *value) VELPKI_NOEXCEPT;
 VELPKI_API void clean_BIT_STRING(BIT_STRING *value) VELPKI_NOEXCEPT;

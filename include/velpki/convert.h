@@ -1,9 +1,10 @@
 /* velpki/convert.h: text between CP949, UTF-8 and UCS-2.
  *
- * CP949 is KS X 1001 with the Unified Hangul Code extension. UCS-2 is big-endian, two octets a character, as a BMPString
- * holds it. Each function stores a new block at `*out`, released with PKV_Free and followed by two zero octets that do not
- * count, and returns the octets written; -1, with nothing stored, for null, for input that cannot be converted (never a
- * substitute character), and for exhausted memory. A length of -1 measures NUL-terminated text (not for UCS-2). */
+ * CP949 is KS X 1001 with the Unified Hangul Code extension. UCS-2 is big-endian, two octets a character, as a
+ * BMPString holds it. Each function stores a new block at `*out`, released with PKV_Free and followed by two zero
+ * octets that do not count, and returns the octets written; -1, with nothing stored, for null, for input that cannot be
+ * converted (never a substitute character), and for exhausted memory. A length of -1 measures NUL-terminated text (not
+ * for UCS-2). */
 #ifndef VELPKI_CONVERT_H
 #define VELPKI_CONVERT_H
 
@@ -11,8 +12,9 @@
 
 VELPKI_BEGIN
 
-/* The KS X 1001 plane: leads A1 to FD, trails A1 to FE, the UCS-2 character of each, 0000 where there is none. The other
- * 8,822 hangul syllables of CP949 (leads 81 to C6) are those that this table lacks, in order of their code points. */
+/* The KS X 1001 plane: leads A1 to FD, trails A1 to FE, the UCS-2 character of each, 0000 where there is none. The
+ * other 8,822 hangul syllables of CP949 (leads 81 to C6) are those that this table lacks, in order of their code
+ * points. */
 VELPKI_API extern const unsigned char cp949Table[17484];
 
 VELPKI_API int cp949ToUnicode(const char *in, int length, unsigned char **out) VELPKI_NOEXCEPT;

@@ -13,8 +13,8 @@ VELPKI_BEGIN
 /* Each is the function of ber.h with the same name but for the length form. Their `_strict` siblings write what X.690
  * demands: times in UTC with their offset applied, empty and sorted lists, BIT STRING padding of zeros. */
 VELPKI_API int encodeToDER(ASN1_UNIT *out, int type, void *value, int length) VELPKI_NOEXCEPT;
-/* encodeToDER_strict leaves the caller's value as it is. It writes UTCTime and GeneralizedTime as YY(YY)MMDDHHMMSSZ with
- * the offset applied, BOOLEAN as 00 or FF, and refuses a BIT STRING whose unused bits are not zero. */
+/* encodeToDER_strict leaves the caller's value as it is. It writes UTCTime and GeneralizedTime as YY(YY)MMDDHHMMSSZ
+ * with the offset applied, BOOLEAN as 00 or FF, and refuses a BIT STRING whose unused bits are not zero. */
 VELPKI_API int encodeToDER_strict(ASN1_UNIT *out, int type, const void *value, int length) VELPKI_NOEXCEPT;
 VELPKI_API int encodeToDER_CS(ASN1_UNIT *out, int n, int type, void *value, int length) VELPKI_NOEXCEPT;
 VELPKI_API int addToDERSequence(ASN1_UNIT *seq, int type, void *value, int length) VELPKI_NOEXCEPT;
@@ -27,8 +27,8 @@ VELPKI_API int addToDERSet(ASN1_UNIT *seq, int type, void *value, int length) VE
 VELPKI_API int addToDERSetOf(ASN1_UNIT *seq, int type, void *value, int length) VELPKI_NOEXCEPT;
 VELPKI_API int addToDERSetOf_strict(ASN1_UNIT *seq, int type, void *value, int length) VELPKI_NOEXCEPT;
 VELPKI_API int addToDERSequence_CS(ASN1_UNIT *seq, int n, int type, void *value, int length) VELPKI_NOEXCEPT;
-/* checkDER normalises a value in place: a BOOLEAN that is not 0 becomes FF; a UTCTime without seconds is refused, one of
- * 17 characters is rewritten with Z, in the string and in `*length`. Everything else passes.
+/* checkDER normalises a value in place: a BOOLEAN that is not 0 becomes FF; a UTCTime without seconds is refused, one
+ * of 17 characters is rewritten with Z, in the string and in `*length`. Everything else passes.
  * @warning The offset of the 17 characters is dropped, not applied: 260101120000+0900 becomes 260101120000Z, nine hours
  * late. encodeToDER_strict applies it. */
 VELPKI_API int checkDER(int type, void *value, int *length) VELPKI_NOEXCEPT;

@@ -1,8 +1,8 @@
 /* velpki/pkv.h: the crypto provider, libvelCrypto.so.
  *
  * Everything cryptographic that the PKI library does, and every heap allocation, goes through these names; another
- * provider (a validated module, a token) replaces this one by exporting the same names. docs/provider.md lists what each
- * must keep.
+ * provider (a validated module, a token) replaces this one by exporting the same names. docs/provider.md lists what
+ * each must keep.
  *
  * Conventions of this header, beside those of docs/conventions.md:
  *  - Status functions return 0 or one of the PKV_ERR_ codes below; they are also the reasons that the PKI library
@@ -29,10 +29,11 @@ enum {
   PKV_ERR_MISMATCH = 0x5E     /* a signature, MAC or digest does not verify */
 };
 
-/* ---- Memory ------------------------------------------------------------------------------------------------------ */
+/* Memory. */
 
 /* Allocation with the caller's source file and line, for accounting; the texts must stay valid for ever (literals).
- * A size of 0 gives a valid block. PKV_Calloc checks count * size for overflow and zero-fills. PKV_Free accepts null. */
+ * A size of 0 gives a valid block. PKV_Calloc checks count * size for overflow and zero-fills. PKV_Free accepts null.
+ */
 VELPKI_API void *PKV_Malloc(size_t size, const char *file, int line) VELPKI_NOEXCEPT;
 VELPKI_API void *PKV_Calloc(size_t count, size_t size, const char *file, int line) VELPKI_NOEXCEPT;
 VELPKI_API void *PKV_Realloc(void *block, size_t size, const char *file, int line) VELPKI_NOEXCEPT;
@@ -64,18 +65,19 @@ VELPKI_API int PKV_Report_Account(PKV_ACCOUNT_LINE *each, void *context) VELPKI_
  * return null; -1 ends that. It needs accounting, and is for tests. */
 VELPKI_API int PKV_Fail_Allocation(long n) VELPKI_NOEXCEPT;
 
-/* ---- Random octets ----------------------------------------------------------------------------------------------- */
+/* Random octets. */
 
 /* Salts, paddings, nonces, seeds and the private values of KCDSA and ECC all come from here. */
 VELPKI_API int PKV_Rand_Bytes(unsigned char *out, int length) VELPKI_NOEXCEPT;
 
-/* ---- Big integers ------------------------------------------------------------------------------------------------ */
+/* Big integers. */
 
 /* BIGINT: a sign and a magnitude, most significant octet first, without leading zero octets; zero has no octets. */
 typedef struct pkv_bigint BIGINT;
 
 VELPKI_API BIGINT *PKV_New_BIGINT(void) VELPKI_NOEXCEPT; /* zero */
-/* PKV_New_BIGINT_Binary makes a number from octets in one allocation; null for null octets with a length, or below 0. */
+/* PKV_New_BIGINT_Binary makes a number from octets in one allocation; null for null octets with a length, or below 0.
+ */
 VELPKI_API BIGINT *PKV_New_BIGINT_Binary(const unsigned char *octets, int length) VELPKI_NOEXCEPT;
 VELPKI_API void PKV_Free_BIGINT(BIGINT *n) VELPKI_NOEXCEPT; /* wipes */
 VELPKI_API BIGINT *PKV_Dup_BIGINT(const BIGINT *n) VELPKI_NOEXCEPT;
@@ -103,7 +105,7 @@ VELPKI_API int PKV_Add_BIGINT(BIGINT *sum, const BIGINT *a, const BIGINT *b) VEL
 /* PKV_Mod_BIGINT gives the remainder in 0 to modulus - 1; a modulus below 1 is PKV_ERR_BAD_VALUE. */
 VELPKI_API int PKV_Mod_BIGINT(BIGINT *remainder, const BIGINT *a, const BIGINT *modulus) VELPKI_NOEXCEPT;
 
-/* ---- Digests ----------------------------------------------------------------------------------------------------- */
+/* Digests. */
 
 enum {
   PKV_DIGEST_SHA1 = 0x05000100,
@@ -133,8 +135,8 @@ VELPKI_API int PKV_Update_DIGEST(DIGEST_UNIT *unit, const unsigned char *data, i
 VELPKI_API int PKV_Final_DIGEST(DIGEST_UNIT *unit, unsigned char *out, int *out_length) VELPKI_NOEXCEPT;
 
 /* HMAC over any of the digests (RFC 2104); the identifier may carry PKV_HMAC_FLAG. With MDC-2 a key has at most the 8
- * octets of its block (else PKV_ERR_BAD_VALUE). After Final the unit is ready for another message under the same key, at
- * a fraction of the cost of another Init. */
+ * octets of its block (else PKV_ERR_BAD_VALUE). After Final the unit is ready for another message under the same key,
+ * at a fraction of the cost of another Init. */
 typedef struct pkv_hmac HMAC_UNIT;
 
 VELPKI_API int PKV_HMAC(int digest_id, const unsigned char *key, int key_length, const unsigned char *data, int length,
@@ -145,11 +147,12 @@ VELPKI_API int PKV_Init_HMAC(HMAC_UNIT *unit, int digest_id, const unsigned char
 VELPKI_API int PKV_Update_HMAC(HMAC_UNIT *unit, const unsigned char *data, int length) VELPKI_NOEXCEPT;
 VELPKI_API int PKV_Final_HMAC(HMAC_UNIT *unit, unsigned char *out, int *out_length) VELPKI_NOEXCEPT;
 
-/* ---- Ciphers ----------------------------------------------------------------------------------------------------- */
+/* Ciphers. */
 
 /* Cipher identifiers: top octet the family (01 AES, 02 DES, 03 ARIA, 04 SEED, 05 RC5, 06 Blowfish, 07 RC2), second
- * octet 01 for three-key triple DES, third octet the key size (AES and ARIA 01/02/03 for 128/192/256 bits; DES 00 and 01
- * single, 02 two-key EDE, 12 two-key EDE of the password-based scheme; RC2 01 128-bit, 02 40-bit), low octet the mode. */
+ * octet 01 for three-key triple DES, third octet the key size (AES and ARIA 01/02/03 for 128/192/256 bits; DES 00 and
+ * 01 single, 02 two-key EDE, 12 two-key EDE of the password-based scheme; RC2 01 128-bit, 02 40-bit), low octet the
+ * mode. */
 enum {
   PKV_MODE_ECB = 0x00,
   PKV_MODE_CBC = 0x20,
@@ -194,7 +197,7 @@ VELPKI_API const unsigned char *PKV_Get_BLOCK_CIPHER_IV(const BLOCK_CIPHER_UNIT 
 VELPKI_API int PKV_RC4(const unsigned char *key, int key_length, const unsigned char *in, int length,
                        unsigned char *out) VELPKI_NOEXCEPT;
 
-/* ---- Keys: what all have in common --------------------------------------------------------------------------------- */
+/* Keys: what all have in common. */
 
 enum { PKV_KEY_RSA = 0x20000000, PKV_KEY_DSA = 0x30000000, PKV_KEY_KCDSA = 0x40000000, PKV_KEY_ECC = 0x50000000 };
 
@@ -210,24 +213,31 @@ typedef int PKV_PROGRESS(int count, void *context);
 typedef int PKV_SIGN_CALLBACK(void *context, int key, int digest_id, int scheme, const unsigned char *input,
                               int input_length, unsigned char *signature, int *signature_length);
 
-/* ---- RSA (RFC 8017) ------------------------------------------------------------------------------------------------ */
+/* RSA (RFC 8017). */
 
 typedef struct pkv_rsa RSA_UNIT;
 
 enum {
-  PKV_RSA_PKCS1 = 1,      /* RSASSA-PKCS1-v1_5 */
-  PKV_RSA_PSS = 2,        /* RSASSA-PSS */
-  PKV_RSA_OAEP_SET = 8,   /* RSAES-OAEP */
-  PKV_RSA_OAEP = 16,      /* RSAES-OAEP */
+  PKV_RSA_PKCS1 = 1,       /* RSASSA-PKCS1-v1_5 */
+  PKV_RSA_PSS = 2,         /* RSASSA-PSS */
+  PKV_RSA_OAEP_SET = 8,    /* RSAES-OAEP */
+  PKV_RSA_OAEP = 16,       /* RSAES-OAEP */
   PKV_RSA_PKCS1_CRYPT = 32 /* RSAES-PKCS1-v1_5 */
 };
 typedef enum {
-  PKV_RSA_N, PKV_RSA_E, PKV_RSA_D, PKV_RSA_P, PKV_RSA_Q, PKV_RSA_DP, PKV_RSA_DQ, PKV_RSA_QINV
+  PKV_RSA_N,
+  PKV_RSA_E,
+  PKV_RSA_D,
+  PKV_RSA_P,
+  PKV_RSA_Q,
+  PKV_RSA_DP,
+  PKV_RSA_DQ,
+  PKV_RSA_QINV
 } PKV_RSA_COMPONENT;
 
 VELPKI_API RSA_UNIT *PKV_New_RSA(void) VELPKI_NOEXCEPT;
 VELPKI_API void PKV_Free_RSA(RSA_UNIT *key) VELPKI_NOEXCEPT;
-VELPKI_API void PKV_Clear_RSA(RSA_UNIT *key) VELPKI_NOEXCEPT; /* back to the state after PKV_New_RSA */
+VELPKI_API void PKV_Clear_RSA(RSA_UNIT *key) VELPKI_NOEXCEPT;          /* back to the state after PKV_New_RSA */
 VELPKI_API RSA_UNIT *PKV_Dup_RSA(const RSA_UNIT *key) VELPKI_NOEXCEPT; /* shares the numbers, not a running operation */
 /* PKV_Cmp_RSA compares n and e: 0 equal, 1 not (also for null and for keys without numbers). */
 VELPKI_API int PKV_Cmp_RSA(const RSA_UNIT *a, const RSA_UNIT *b) VELPKI_NOEXCEPT;
@@ -236,7 +246,8 @@ VELPKI_API int PKV_Cmp_RSA(const RSA_UNIT *a, const RSA_UNIT *b) VELPKI_NOEXCEPT
  * here: every operation refuses (PKV_ERR_BAD_VALUE) a modulus that is even or not of 512 to 16384 bits, and an
  * exponent that is even, below 3, not below the modulus, or of more than 64 bits under a modulus of more than 3072. */
 VELPKI_API int PKV_Set_RSA_Params(RSA_UNIT *key, const BIGINT *n, const BIGINT *e, const BIGINT *d, const BIGINT *p,
-                                  const BIGINT *q, const BIGINT *dp, const BIGINT *dq, const BIGINT *qinv) VELPKI_NOEXCEPT;
+                                  const BIGINT *q, const BIGINT *dp, const BIGINT *dq,
+                                  const BIGINT *qinv) VELPKI_NOEXCEPT;
 /* PKV_Set_RSA_Public sets a public key from the big-endian octets of n and e, in one allocation. */
 VELPKI_API int PKV_Set_RSA_Public(RSA_UNIT *key, const unsigned char *n, int n_length, const unsigned char *e,
                                   int e_length) VELPKI_NOEXCEPT;
@@ -283,7 +294,7 @@ VELPKI_API int PKV_Encrypt_RSAES(RSA_UNIT *key, const unsigned char *in, int in_
 VELPKI_API int PKV_Decrypt_RSAES(RSA_UNIT *key, const unsigned char *in, int in_length, unsigned char *out,
                                  int *out_length) VELPKI_NOEXCEPT;
 
-/* ---- KCDSA (TTAK.KO-12.0001, ISO/IEC 14888-3) ---------------------------------------------------------------------- */
+/* KCDSA (TTAK.KO-12.0001, ISO/IEC 14888-3). */
 
 typedef struct pkv_kcdsa KCDSA_UNIT;
 
@@ -299,7 +310,8 @@ VELPKI_API int PKV_Cmp_KCDSA(const KCDSA_UNIT *a, const KCDSA_UNIT *b) VELPKI_NO
  * key holds. A null `seed` keeps seed and count. A callback goes, and with a new p, q, g or y the private value. Sizes
  * are checked at use: |p| 1024 to 3072, |q| 160 to 256 bits. */
 VELPKI_API int PKV_Set_KCDSA_Params(KCDSA_UNIT *key, const BIGINT *p, const BIGINT *q, const BIGINT *g, const BIGINT *j,
-                                    const BIGINT *y, const unsigned char *seed, int seed_length, int count) VELPKI_NOEXCEPT;
+                                    const BIGINT *y, const unsigned char *seed, int seed_length,
+                                    int count) VELPKI_NOEXCEPT;
 /* PKV_Set_KCDSA_Private sets x, and y = g^(1/x mod q) mod p, computed when the key holds none and compared (else
  * PKV_ERR_MISMATCH) when it does. */
 VELPKI_API int PKV_Set_KCDSA_Private(KCDSA_UNIT *key, const BIGINT *x) VELPKI_NOEXCEPT;
@@ -315,14 +327,15 @@ VELPKI_API int PKV_Get_KCDSA_Lengths(const KCDSA_UNIT *key, int *r_length, int *
  * 3072/256 with SHA-256. */
 VELPKI_API int PKV_Generate_KCDSA_Params(KCDSA_UNIT *key, int p_bits, int q_bits, int digest_id, PKV_PROGRESS *progress,
                                          void *context) VELPKI_NOEXCEPT;
-/* PKV_Derive_KCDSA_Params does the same from a given seed, trying counts from 1 up; PKV_ERR_FAILED when J is composite. */
+/* PKV_Derive_KCDSA_Params does the same from a given seed, trying counts from 1 up; PKV_ERR_FAILED when J is composite.
+ */
 VELPKI_API int PKV_Derive_KCDSA_Params(KCDSA_UNIT *key, int p_bits, int q_bits, int digest_id,
                                        const unsigned char *seed, int seed_length, PKV_PROGRESS *progress,
                                        void *context) VELPKI_NOEXCEPT;
 /* PKV_Generate_KCDSA makes x and y under the parameters that the key holds. */
 VELPKI_API int PKV_Generate_KCDSA(KCDSA_UNIT *key) VELPKI_NOEXCEPT;
-/* PKV_Check_KCDSA_Params checks sizes, that q divides p - 1 and g has order q; with `primes` 1 also that p and q (and J)
- * are prime and, when seed and count are held, that they lead to p and q under `digest_id`. */
+/* PKV_Check_KCDSA_Params checks sizes, that q divides p - 1 and g has order q; with `primes` 1 also that p and q (and
+ * J) are prime and, when seed and count are held, that they lead to p and q under `digest_id`. */
 VELPKI_API int PKV_Check_KCDSA_Params(const KCDSA_UNIT *key, int primes, int digest_id) VELPKI_NOEXCEPT;
 /* PKV_Check_KCDSA_Key checks 1 < y < p, y^q = 1, and x against y when held. */
 VELPKI_API int PKV_Check_KCDSA_Key(const KCDSA_UNIT *key) VELPKI_NOEXCEPT;
@@ -340,9 +353,10 @@ VELPKI_API int PKV_Verify_KCDSA(KCDSA_UNIT *key, const unsigned char *r, int r_l
 VELPKI_API int PKV_KCDSA_SIGN(const KCDSA_UNIT *key, int digest_id, const unsigned char *data, int length,
                               unsigned char *r, unsigned char *s) VELPKI_NOEXCEPT;
 VELPKI_API int PKV_KCDSA_VERIFY(const KCDSA_UNIT *key, int digest_id, const unsigned char *data, int length,
-                                const unsigned char *r, int r_length, const unsigned char *s, int s_length) VELPKI_NOEXCEPT;
+                                const unsigned char *r, int r_length, const unsigned char *s,
+                                int s_length) VELPKI_NOEXCEPT;
 
-/* ---- Elliptic curves (SEC 1, FIPS 186) ------------------------------------------------------------------------------ */
+/* Elliptic curves (SEC 1, FIPS 186). */
 
 typedef struct pkv_ecurve ECURVE;
 typedef struct pkv_ecc_point ECC_POINT;
@@ -371,14 +385,15 @@ VELPKI_API ECC_UNIT *PKV_New_ECC(void) VELPKI_NOEXCEPT;
 VELPKI_API void PKV_Free_ECC(ECC_UNIT *key) VELPKI_NOEXCEPT;
 VELPKI_API void PKV_Clear_ECC(ECC_UNIT *key) VELPKI_NOEXCEPT;
 VELPKI_API ECC_UNIT *PKV_Dup_ECC(const ECC_UNIT *key) VELPKI_NOEXCEPT;
-VELPKI_API int PKV_Cmp_ECC(const ECC_UNIT *a, const ECC_UNIT *b) VELPKI_NOEXCEPT; /* curve name and point: 0 equal, 1 not */
+VELPKI_API int PKV_Cmp_ECC(const ECC_UNIT *a,
+                           const ECC_UNIT *b) VELPKI_NOEXCEPT; /* curve name and point: 0 equal, 1 not */
 /* Setting copies, and takes a callback away; a new point takes the private value away too. PKV_Set_ECC_Private needs a
  * known curve, wants 0 < d < n (else PKV_ERR_BAD_VALUE) and computes the point when the key holds none. */
 VELPKI_API int PKV_Set_ECC_Curve(ECC_UNIT *key, const ECURVE *curve) VELPKI_NOEXCEPT;
 VELPKI_API int PKV_Set_ECC_Public(ECC_UNIT *key, const BIGINT *x, const BIGINT *y) VELPKI_NOEXCEPT;
 VELPKI_API int PKV_Set_ECC_Private(ECC_UNIT *key, const BIGINT *d) VELPKI_NOEXCEPT;
 VELPKI_API int PKV_Set_ECC_Callback(ECC_UNIT *key, PKV_SIGN_CALLBACK *sign, void *context) VELPKI_NOEXCEPT;
-VELPKI_API const ECURVE *PKV_Get_ECC_Curve(const ECC_UNIT *key) VELPKI_NOEXCEPT;    /* lent; null when unset */
+VELPKI_API const ECURVE *PKV_Get_ECC_Curve(const ECC_UNIT *key) VELPKI_NOEXCEPT;     /* lent; null when unset */
 VELPKI_API const ECC_POINT *PKV_Get_ECC_Public(const ECC_UNIT *key) VELPKI_NOEXCEPT; /* lent; null when unset */
 VELPKI_API const BIGINT *PKV_Get_ECC_Private(const ECC_UNIT *key) VELPKI_NOEXCEPT;   /* lent; null when unset */
 VELPKI_API int PKV_Is_ECC_Private(const ECC_UNIT *key) VELPKI_NOEXCEPT;
@@ -391,9 +406,11 @@ VELPKI_API int PKV_Get_ECC_Lengths(const ECC_UNIT *key, int *r_length, int *s_le
 VELPKI_API int PKV_ECDSA_SIGN(const ECC_UNIT *key, int digest_id, const unsigned char *data, int length,
                               unsigned char *r, unsigned char *s) VELPKI_NOEXCEPT;
 VELPKI_API int PKV_ECDSA_VERIFY(const ECC_UNIT *key, int digest_id, const unsigned char *data, int length,
-                                const unsigned char *r, int r_length, const unsigned char *s, int s_length) VELPKI_NOEXCEPT;
+                                const unsigned char *r, int r_length, const unsigned char *s,
+                                int s_length) VELPKI_NOEXCEPT;
 /* PKV_ECDH writes the x coordinate of the shared point, as many octets as the field has. */
-VELPKI_API int PKV_ECDH(const ECC_UNIT *key, const ECC_POINT *peer, unsigned char *out, int *out_length) VELPKI_NOEXCEPT;
+VELPKI_API int PKV_ECDH(const ECC_UNIT *key, const ECC_POINT *peer, unsigned char *out,
+                        int *out_length) VELPKI_NOEXCEPT;
 /* PKV_ED25519_VERIFY verifies a signature of 64 octets under a public key of 32 (RFC 8032). */
 VELPKI_API int PKV_ED25519_VERIFY(const unsigned char *public_key, const unsigned char *data, int length,
                                   const unsigned char *signature) VELPKI_NOEXCEPT;

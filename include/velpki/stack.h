@@ -1,8 +1,8 @@
 /* velpki/stack.h: STACK, the one list of the library.
  *
  * Every plural type (X509_NAME, X509_EXTENSIONS ...) is a STACK of element pointers under another name. A stack never
- * copies or releases elements by itself. A stack must not be shared between threads while any of them changes or, with a
- * comparator, searches it. Conventions: docs/conventions.md. */
+ * copies or releases elements by itself. A stack must not be shared between threads while any of them changes or, with
+ * a comparator, searches it. Conventions: docs/conventions.md. */
 #ifndef VELPKI_STACK_H
 #define VELPKI_STACK_H
 
@@ -11,10 +11,10 @@
 VELPKI_BEGIN
 
 typedef struct {
-  int count;     /* elements */
-  void **data;   /* element slots, the stack's own */
-  int sorted;    /* 1 when the elements are known to be in comparator order */
-  int capacity;  /* slots allocated */
+  int count;                                  /* elements */
+  void **data;                                /* element slots, the stack's own */
+  int sorted;                                 /* 1 when the elements are known to be in comparator order */
+  int capacity;                               /* slots allocated */
   int (*compare)(const void *, const void *); /* gets pointers to slots, as qsort gives them; or null */
 } STACK;
 
@@ -43,7 +43,7 @@ VELPKI_API int find_STACK_value(STACK *stack, void *element) VELPKI_NOEXCEPT;
 VELPKI_API int find_STACK_value_ex(STACK *stack, void *element) VELPKI_NOEXCEPT;
 VELPKI_API void sort_STACK(STACK *stack) VELPKI_NOEXCEPT; /* nothing without a comparator or when the flag is set */
 VELPKI_API int is_STACK_sorted(const STACK *stack) VELPKI_NOEXCEPT; /* 1 for null */
-VELPKI_API void free_STACK(STACK *stack) VELPKI_NOEXCEPT; /* not the elements */
+VELPKI_API void free_STACK(STACK *stack) VELPKI_NOEXCEPT;           /* not the elements */
 /* free_STACK_values clears each slot and calls `release` on its element if not null, then releases the stack. */
 VELPKI_API void free_STACK_values(STACK *stack, void (*release)(void *)) VELPKI_NOEXCEPT;
 

@@ -1,8 +1,8 @@
 /* velpki/time64.h: calendar functions in 64 bits, for years before 1970 and after 2038 on every machine.
  *
- * They take every second whose year fits `tm_year`: years -2147481748 to 2147485547 of the proleptic Gregorian calendar.
- * Beyond that, and for fields that no text can be made of, they return null or -1 with errno EOVERFLOW; for null, EINVAL.
- * Buffers are the caller's. Conventions: docs/conventions.md. */
+ * They take every second whose year fits `tm_year`: years -2147481748 to 2147485547 of the proleptic Gregorian
+ * calendar. Beyond that, and for fields that no text can be made of, they return null or -1 with errno EOVERFLOW; for
+ * null, EINVAL. Buffers are the caller's. Conventions: docs/conventions.md. */
 #ifndef VELPKI_TIME64_H
 #define VELPKI_TIME64_H
 

@@ -1,7 +1,7 @@
 /* velpki/utils.h: diagnostic printers, to standard output.
  *
- * Each writes what it prints in order, without a limit on the length; null or a length below 1 prints nothing. Octets that a
- * terminal would act on never go out as they are. */
+ * Each writes what it prints in order, without a limit on the length; null or a length below 1 prints nothing. Octets
+ * that a terminal would act on never go out as they are. */
 #ifndef VELPKI_UTILS_H
 #define VELPKI_UTILS_H
 

@@ -1,8 +1,8 @@
 /* velpki/x509.h: names, algorithm identifiers, attributes, extension records, public keys and certificates (RFC 5280).
  *
  * Families (new_, free_, clean_, dup_, X_to_Seq, Seq_to_X, and the eight readers and writers of DER and PEM) behave as
- * docs/conventions.md says of SAMPLE. Members are for reading; change them through the functions, which drop what a record
- * keeps beside its members. Conventions: docs/conventions.md. */
+ * docs/conventions.md says of SAMPLE. Members are for reading; change them through the functions, which drop what a
+ * record keeps beside its members. Conventions: docs/conventions.md. */
 #ifndef VELPKI_X509_H
 #define VELPKI_X509_H
 
@@ -12,7 +12,7 @@
 
 VELPKI_BEGIN
 
-/* ---- Records ------------------------------------------------------------------------------------------------------- */
+/* Records. */
 
 /* One attribute of a name, which is one relative distinguished name. `value->type` is the string type as encoded. */
 typedef struct {
@@ -100,7 +100,7 @@ typedef struct {
   X509_CERT *reverse;
 } X509_CERT_PAIR;
 
-/* ---- Names (RFC 5280 4.1.2.4) ---------------------------------------------------------------------------------------- */
+/* Names (RFC 5280 4.1.2.4). */
 
 VELPKI_API X509_NAME *new_X509_NAME(void) VELPKI_NOEXCEPT;
 VELPKI_API void free_X509_NAME(X509_NAME *p) VELPKI_NOEXCEPT;
@@ -129,11 +129,11 @@ VELPKI_API int add_X509_NAME_child_OID_UTF8(X509_NAME *name, const OBJECT_IDENTI
 VELPKI_API int add_X509_NAME_child_OID_index(X509_NAME *name, int oid_index, int type, const unsigned char *bytes,
                                              int length, int position) VELPKI_NOEXCEPT;
 VELPKI_API void remove_X509_NAME_child(X509_NAME *name, int index) VELPKI_NOEXCEPT;
-/* get_X509_NAME_hash digests the DER octets of a name into `out` (PKV_MAX_DIGEST_LENGTH octets) and returns the digest's
- * length; -1 for null, an empty name and any failure. */
+/* get_X509_NAME_hash digests the DER octets of a name into `out` (PKV_MAX_DIGEST_LENGTH octets) and returns the
+ * digest's length; -1 for null, an empty name and any failure. */
 VELPKI_API int get_X509_NAME_hash(const X509_NAME *name, int digest_id, unsigned char *out) VELPKI_NOEXCEPT;
-/* cmp_X509_NAME returns 0 when both names have the same DER octets, 1 when either is null or cannot be encoded, else -1.
- * It is no ordering function.
+/* cmp_X509_NAME returns 0 when both names have the same DER octets, 1 when either is null or cannot be encoded, else
+ * -1. It is no ordering function.
  * @warning Text that differs only in string type, case or spaces compares unequal; cmp_X509_NAME_RFC5280 compares as
  * RFC 5280 7.1 says (case and spaces folded, any string type, each RDN as a set) and returns 0, 1 for null, or -1. */
 VELPKI_API int cmp_X509_NAME(const X509_NAME *a, const X509_NAME *b) VELPKI_NOEXCEPT;
@@ -150,7 +150,7 @@ VELPKI_API int Seq_to_X509_NAME_RFC5280(ASN1_UNIT *in, X509_NAME **out) VELPKI_N
 /* Seq_to_X509_NAME_strict refuses what the plain form drops: F_SEQ_TO_X509_NAME with ERR_MULTIVALUED_RDN. */
 VELPKI_API int Seq_to_X509_NAME_strict(ASN1_UNIT *in, X509_NAME **out) VELPKI_NOEXCEPT;
 
-/* ---- Algorithm identifiers (RFC 5280 4.1.1.2) -------------------------------------------------------------------------- */
+/* Algorithm identifiers (RFC 5280 4.1.1.2). */
 
 VELPKI_API X509_ALGO_IDENTIFIER *new_X509_ALGO_IDENTIFIER(void) VELPKI_NOEXCEPT;
 VELPKI_API void free_X509_ALGO_IDENTIFIER(X509_ALGO_IDENTIFIER *p) VELPKI_NOEXCEPT;
@@ -167,15 +167,15 @@ VELPKI_API int X509_ALGO_IDENTIFIER_to_Seq(const X509_ALGO_IDENTIFIER *in, ASN1_
 VELPKI_API int Seq_to_X509_ALGO_IDENTIFIER(ASN1_UNIT *in, X509_ALGO_IDENTIFIER **out) VELPKI_NOEXCEPT;
 VELPKI_API X509_ALGO_IDENTIFIERS *new_X509_ALGO_IDENTIFIERS(void) VELPKI_NOEXCEPT;
 VELPKI_API void free_X509_ALGO_IDENTIFIERS(X509_ALGO_IDENTIFIERS *p) VELPKI_NOEXCEPT;
-/* @warning dup_X509_ALGO_IDENTIFIERS shares the elements: a change to one shows in both lists. Each list is released with
- * its own free_. dup_X509_ALGO_IDENTIFIERS_strict copies them. */
+/* @warning dup_X509_ALGO_IDENTIFIERS shares the elements: a change to one shows in both lists. Each list is released
+ * with its own free_. dup_X509_ALGO_IDENTIFIERS_strict copies them. */
 VELPKI_API X509_ALGO_IDENTIFIERS *dup_X509_ALGO_IDENTIFIERS(const X509_ALGO_IDENTIFIERS *p) VELPKI_NOEXCEPT;
 VELPKI_API X509_ALGO_IDENTIFIERS *dup_X509_ALGO_IDENTIFIERS_strict(const X509_ALGO_IDENTIFIERS *p) VELPKI_NOEXCEPT;
 /* The list is a SET OF AlgorithmIdentifier, in list order. */
 VELPKI_API int X509_ALGO_IDENTIFIERS_to_Seq(const X509_ALGO_IDENTIFIERS *in, ASN1_UNIT **out) VELPKI_NOEXCEPT;
 VELPKI_API int Seq_to_X509_ALGO_IDENTIFIERS(ASN1_UNIT *in, X509_ALGO_IDENTIFIERS **out) VELPKI_NOEXCEPT;
 
-/* ---- Attributes (X.501) ------------------------------------------------------------------------------------------------- */
+/* Attributes (X.501). */
 
 VELPKI_API X509_ATTRIBUTE *new_X509_ATTRIBUTE(void) VELPKI_NOEXCEPT;
 VELPKI_API void free_X509_ATTRIBUTE(X509_ATTRIBUTE *p) VELPKI_NOEXCEPT;
@@ -194,7 +194,8 @@ VELPKI_API int get_X509_ATTRIBUTE_count(const X509_ATTRIBUTE *attribute) VELPKI_
 VELPKI_API int get_X509_ATTRIBUTE_data_type(const X509_ATTRIBUTE *attribute, int index) VELPKI_NOEXCEPT; /* or -1 */
 VELPKI_API void *get_X509_ATTRIBUTE_data(const X509_ATTRIBUTE *attribute, int index) VELPKI_NOEXCEPT;
 /* create_X509_ATTRIBUTE_OID sets the OID of `*attribute` and adds a value; when the address or what it holds is null it
- * makes a new attribute, stored at a non-null address. Null on failure, when only an attribute made here is released. */
+ * makes a new attribute, stored at a non-null address. Null on failure, when only an attribute made here is released.
+ */
 VELPKI_API X509_ATTRIBUTE *create_X509_ATTRIBUTE_OID(X509_ATTRIBUTE **attribute, const OBJECT_IDENTIFIER *oid, int type,
                                                      const void *value) VELPKI_NOEXCEPT;
 VELPKI_API X509_ATTRIBUTE *create_X509_ATTRIBUTE_index(X509_ATTRIBUTE **attribute, int oid_index, int type,
@@ -213,13 +214,13 @@ VELPKI_API int add_X509_ATTRIBUTES_OID_INDEX(X509_ATTRIBUTES *list, int oid_inde
                                              int position) VELPKI_NOEXCEPT;
 VELPKI_API int X509_ATTRIBUTE_to_Seq(const X509_ATTRIBUTE *in, ASN1_UNIT **out) VELPKI_NOEXCEPT;
 VELPKI_API int Seq_to_X509_ATTRIBUTE(ASN1_UNIT *in, X509_ATTRIBUTE **out) VELPKI_NOEXCEPT;
-/* The list is a SET OF Attribute. @warning X509_ATTRIBUTES_to_Seq keeps the order of the list and of the values, which is
- * DER only when they are sorted; X509_ATTRIBUTES_to_Seq_RFC5280 sorts the encodings (X.690 11.6). */
+/* The list is a SET OF Attribute. @warning X509_ATTRIBUTES_to_Seq keeps the order of the list and of the values, which
+ * is DER only when they are sorted; X509_ATTRIBUTES_to_Seq_RFC5280 sorts the encodings (X.690 11.6). */
 VELPKI_API int X509_ATTRIBUTES_to_Seq(const X509_ATTRIBUTES *in, ASN1_UNIT **out) VELPKI_NOEXCEPT;
 VELPKI_API int X509_ATTRIBUTES_to_Seq_RFC5280(const X509_ATTRIBUTES *in, ASN1_UNIT **out) VELPKI_NOEXCEPT;
 VELPKI_API int Seq_to_X509_ATTRIBUTES(ASN1_UNIT *in, X509_ATTRIBUTES **out) VELPKI_NOEXCEPT;
 
-/* ---- Extension records (RFC 5280 4.2) ------------------------------------------------------------------------------------ */
+/* Extension records (RFC 5280 4.2). */
 
 VELPKI_API X509_EXTENSION *new_X509_EXTENSION(void) VELPKI_NOEXCEPT;
 VELPKI_API void free_X509_EXTENSION(X509_EXTENSION *p) VELPKI_NOEXCEPT;
@@ -259,7 +260,7 @@ VELPKI_API int X509_EXTENSIONS_to_Seq(const X509_EXTENSIONS *in, ASN1_UNIT **out
 VELPKI_API int Seq_to_X509_EXTENSIONS(ASN1_UNIT *in, X509_EXTENSIONS **out) VELPKI_NOEXCEPT;
 VELPKI_API int Seq_to_X509_EXTENSIONS_strict(ASN1_UNIT *in, X509_EXTENSIONS **out) VELPKI_NOEXCEPT;
 
-/* ---- Keys -------------------------------------------------------------------------------------------------------------- */
+/* Keys. */
 
 VELPKI_API ASYMMETRIC_KEY *new_ASYMMETRIC_KEY(void) VELPKI_NOEXCEPT;
 VELPKI_API void free_ASYMMETRIC_KEY(ASYMMETRIC_KEY *p) VELPKI_NOEXCEPT;
@@ -275,9 +276,9 @@ VELPKI_API KCDSA_UNIT *ASYMMETRIC_KEY_to_KCDSA_UNIT(const ASYMMETRIC_KEY *key) V
 VELPKI_API ECC_UNIT *ASYMMETRIC_KEY_to_ECC_UNIT(const ASYMMETRIC_KEY *key) VELPKI_NOEXCEPT;
 
 /* SubjectPublicKeyInfo (RFC 5280 4.1.2.7): rsaEncryption, KCDSA1 and id-ecPublicKey on prime256v1; anything else is
- * F_SEQ_TO_X509_PUBKEY with ERR_ASN1_DECODING, a BIT STRING that holds no RSA or KCDSA key with reason 38. A record passed
- * to a failing decoder is left cleared. Seq_to_X509_PUBKEY_RFC5280 takes every algorithm: `key` is null for those that
- * it does not know, and the pair writes back what was read. */
+ * F_SEQ_TO_X509_PUBKEY with ERR_ASN1_DECODING, a BIT STRING that holds no RSA or KCDSA key with reason 38. A record
+ * passed to a failing decoder is left cleared. Seq_to_X509_PUBKEY_RFC5280 takes every algorithm: `key` is null for
+ * those that it does not know, and the pair writes back what was read. */
 VELPKI_API X509_PUBKEY *new_X509_PUBKEY(void) VELPKI_NOEXCEPT;
 VELPKI_API void free_X509_PUBKEY(X509_PUBKEY *p) VELPKI_NOEXCEPT;
 VELPKI_API X509_PUBKEY *dup_X509_PUBKEY(const X509_PUBKEY *p) VELPKI_NOEXCEPT;
@@ -291,14 +292,14 @@ VELPKI_API int X509_PUBKEY_to_Seq(const X509_PUBKEY *in, ASN1_UNIT **out) VELPKI
 VELPKI_API int Seq_to_X509_PUBKEY_RFC5280(ASN1_UNIT *in, X509_PUBKEY **out) VELPKI_NOEXCEPT;
 VELPKI_API int X509_PUBKEY_to_Seq_RFC5280(const X509_PUBKEY *in, ASN1_UNIT **out) VELPKI_NOEXCEPT;
 
-/* Key octets. A reader fills the provider key at `*out`, which it makes when that is null and leaves cleared on failure; a
- * writer stores a new string or unit. Codes: each function's own with 49, 2B (no elements), 3C, ERR_ASN1_DECODING or
- * ERR_ASN1_ENCODING.
+/* Key octets. A reader fills the provider key at `*out`, which it makes when that is null and leaves cleared on
+ * failure; a writer stores a new string or unit. Codes: each function's own with 49, 2B (no elements), 3C,
+ * ERR_ASN1_DECODING or ERR_ASN1_ENCODING.
  *
- * RSA: SEQUENCE { n, e [, d [, p, q, dP, dQ, qInv]] }. @warning Seq_to_RSA_KEY reads the first eight elements of a longer
- * SEQUENCE, such as a PKCS#1 private key with its version, as if they were these (n becomes 0, and every use of the key
- * fails); and RSA_KEY_to_Seq writes the private numbers of a private key. The _strict readers take exactly 2, 3 or 8
- * elements (the public one 2), the strict writer writes two. */
+ * RSA: SEQUENCE { n, e [, d [, p, q, dP, dQ, qInv]] }. @warning Seq_to_RSA_KEY reads the first eight elements of a
+ * longer SEQUENCE, such as a PKCS#1 private key with its version, as if they were these (n becomes 0, and every use of
+ * the key fails); and RSA_KEY_to_Seq writes the private numbers of a private key. The _strict readers take exactly 2, 3
+ * or 8 elements (the public one 2), the strict writer writes two. */
 VELPKI_API int BITSTRING_to_RSA_KEY(const ASN1_STRING *in, RSA_UNIT **out) VELPKI_NOEXCEPT;
 VELPKI_API int BITSTRING_to_RSA_KEY_strict(const ASN1_STRING *in, RSA_UNIT **out) VELPKI_NOEXCEPT;
 VELPKI_API int RSA_KEY_to_BITSTRING(RSA_UNIT *in, ASN1_STRING **out) VELPKI_NOEXCEPT;
@@ -311,15 +312,15 @@ VELPKI_API int BITSTRING_to_KCDSA_KEY(const ASN1_STRING *in, KCDSA_UNIT **out) V
 VELPKI_API int KCDSA_KEY_to_BITSTRING(KCDSA_UNIT *in, ASN1_STRING **out) VELPKI_NOEXCEPT;
 VELPKI_API int Seq_to_KCDSA_KEY(ASN1_UNIT *in, KCDSA_UNIT **out) VELPKI_NOEXCEPT;
 VELPKI_API int KCDSA_KEY_to_Seq(KCDSA_UNIT *in, ASN1_UNIT **out) VELPKI_NOEXCEPT;
-/* ECC on prime256v1: 04 and both coordinates. @warning The plain writer leaves leading zeros of a coordinate out, so one
- * key in 128 is shorter than 65 octets and is not read back; the _RFC5280 writer pads (SEC 1 2.3.3). The plain reader
- * takes any two halves of equal length, the strict one 65 octets that are a point of the curve. */
+/* ECC on prime256v1: 04 and both coordinates. @warning The plain writer leaves leading zeros of a coordinate out, so
+ * one key in 128 is shorter than 65 octets and is not read back; the _RFC5280 writer pads (SEC 1 2.3.3). The plain
+ * reader takes any two halves of equal length, the strict one 65 octets that are a point of the curve. */
 VELPKI_API int BITSTRING_to_ECC_KEY(const ASN1_STRING *in, ECC_UNIT **out) VELPKI_NOEXCEPT;
 VELPKI_API int BITSTRING_to_ECC_KEY_strict(const ASN1_STRING *in, ECC_UNIT **out) VELPKI_NOEXCEPT;
 VELPKI_API int ECC_KEY_to_BITSTRING(ECC_UNIT *in, ASN1_STRING **out) VELPKI_NOEXCEPT;
 VELPKI_API int ECC_KEY_to_BITSTRING_RFC5280(ECC_UNIT *in, ASN1_STRING **out) VELPKI_NOEXCEPT;
-/* set_ECURVE_from_list loads the curve of a registry row (415, prime256v1) into `*curve`, which is made when null; 1 for
- * any other row. get_ECURVE_OID_from_name replaces `*oid` by the OID of a curve in the list; 0, or 1. */
+/* set_ECURVE_from_list loads the curve of a registry row (415, prime256v1) into `*curve`, which is made when null; 1
+ * for any other row. get_ECURVE_OID_from_name replaces `*oid` by the OID of a curve in the list; 0, or 1. */
 VELPKI_API int set_ECURVE_from_list(ECURVE **curve, int index) VELPKI_NOEXCEPT;
 VELPKI_API int get_ECURVE_OID_from_name(OBJECT_IDENTIFIER **oid, const char *name) VELPKI_NOEXCEPT;
 
@@ -334,7 +335,7 @@ VELPKI_API int check_X509_keypair(const X509_CERT *cert, ASYMMETRIC_KEY *key) VE
 VELPKI_API int check_X509_RSA_keypair(const X509_CERT *cert, RSA_UNIT *key) VELPKI_NOEXCEPT;
 VELPKI_API int check_X509_KCDSA_keypair(const X509_CERT *cert, KCDSA_UNIT *key) VELPKI_NOEXCEPT;
 
-/* ---- Certificates (RFC 5280 4.1) ------------------------------------------------------------------------------------------ */
+/* Certificates (RFC 5280 4.1). */
 
 VELPKI_API X509_TIME *new_X509_TIME(void) VELPKI_NOEXCEPT;
 VELPKI_API void free_X509_TIME(X509_TIME *p) VELPKI_NOEXCEPT;
@@ -379,8 +380,8 @@ VELPKI_API int set_X509_extensions(X509_CERT *cert, const X509_EXTENSIONS *exten
 VELPKI_API X509_EXTENSIONS *get_X509_extensions(const X509_CERT *cert) VELPKI_NOEXCEPT;
 VELPKI_API OBJECT_IDENTIFIER *get_X509_sig_alg(const X509_CERT *cert) VELPKI_NOEXCEPT;
 VELPKI_API ASN1_STRING *get_X509_sig_value(const X509_CERT *cert) VELPKI_NOEXCEPT;
-/* get_X509_received lends the octets that a certificate was decoded from, its `tbs` part when `tbs` is not 0; null, with
- * 0 in `*length`, for one that was built or changed. */
+/* get_X509_received lends the octets that a certificate was decoded from, its `tbs` part when `tbs` is not 0; null,
+ * with 0 in `*length`, for one that was built or changed. */
 VELPKI_API const unsigned char *get_X509_received(const X509_CERT *cert, int tbs, int *length) VELPKI_NOEXCEPT;
 
 VELPKI_API X509_TBS_CERT *new_X509_TBS_CERT(void) VELPKI_NOEXCEPT;
@@ -401,17 +402,17 @@ VELPKI_API int Seq_to_X509_TBS_CERT(ASN1_UNIT *in, X509_TBS_CERT **out) VELPKI_N
 VELPKI_API int X509_CERT_to_Seq(const X509_CERT *in, ASN1_UNIT **out) VELPKI_NOEXCEPT;
 VELPKI_API int Seq_to_X509_CERT(ASN1_UNIT *in, X509_CERT **out) VELPKI_NOEXCEPT;
 
-/* The _RFC5280 pair reads and writes the standard form: unique identifiers, every key, every string type, multi-valued RDNs,
- * serial numbers with their sign, and nothing left over. What was received is written back octet for octet; a certificate
- * that was built or changed gets NULL parameters for RSA and KCDSA algorithms and none for the others. */
+/* The _RFC5280 pair reads and writes the standard form: unique identifiers, every key, every string type, multi-valued
+ * RDNs, serial numbers with their sign, and nothing left over. What was received is written back octet for octet; a
+ * certificate that was built or changed gets NULL parameters for RSA and KCDSA algorithms and none for the others. */
 VELPKI_API int X509_CERT_to_Seq_RFC5280(const X509_CERT *in, ASN1_UNIT **out) VELPKI_NOEXCEPT;
 VELPKI_API int Seq_to_X509_CERT_RFC5280(ASN1_UNIT *in, X509_CERT **out) VELPKI_NOEXCEPT;
 VELPKI_API int readDER_X509_CERT_from_Binary_RFC5280(X509_CERT **out, const unsigned char *data,
                                                      int length) VELPKI_NOEXCEPT;
 
 /* gen_SIG_X509_Cert signs with the algorithm that the TBS names and a private RSA or KCDSA key, and sets `sig_alg` and
- * `sig_value`; 1 for null and any other key. Codes: F_GEN_RSASIGN_TBS_CERT or F_GEN_KCDSASIGN_TBS_CERT with reason 2B for
- * an algorithm that the registry does not give a digest and scheme, 49, ERR_ASN1_ENCODING, or the provider's code.
+ * `sig_value`; 1 for null and any other key. Codes: F_GEN_RSASIGN_TBS_CERT or F_GEN_KCDSASIGN_TBS_CERT with reason 2B
+ * for an algorithm that the registry does not give a digest and scheme, 49, ERR_ASN1_ENCODING, or the provider's code.
  * @warning RSASSA-PSS and kcdsa1 have no digest of their own and end in reason 2B. The digest of KCDSA follows from the
  * key, whatever the algorithm says. */
 VELPKI_API int gen_SIG_X509_Cert(X509_CERT *cert, ASYMMETRIC_KEY *key) VELPKI_NOEXCEPT;
@@ -420,29 +421,30 @@ VELPKI_API int gen_RSA_SIG_X509_TBS_CERT(X509_TBS_CERT *tbs, ASN1_STRING *out, c
 VELPKI_API int gen_KCDSA_SIG_X509_TBS_CERT(X509_TBS_CERT *tbs, ASN1_STRING *out, const OBJECT_IDENTIFIER *oid,
                                            KCDSA_UNIT *key) VELPKI_NOEXCEPT;
 /* verify_SIG_X509_CERT verifies with the issuer's key: 0 valid; 1 for null and ECC keys; F_VERIFY_RSASIGN_TBS_CERT or
- * F_VERIFY_KCDSASIGN_TBS_CERT with 2B, 49 or ERR_ASN1_DECODING; or the provider's code (PKV_ERR_MISMATCH for a signature
- * that is not valid).
+ * F_VERIFY_KCDSASIGN_TBS_CERT with 2B, 49 or ERR_ASN1_DECODING; or the provider's code (PKV_ERR_MISMATCH for a
+ * signature that is not valid).
  * @warning The TBS is encoded anew and the signature verified over those octets: certificates whose TBS is not this
- * library's own DER do not verify, and what decoding drops (a second attribute of an RDN, elements after the extensions,
- * parameters of algorithms) is not covered. verify_SIG_X509_CERT_RFC5280 verifies over the received octets. */
+ * library's own DER do not verify, and what decoding drops (a second attribute of an RDN, elements after the
+ * extensions, parameters of algorithms) is not covered. verify_SIG_X509_CERT_RFC5280 verifies over the received octets.
+ */
 VELPKI_API int verify_SIG_X509_CERT(X509_CERT *cert, ASYMMETRIC_KEY *key) VELPKI_NOEXCEPT;
 VELPKI_API int verify_RSA_SIG_X509_CERT(X509_CERT *cert, RSA_UNIT *rsa_key) VELPKI_NOEXCEPT;
 VELPKI_API int verify_KCDSA_SIG_X509_CERT(X509_CERT *cert, KCDSA_UNIT *kcdsa_key) VELPKI_NOEXCEPT;
 /* verify_SIG_X509_CERT_RFC5280 verifies the received octets of a decoded certificate with the issuer's public key: RSA
- * (PKCS#1 v1.5), ECDSA, Ed25519 and KCDSA, the digest as the algorithm says. Codes: F_VERIFY_RSASIGN_TBS_CERT with 49 (null,
- * or no received octets), ERR_ALGORITHM_MISMATCH (inside and outside differ, or the key is of another kind),
+ * (PKCS#1 v1.5), ECDSA, Ed25519 and KCDSA, the digest as the algorithm says. Codes: F_VERIFY_RSASIGN_TBS_CERT with 49
+ * (null, or no received octets), ERR_ALGORITHM_MISMATCH (inside and outside differ, or the key is of another kind),
  * ERR_UNUSED_BITS, 48 (an algorithm or key that is not among these), ERR_ASN1_DECODING, or the provider's code. */
 VELPKI_API int verify_SIG_X509_CERT_RFC5280(const X509_CERT *cert, const X509_PUBKEY *issuer_key) VELPKI_NOEXCEPT;
-/* verify_X509_validity compares the certificate's dates with a time, null meaning now. Codes: F_VERIFY_X509_VALIDITY with
- * ERR_INVALID_X509_TIME_TYPE, ERR_CERT_NOT_BEFORE and ERR_CERT_NOT_AFTER (unreadable), ERR_INVALID_CERT_NOT_BEFORE and
- * ERR_INVALID_CERT_NOT_AFTER (outside), 49, 3C (no clock).
+/* verify_X509_validity compares the certificate's dates with a time, null meaning now. Codes: F_VERIFY_X509_VALIDITY
+ * with ERR_INVALID_X509_TIME_TYPE, ERR_CERT_NOT_BEFORE and ERR_CERT_NOT_AFTER (unreadable), ERR_INVALID_CERT_NOT_BEFORE
+ * and ERR_INVALID_CERT_NOT_AFTER (outside), 49, 3C (no clock).
  * @warning Both boundaries are outside, and a missing date is not checked; verify_X509_validity_RFC5280 has the
  * boundaries inside (RFC 5280 4.1.2.5) and requires both dates in their standard form. */
 VELPKI_API int verify_X509_validity(const X509_CERT *cert, const X509_TIME *time) VELPKI_NOEXCEPT;
 VELPKI_API int verify_X509_validity_RFC5280(const X509_CERT *cert, const X509_TIME *time) VELPKI_NOEXCEPT;
 /* X509_CERT_digest digests the certificate's own DER into `out` (PKV_MAX_DIGEST_LENGTH octets); 0 on success.
- * @warning That is the encoding made anew. The fingerprint that other programs show is X509_CERT_digest_RFC5280, over the
- * received octets. */
+ * @warning That is the encoding made anew. The fingerprint that other programs show is X509_CERT_digest_RFC5280, over
+ * the received octets. */
 VELPKI_API int X509_CERT_digest(const X509_CERT *cert, int digest_id, unsigned char *out,
                                 int *out_length) VELPKI_NOEXCEPT;
 VELPKI_API int X509_CERT_digest_RFC5280(const X509_CERT *cert, int digest_id, unsigned char *out,
@@ -450,7 +452,8 @@ VELPKI_API int X509_CERT_digest_RFC5280(const X509_CERT *cert, int digest_id, un
 
 VELPKI_API X509_CERTIFICATES *new_X509_CERTIFICATES(void) VELPKI_NOEXCEPT;
 VELPKI_API void free_X509_CERTIFICATES(X509_CERTIFICATES *p) VELPKI_NOEXCEPT;
-VELPKI_API int add_X509_CERTIFICATES(X509_CERTIFICATES *list, const X509_CERT *cert) VELPKI_NOEXCEPT; /* a copy; 0 or 1 */
+VELPKI_API int add_X509_CERTIFICATES(X509_CERTIFICATES *list,
+                                     const X509_CERT *cert) VELPKI_NOEXCEPT; /* a copy; 0 or 1 */
 /* The first index whose serial number and whole encoding equal the certificate's, or -1. */
 VELPKI_API int get_X509_CERTS_index_by_X509_CERT(const X509_CERTIFICATES *certs, const X509_CERT *cert) VELPKI_NOEXCEPT;
 /* SEQUENCE OF Certificate. */
@@ -464,9 +467,10 @@ VELPKI_API void clean_X509_CERT_PAIR(X509_CERT_PAIR *p) VELPKI_NOEXCEPT;
 VELPKI_API int X509_CERT_PAIR_to_Seq(const X509_CERT_PAIR *in, ASN1_UNIT **out) VELPKI_NOEXCEPT;
 VELPKI_API int Seq_to_X509_CERT_PAIR(ASN1_UNIT *in, X509_CERT_PAIR **out) VELPKI_NOEXCEPT;
 
-/* KCDSASignatureValue ::= SEQUENCE { r BIT STRING, s INTEGER }. Encoding makes a BIT STRING of its DER. Decoding takes any
- * string that holds it, writes s with (bit length + 8) / 8 octets and the two lengths as outputs; it needs 64 octets at
- * each buffer and refuses more. 0, or 1 with nothing written. The _n form takes the capacities in the lengths. */
+/* KCDSASignatureValue ::= SEQUENCE { r BIT STRING, s INTEGER }. Encoding makes a BIT STRING of its DER. Decoding takes
+ * any string that holds it, writes s with (bit length + 8) / 8 octets and the two lengths as outputs; it needs 64
+ * octets at each buffer and refuses more. 0, or 1 with nothing written. The _n form takes the capacities in the
+ * lengths. */
 VELPKI_API int encode_KCDSASignatureValue(const unsigned char *r, int r_length, const unsigned char *s, int s_length,
                                           ASN1_STRING **encoded) VELPKI_NOEXCEPT;
 VELPKI_API int decode_KCDSASignatureValue(unsigned char *r, int *r_length, unsigned char *s, int *s_length,
@@ -478,20 +482,20 @@ VELPKI_API int encode_KCDSASignatrueValue(const unsigned char *r, int r_length, 
                                           ASN1_STRING **encoded) VELPKI_NOEXCEPT;
 VELPKI_API int decode_KCDSASignatrueValue(unsigned char *r, int *r_length, unsigned char *s, int *s_length,
                                           const ASN1_STRING *encoded) VELPKI_NOEXCEPT;
-/* ECDSA-Sig-Value ::= SEQUENCE { r INTEGER, s INTEGER } (RFC 3279 2.2.3), r and s as big-endian octets; the lengths of the
- * decoder hold the capacities on entry. Codes: F_ENCODE_ECDSA_SIGNATURE_VALUE and F_DECODE_ECDSA_SIGNATURE_VALUE with
- * 49, 2B, 3C, ERR_ASN1_ENCODING or ERR_ASN1_DECODING. */
+/* ECDSA-Sig-Value ::= SEQUENCE { r INTEGER, s INTEGER } (RFC 3279 2.2.3), r and s as big-endian octets; the lengths of
+ * the decoder hold the capacities on entry. Codes: F_ENCODE_ECDSA_SIGNATURE_VALUE and F_DECODE_ECDSA_SIGNATURE_VALUE
+ * with 49, 2B, 3C, ERR_ASN1_ENCODING or ERR_ASN1_DECODING. */
 VELPKI_API int encode_ECDSA_SIGNATURE_VALUE(const unsigned char *r, int r_length, const unsigned char *s, int s_length,
                                             ASN1_STRING **encoded) VELPKI_NOEXCEPT;
 VELPKI_API int decode_ECDSA_SIGNATURE_VALUE(unsigned char *r, int *r_length, unsigned char *s, int *s_length,
                                             const ASN1_STRING *encoded) VELPKI_NOEXCEPT;
 
-/* print_X509 writes a certificate to standard output; print_X509_CERTIFICATES each one of a list, numbered. Octets that a
- * terminal would act on are made visible. */
+/* print_X509 writes a certificate to standard output; print_X509_CERTIFICATES each one of a list, numbered. Octets that
+ * a terminal would act on are made visible. */
 VELPKI_API void print_X509(const X509_CERT *cert) VELPKI_NOEXCEPT;
 VELPKI_API void print_X509_CERTIFICATES(const X509_CERTIFICATES *certs) VELPKI_NOEXCEPT;
 
-/* ---- Readers and writers ------------------------------------------------------------------------------------------------- */
+/* Readers and writers. */
 
 /* Labels: "PUBLIC KEY" and "CERTIFICATE". See asn1_io.h for results. */
 VELPKI_API int writeDER_X509_PUBKEY_to_Binary(X509_PUBKEY *in, unsigned char **out) VELPKI_NOEXCEPT;
