@@ -120,8 +120,7 @@ int addToDERSetOf(ASN1_UNIT *seq, int type, void *value, int length) noexcept {
   return finish(appended, F_ADD_TO_DER_SET_OF, seq);
 }
 
-// ---- Strict siblings
-// -------------------------------------------------------------------------------------------------
+// Strict siblings.
 
 namespace velpki {
 
@@ -224,8 +223,7 @@ int addToDERSetOf_strict(ASN1_UNIT *seq, int type, void *value, int length) noex
   return finish(appended, F_ADD_TO_DER_SET_OF, seq);
 }
 
-// ---- Decoders
-// --------------------------------------------------------------------------------------------------------
+// Decoders.
 
 #define DER_DECODER(name, T) \
   T *decodeToDER##name(const unsigned char *encoded) noexcept { return decodeToBER##name(encoded); }

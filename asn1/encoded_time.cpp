@@ -14,8 +14,7 @@ namespace velpki {
 
 namespace {
 
-// ---- Reading
-// ---------------------------------------------------------------------------------------------------------
+// Reading.
 
 bool is_digit(uint8_t c) noexcept { return c >= '0' && c <= '9'; }
 
@@ -136,8 +135,7 @@ bool instant_of_text(int type, const ASN1_STRING *time, int64_t &seconds) noexce
 
 namespace {
 
-// ---- Writing
-// ---------------------------------------------------------------------------------------------------------
+// Writing.
 
 constexpr size_t kLongestTime = sizeof "YYYYMMDDHHMMSS+hhmm" - 1;
 
@@ -219,8 +217,7 @@ ASN1_STRING *write_time(int type, ASN1_TIME *time, int form, WriteOffset write_o
   return string;
 }
 
-// ---- Arithmetic and order
-// --------------------------------------------------------------------------------------------
+// Arithmetic and order.
 
 // Only the digits of date and time change; fraction and offset stay as they are written.
 int add_seconds(int type, int function, ASN1_STRING *time, long long seconds) noexcept {

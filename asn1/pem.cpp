@@ -18,8 +18,7 @@ std::string_view given(const char *text, int length) noexcept {
   return text && length > 0 ? std::string_view(text, size_t(length)) : std::string_view();
 }
 
-// ---- Writing
-// ---------------------------------------------------------------------------------------------------------
+// Writing.
 
 // Text of a size known beforehand, written from front to back.
 class Frame {
@@ -62,8 +61,7 @@ void put_end(Frame &frame, std::string_view label) noexcept {
 
 bool can_frame(const char *label, int label_length, char **out) noexcept { return label && label_length >= 0 && out; }
 
-// ---- Reading
-// ---------------------------------------------------------------------------------------------------------
+// Reading.
 
 constexpr size_t kShortestText = 20;
 

@@ -44,8 +44,7 @@ constexpr std::string_view cell(int row) {
   return {kRows[row][column], kLengths[size_t(row)][column]};
 }
 
-// ---- Content octets
-// --------------------------------------------------------------------------------------------------
+// Content octets.
 
 struct Content {
   char octets[15] = {};
@@ -98,8 +97,7 @@ constexpr std::string_view content_of(int row) {
   return {content.octets, content.size};
 }
 
-// ---- Indexes
-// ---------------------------------------------------------------------------------------------------------
+// Indexes.
 
 constexpr uint64_t load(const char *from, size_t size) {
   uint64_t value = 0;

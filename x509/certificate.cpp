@@ -166,8 +166,7 @@ const unsigned char *get_X509_received(const X509_CERT *cert, int tbs, int *leng
   return octets.data();
 }
 
-// ---- Auxiliary data
-// --------------------------------------------------------------------------------------------------
+// Auxiliary data.
 
 namespace velpki {
 

@@ -183,8 +183,7 @@ namespace velpki {
 
 namespace {
 
-// ---- ECC points (SEC 1 2.3.3, 2.3.4)
-// -----------------------------------------------------------------------------------
+// ECC points (SEC 1 2.3.3, 2.3.4).
 
 constexpr size_t kP256Length = 32;
 

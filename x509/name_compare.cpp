@@ -80,8 +80,7 @@ namespace velpki {
 
 namespace {
 
-// ---- RFC 5280 7.1
-// ----------------------------------------------------------------------------------------------------
+// RFC 5280 7.1.
 
 constexpr int kUniversalString = 28, kNumericString = 18;
 

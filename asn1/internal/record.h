@@ -51,8 +51,7 @@ constexpr ListOf<R, E> made_list_of(STACK *R::*member) noexcept {
 template <class R>
 inline constexpr auto owned_fields = std::tuple<>();
 
-// ---- Lists
-// -----------------------------------------------------------------------------------------------------------
+// Lists.
 
 template <class E>
 void destroy_list(STACK *list) noexcept {
@@ -116,8 +115,7 @@ bool insert_copy(STACK *list, const E *source, int position) noexcept {
   return true;
 }
 
-// ---- One field
-// ---------------------------------------------------------------------------------------------------------
+// One field.
 
 template <class R, class T>
 void drop(R &record, Own<R, T> field) noexcept {
@@ -156,8 +154,7 @@ bool prepare(R &record, ListOf<R, E> field) noexcept {
   return !field.made || record.*field.member;
 }
 
-// ---- A record's life
-// ---------------------------------------------------------------------------------------------------
+// A record's life.
 
 template <class R>
 void clean(R *record) noexcept {
@@ -233,8 +230,7 @@ bool replace(R &record, T *R::*member, const T *value) noexcept {
   VELPKI_LIST(L, E)                \
   L *dup_##L(const L *list) noexcept { return velpki::copy_list<E>(list); }
 
-// ---- The C borders of codecs
-// -------------------------------------------------------------------------------------------
+// The C borders of codecs.
 
 // Seq_to_X. A record that the caller passes is replaced on success and untouched on failure.
 template <class R>
