@@ -86,7 +86,7 @@ TEST(Writers, LengthsAndCodesShareOneInt) {
   unsigned char *der = nullptr, digest[64];
   char *pem = nullptr;
   EXPECT_EQ(writeDER_to_Binary(u.get(), to_unit, &der), 5);
-  EXPECT_EQ(writePEM_to_Binary(u.get(), to_unit, "X", 1, &pem), 42);
+  EXPECT_EQ(writePEM_to_Binary(u.get(), to_unit, "X", 1, &pem), 43);
   EXPECT_STREQ(pem, "-----BEGIN X-----\nMAMCAQU=\n-----END X-----\n");
   EXPECT_EQ(get_ASN1_hash(u.get(), to_unit, PKV_DIGEST_SHA1, digest), 20);
   EXPECT_EQ(get_ASN1_hash(nullptr, to_unit, PKV_DIGEST_SHA1, digest), 0);
