@@ -81,6 +81,16 @@ bool holds_any_content(int number) noexcept {
 
 }  // namespace
 
+bool is_dotted_decimal(std::string_view text) noexcept {
+  if (text.empty() || text.front() == '.' || text.back() == '.') return false;
+  char before = 0;
+  for (const char c : text) {
+    if (!(c == '.' ? before != '.' : c >= '0' && c <= '9')) return false;
+    before = c;
+  }
+  return true;
+}
+
 Read read_string(const Tlv &tlv, int type, ASN1_STRING *&out) noexcept {
   switch (type) {
     case TYPE_BIT_STRING:
@@ -200,16 +210,6 @@ int digit_value(char c) noexcept {
   if (c >= '0' && c <= '9') return c - '0';
   const char lower = char(c | 0x20);
   return lower >= 'a' && lower <= 'f' ? lower - 'a' + 10 : -1;
-}
-
-bool is_dotted_decimal(std::string_view text) noexcept {
-  if (text.empty() || text.front() == '.' || text.back() == '.') return false;
-  char before = 0;
-  for (const char c : text) {
-    if (!(c == '.' ? before != '.' : c >= '0' && c <= '9')) return false;
-    before = c;
-  }
-  return true;
 }
 
 ASN1_STRING *copy_time(ASN1_STRING *to, const ASN1_STRING *from) noexcept {

@@ -28,19 +28,10 @@ int encode(const X509_ALGO_IDENTIFIER &identifier, DerWriter &out) noexcept {
 namespace {
 
 int decode_algorithms(const Tlv &tlv, STACK &list) noexcept {
-  Cursor in(tlv);
-  int code = 0;
-  read_elements<X509_ALGO_IDENTIFIER>(in, list, decode, code);
-  return code ? code : in.result(F_SEQ_TO_X509_ALGO_IDENTIFIERS);
+  return decode_list<X509_ALGO_IDENTIFIER>(tlv, list, F_SEQ_TO_X509_ALGO_IDENTIFIERS, decode);
 }
-
 int encode_algorithms(const STACK &list, DerWriter &out) noexcept {
-  const auto set = out.set();
-  for (const X509_ALGO_IDENTIFIER *each : elements<X509_ALGO_IDENTIFIER>(&list)) {
-    if (!each) return fail(F_X509_ALGO_IDENTIFIERS_TO_SEQ, ERR_ASN1_ENCODING);
-    if (const int code = encode(*each, out)) return code;
-  }
-  return 0;
+  return encode_list<X509_ALGO_IDENTIFIER>(list, out, tag::kSet, F_X509_ALGO_IDENTIFIERS_TO_SEQ, encode);
 }
 
 int set_value(X509_ALGO_IDENTIFIER *identifier, const OBJECT_IDENTIFIER *oid, owned<ASN1_STRING> parameters) noexcept {

@@ -102,21 +102,12 @@ int encode(const X509_ATTRIBUTE &attribute, DerWriter &out) noexcept {
 }
 
 int decode_attributes(const Tlv &tlv, STACK &attributes) noexcept {
-  Cursor in(tlv);
-  int code = 0;
-  read_elements<X509_ATTRIBUTE>(in, attributes, decode, code);
-  return code ? code : in.result(F_SEQ_TO_X509_ATTRIBUTES);
+  return decode_list<X509_ATTRIBUTE>(tlv, attributes, F_SEQ_TO_X509_ATTRIBUTES, decode);
 }
 
 int encode_attributes(const STACK &attributes, DerWriter &out, uint8_t identifier) noexcept {
-  const auto set = out.constructed(identifier);
-  const size_t start = out.size();
-  for (const X509_ATTRIBUTE *attribute : elements<X509_ATTRIBUTE>(&attributes)) {
-    if (!attribute) return fail(F_X509_ATTRIBUTES_TO_SEQ, ERR_ASN1_ENCODING);
-    if (const int code = encode(*attribute, out)) return code;
-  }
-  if (out.rules().standard) out.sort_values(start);
-  return 0;
+  return encode_list<X509_ATTRIBUTE>(attributes, out, identifier, F_X509_ATTRIBUTES_TO_SEQ, encode,
+                                     out.rules().standard);
 }
 
 }  // namespace velpki

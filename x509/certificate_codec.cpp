@@ -130,17 +130,6 @@ int check_fields(const X509_TBS_CERT &tbs) noexcept {
   return tbs.subjectPublicKeyInfo ? 0 : missing(ERR_TBS_CERT_SPKI);
 }
 
-// Whether a text would pass new_OBJECT_IDENTIFIER.
-bool is_oid_text(const OBJECT_IDENTIFIER &oid) noexcept {
-  const std::string_view dotted = text(oid);
-  if (dotted.empty() || dotted.front() == '.' || dotted.back() == '.') return false;
-  for (size_t i = 0; i < dotted.size(); ++i) {
-    const bool digit = dotted[i] >= '0' && dotted[i] <= '9';
-    if (!digit && !(dotted[i] == '.' && dotted[i - 1] != '.')) return false;
-  }
-  return true;
-}
-
 void write_version(unsigned char version, DerWriter &out) noexcept {
   if (version == 0) return;
   const auto wrapper = out.explicit_context(kVersion);
@@ -177,7 +166,7 @@ void write_algorithm_with_null(const OBJECT_IDENTIFIER &oid, DerWriter &out) noe
 // Whatever goes wrong inside a field is this encoder's own failure, but for exhausted memory.
 int encode(const X509_TBS_CERT &tbs, DerWriter &out) noexcept {
   if (const int code = check_fields(tbs)) return code;
-  if (!is_oid_text(*tbs.signature)) return fail(F_X509_TBS_CERT_TO_SEQ, kNoMemory);
+  if (!is_dotted_decimal(text(*tbs.signature))) return fail(F_X509_TBS_CERT_TO_SEQ, kNoMemory);
   const auto sequence = out.sequence();
   write_version(tbs.version, out);
   out.integer(tbs.serialNumber);
@@ -197,7 +186,7 @@ int encode(const X509_CERT &cert, DerWriter &out) noexcept {
   const auto sequence = out.sequence();
   if (const int code = encode(*cert.tbs, out)) return code;
   if (!cert.sig_alg || !cert.sig_value) return fail(F_X509_CERT_TO_SEQ, ERR_ASN1_ENCODING);
-  if (!is_oid_text(*cert.sig_alg)) return fail(F_X509_CERT_TO_SEQ, kNoMemory);
+  if (!is_dotted_decimal(text(*cert.sig_alg))) return fail(F_X509_CERT_TO_SEQ, kNoMemory);
   write_algorithm_with_null(*cert.sig_alg, out);
   out.bits(cert.sig_value);
   return 0;
@@ -208,19 +197,10 @@ namespace {
 constexpr Codec<X509_CERT> kCodec{F_SEQ_TO_X509_CERT, F_X509_CERT_TO_SEQ, decode, encode, "CERTIFICATE"};
 
 int decode_certificates(const Tlv &tlv, STACK &list) noexcept {
-  Cursor in(tlv);
-  int code = 0;
-  read_elements<X509_CERT>(in, list, decode, code);
-  return code ? code : in.result(F_SEQ_TO_X509_CERTIFICATES);
+  return decode_list<X509_CERT>(tlv, list, F_SEQ_TO_X509_CERTIFICATES, decode);
 }
-
 int encode_certificates(const STACK &list, DerWriter &out) noexcept {
-  const auto sequence = out.sequence();
-  for (const X509_CERT *cert : elements<X509_CERT>(&list)) {
-    if (!cert) return fail(F_X509_CERTIFICATES_TO_SEQ, ERR_ASN1_ENCODING);
-    if (const int code = encode(*cert, out)) return code;
-  }
-  return 0;
+  return encode_list<X509_CERT>(list, out, tag::kSequence, F_X509_CERTIFICATES_TO_SEQ, encode);
 }
 
 bool read_pair_member(Cursor &in, int n, X509_CERT *&out) noexcept {

@@ -42,19 +42,11 @@ int encode(const X509_EXTENSION &extension, DerWriter &out) noexcept {
 
 // Extensions ::= SEQUENCE OF Extension
 int decode_extensions(const Tlv &tlv, STACK &extensions) noexcept {
-  Cursor in(tlv);
-  int code = 0;
-  read_elements<X509_EXTENSION>(in, extensions, decode, code);
-  return code ? code : in.result(F_SEQ_TO_X509_EXT);
+  return decode_list<X509_EXTENSION>(tlv, extensions, F_SEQ_TO_X509_EXT, decode);
 }
 
 int encode_extensions(const STACK &extensions, DerWriter &out) noexcept {
-  const auto sequence = out.sequence();
-  for (const X509_EXTENSION *extension : elements<X509_EXTENSION>(&extensions)) {
-    if (!extension) return fail(F_X509_EXT_TO_SEQ, ERR_ASN1_ENCODING);
-    if (const int code = encode(*extension, out)) return code;
-  }
-  return 0;
+  return encode_list<X509_EXTENSION>(extensions, out, tag::kSequence, F_X509_EXT_TO_SEQ, encode);
 }
 
 namespace {

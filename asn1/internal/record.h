@@ -317,4 +317,27 @@ bool read_elements(Cursor &in, STACK &list, int (*decode)(const Tlv &, E &) noex
   return true;
 }
 
+// The codecs of a list: SEQUENCE OF or SET OF E. `function` is the code of a missing or malformed element; an element's
+// own code goes up.
+template <class E>
+int decode_list(const Tlv &tlv, STACK &list, int function, int (*decode)(const Tlv &, E &) noexcept) noexcept {
+  Cursor in(tlv);
+  int code = 0;
+  read_elements(in, list, decode, code);
+  return code ? code : in.result(function);
+}
+// With `sorted` in the order of DER.
+template <class E>
+int encode_list(const STACK &list, DerWriter &out, uint8_t identifier, int function,
+                int (*encode)(const E &, DerWriter &) noexcept, bool sorted = false) noexcept {
+  const auto scope = out.constructed(identifier);
+  const size_t start = out.size();
+  for (const E *each : elements<E>(&list)) {
+    if (!each) return fail(function, ERR_ASN1_ENCODING);
+    if (const int code = encode(*each, out)) return code;
+  }
+  if (sorted) out.sort_values(start);
+  return 0;
+}
+
 }  // namespace velpki

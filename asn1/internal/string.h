@@ -43,6 +43,9 @@ inline Octets octets_of_text(std::string_view text) noexcept {
 // nothing.
 bool same_octets(const ASN1_STRING *a, const ASN1_STRING *b) noexcept;
 
+// Dotted decimal text as new_OBJECT_IDENTIFIER takes it.
+bool is_dotted_decimal(std::string_view text) noexcept;
+
 // Which of the two outcomes without a value it was.
 enum class Read { ok, malformed, no_memory };
 

@@ -79,11 +79,11 @@ void write_time(const X509_TIME &time, DerWriter &out) noexcept;
 owned<ASN1_TIME> time_of(const X509_TIME &time) noexcept;
 
 // A SEQUENCE OF read into a list that belongs to a record, and the same for a record inside a record.
-inline bool read_list(Cursor &in, STACK *&out, int (*decode_list)(const Tlv &, STACK &) noexcept) noexcept {
+inline bool read_list(Cursor &in, STACK *&out, int (*decode)(const Tlv &, STACK &) noexcept) noexcept {
   Tlv child;
   if (!in.next(TYPE_SEQUENCE, child)) return false;
   out = new_STACK();
-  return in.made(out) && in.absorb(decode_list(child, *out));
+  return in.made(out) && in.absorb(decode(child, *out));
 }
 template <class R>
 bool read_record(Cursor &in, R *&out) noexcept {
