@@ -75,9 +75,10 @@ void family(const uint8_t *data, int size, int (*from)(ASN1_UNIT *, R **), int (
   [](const uint8_t *d, int n) { family<T>(d, n, Seq_to_##T, T##_to_Seq, copy, free_##T, Readable::from_der); }
 #define KEY_FAMILY(T, copy) \
   [](const uint8_t *d, int n) { family<T>(d, n, Seq_to_##T, T##_to_Seq, copy, free_##T, Readable::perhaps); }
-[](const uint8_t *d, int n) {
-  family<T>(d, n, Seq_to_##T##_RFC5280, T##_to_Seq_RFC5280, copy, free_##T, Readable::always);
-}
+#define STANDARD_FAMILY(T, copy)                                                                 \
+  [](const uint8_t *d, int n) {                                                                  \
+    family<T>(d, n, Seq_to_##T##_RFC5280, T##_to_Seq_RFC5280, copy, free_##T, Readable::always); \
+  }
 
 template <class K>
 void key_octets(const uint8_t *data, int size, int (*read)(const ASN1_STRING *, K **),

@@ -41,18 +41,12 @@ TEST(Decoders, ObjectIdentifiers) {
       {"060151", "2.1.", "2.1"},
       {"06012a", "1.2.", "1.2"},
       {"060488370305", "2.999.3.5", "2.999.3.5"},
-      {"06075504908080"
-       "8003",
-       "-", "2.5.4.4294967299"},
-      {"06045504"
-       "8003",
-       "2.5.4.3", "-"},
+      {"060755049080808003", "-", "2.5.4.4294967299"},
+      {"060455048003", "2.5.4.3", "-"},
       {"06025584", "-", "-"},
       {"0600", "-", "-"},
       {"060487ffffff7f", "-", "-"},  // does not fit
-      {"06056987ffffff"
-       "7f",
-       "-", "-"},
+      {"06056987ffffff7f", "-", "-"},
       {"06066987ffffff7f", "2.25.2147483647", "2.25.2147483647"},
       {"0614698397b0e5b6ccb2f2d5d7f1ebd2cd93b3e7f9a55b", "-", nullptr},
   };
@@ -142,22 +136,16 @@ TEST(StrictSequence, TakesDerOnly) {
     return Unit(decodeToDERSequence_strict(bytes.data(), int(bytes.size()))) != nullptr;
   };
   EXPECT_TRUE(strict("30053003020105"));
-  for (const char *other : {"300530030201", "3005300302010500", "30800201050000",
-                            "30810"
-                            "3020105",
-                            "3006308103020105",
-                            "30073080020105"
-                            "0000"})
+  for (const char *other :
+       {"300530030201", "3005300302010500", "30800201050000", "308103020105", "3006308103020105", "300730800201050000"})
     EXPECT_FALSE(strict(other)) << other;
 }
 
 // Every prefix of a value, with the last octet at the end of a page: no decoder reads on.
 TEST(BoundedReaders, StayInsideEveryPrefix) {
   GuardedBytes guarded(4096);
-  for (const char *sample : {"30800201050000",
-                             "308130"
-                             "0201050401413080020105000002010500000000",
-                             "0382000402aabbcc", "06062a864886f70d", "24800401410000", "a0820003020105"}) {
+  for (const char *sample : {"30800201050000", "3081300201050401413080020105000002010500000000", "0382000402aabbcc",
+                             "06062a864886f70d", "24800401410000", "a0820003020105"}) {
     const Bytes octets = hex(sample);
     for (size_t n = 0; n <= octets.size(); ++n) {
       const uint8_t *at = guarded.place(octets.data(), n);

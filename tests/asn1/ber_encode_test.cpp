@@ -54,9 +54,7 @@ TEST(BerEncode, EachType) {
       {3, "6e40", 0, "0303066e40", -1, 6},
       {3, "", 0, "030100"},
       {4, "", 1, "048100"},
-      {4, "4142", 1,
-       "04810"
-       "24142"},
+      {4, "4142", 1, "0481024142"},
       {5, "", 0, "0500"},
       {5, "", 1, "058100"},
       {6, "1.2.840.113549", 0, "06062a864886f70d"},
@@ -182,26 +180,18 @@ TEST(DerEncode, NormalisesTheCallersValue) {
 TEST(Constructed, GrowsChildByChild) {
   Unit seq(new_ASN1_UNIT());
   const String a = string(4, hex("41")), b = string(4, hex("42"));
-  const Unit inner = unit(
-      "3080020105"
-      "0000");
+  const Unit inner = unit("30800201050000");
   EXPECT_EQ(addToDERSetOf(seq.get(), 4, b.get(), 1), 0);
   EXPECT_EQ(addToDERSetOf(seq.get(), 4, a.get(), 1), 0);
   EXPECT_EQ(flat(seq.get()), "3106040142040141");
   EXPECT_EQ(addToDERSequence(seq.get(), TYPE_SEQUENCE, inner.get(), 0), 0);
-  EXPECT_EQ(flat(seq.get()),
-            "310d0401420401413080020105"
-            "0000");
+  EXPECT_EQ(flat(seq.get()), "310d04014204014130800201050000");
   EXPECT_EQ(addToBERSequence_CS(seq.get(), 3, TYPE_ASN1_UNIT, unit("020109").release(), 0, 0), 0);
-  EXPECT_EQ(flat(seq.get()),
-            "a3100401420401413080020105"
-            "0000020109");
+  EXPECT_EQ(flat(seq.get()), "a31004014204014130800201050000020109");
   EXPECT_EQ(setBERLengthForm(seq.get(), 2), 0);
   EXPECT_EQ(addToDERSequence(seq.get(), 5, nullptr, 0), 0);
   EXPECT_EQ(seq->eoc, nullptr);
-  EXPECT_EQ(flat(seq.get()),
-            "a3120401420401413080020105"
-            "00000201090500");
+  EXPECT_EQ(flat(seq.get()), "a312040142040141308002010500000201090500");
   const String constructed = string(0x30, hex("020105"));
   EXPECT_EQ(addToDERSequence(seq.get(), 32, constructed.get(), 3), 0);
   EXPECT_EQ(flat(seq.get()).substr(40), "3003020105");
@@ -240,10 +230,7 @@ TEST(Constructed, StringSegments) {
   const String full = string(3, hex("ff00")), part = string(3, hex("e0"), 5), text = string(4, hex("41"));
   EXPECT_EQ(addToBERStringSequence(seq.get(), 3, full.get(), 2, 0), 0);
   EXPECT_EQ(addToBERStringSequence(seq.get(), 3, part.get(), 1, 0), 0);
-  EXPECT_EQ(flat(seq.get()),
-            "23090303"
-            "00ff00"
-            "030205e0");
+  EXPECT_EQ(flat(seq.get()), "2309030300ff00030205e0");
   EXPECT_EQ(addToBERStringSequence(seq.get(), 3, full.get(), 2, 0), code(F_ADD_TO_BER_STRING_SEQUENCE));
   seq = unit("2403040141");
   EXPECT_EQ(addToBERStringSequence(seq.get(), 3, full.get(), 2, 0), code(F_ADD_TO_BER_STRING_SEQUENCE));

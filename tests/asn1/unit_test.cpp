@@ -52,26 +52,13 @@ TEST(UnitMeasure, IndefiniteContent) {
   };
   const Case cases[] = {
       {"0201050401410000", "definite children", 6, 6},
-      {"30800201050000"
-       "0000",
-       "one indefinite child", 7, 7},
-      {"30800000"
-       "040302000000"
-       "0000",
-       "a definite sibling measured as indefinite inside the octets", 10, 10},
-      {"30800000"
-       "040400000000"
-       "0000",
-       "a definite sibling that begins with zeros", 8, 8},
-      {"30800000"
-       "020105"
-       "0000",
-       "the house measure leaves the octets, X.690 holds", -2, 7},
+      {"308002010500000000", "one indefinite child", 7, 7},
+      {"308000000403020000000000", "a definite sibling measured as indefinite inside the octets", 10, 10},
+      {"308000000404000000000000", "a definite sibling that begins with zeros", 8, 8},
+      {"308000000201050000", "the house measure leaves the octets, X.690 holds", -2, 7},
       {"020105", "no end", -2, -1},
       {"3080", "no end inside", -2, -1},
-      {"1f0100"
-       "0000",
-       "no low tag number", -1, -1},
+      {"1f01000000", "no low tag number", -1, -1},
       {"0284fffffffa0000", "a negative length", -1, -1},
   };
   for (const Case &c : cases) {

@@ -19,17 +19,13 @@ RSA_UNIT *rsa_key() {
 
 const char kP[] =
     "d7b9afc104f4d53f737db88d6bf77e12cd7ec3d71cbe3cb74cd224bff348154afba6bfed797044dfc655dcc20c952c0ec43a97e1ad67e687d1"
-    "07"
-    "29caf622845d162afca8f0248cc412b3596c4c5d3384f7e25ee644ba87bb09b164fb465477b87fdba5eaa400ffa0925714ae19464ffacead3a"
-    "97"
-    "50d121948ab2d8d65c82379f";
+    "0729caf622845d162afca8f0248cc412b3596c4c5d3384f7e25ee644ba87bb09b164fb465477b87fdba5eaa400ffa0925714ae19464ffacead"
+    "3a9750d121948ab2d8d65c82379f";
 const char kQ[] = "c3ddd3717bf05b8f8dd725c162f0b9432c6f77fb";
 const char kG[] =
     "50e414c7a56892d1ad633e42d5cd8346f2c09808111c772cc30b0c544102c27e7b5f9bec57b9df2a153128919d795e46652b2a072e1f2517f2"
-    "a3"
-    "afff5815253aaefe35724cfa1af6afce3a6b41e3d0e13bed0eff54383c4665e69b47ba79bbc3339f86b9be2b58894a18b201afc41fe3a0d93d"
-    "31"
-    "25efda79bc50dbbb2c3ab639";
+    "a3afff5815253aaefe35724cfa1af6afce3a6b41e3d0e13bed0eff54383c4665e69b47ba79bbc3339f86b9be2b58894a18b201afc41fe3a0d9"
+    "3d3125efda79bc50dbbb2c3ab639";
 
 KCDSA_UNIT *kcdsa_key() {
   static KCDSA_UNIT *const key = [] {

@@ -14,10 +14,7 @@ const char kKcdsa1[] = "06082a831a8c9a440115";  // parameters follow
 TEST(PublicKeys, AcceptedAndRefused) {
   const int f = F_SEQ_TO_X509_PUBKEY, malformed = f | ERR_ASN1_DECODING;
   const Bytes point = hex("04") + hex(std::string(63, '1') + "0" + std::string(64, '2'));
-  const std::string pqg =
-      "020103"
-      "020105"
-      "020107";
+  const std::string pqg = "020103020105020107";
   struct Case {
     const char *why;
     Bytes der;
@@ -37,20 +34,11 @@ TEST(PublicKeys, AcceptedAndRefused) {
       {"RSA, other parameters", spki("06092a864886f70d010101020105", hex("3006020103020105")), 0},
       {"KCDSA, p q g", TLV(0x30, TLV(0x30, hex(kKcdsa1) + TLV(0x30, pqg)) + TLV(0x03, "00020109")), 0},
       {"KCDSA, with j and seed",
-       TLV(0x30, TLV(0x30, hex(kKcdsa1) + TLV(0x30, pqg + "02010b"
-                                                          "300604014102"
-                                                          "0105")) +
-                     TLV(0x03, "00020109")),
-       0},
+       TLV(0x30, TLV(0x30, hex(kKcdsa1) + TLV(0x30, pqg + "02010b3006040141020105")) + TLV(0x03, "00020109")), 0},
       {"KCDSA, seed without j",
-       TLV(0x30, TLV(0x30, hex(kKcdsa1) + TLV(0x30, pqg + "300604014102"
-                                                          "0105")) +
-                     TLV(0x03, "00020109")),
-       0},
+       TLV(0x30, TLV(0x30, hex(kKcdsa1) + TLV(0x30, pqg + "3006040141020105")) + TLV(0x03, "00020109")), 0},
       {"KCDSA, huge count",
-       TLV(0x30, TLV(0x30, hex(kKcdsa1) + TLV(0x30, pqg + "300904014102"
-                                                          "0480000000")) +
-                     TLV(0x03, "00020109")),
+       TLV(0x30, TLV(0x30, hex(kKcdsa1) + TLV(0x30, pqg + "3009040141020480000000")) + TLV(0x03, "00020109")),
        malformed},
       {"KCDSA without parameters", spki(kKcdsa1, hex("020109")), malformed},
       {"KCDSA without y", TLV(0x30, TLV(0x30, hex(kKcdsa1) + TLV(0x30, pqg)) + TLV(0x03, "00040109")), f | 0x38},
@@ -178,9 +166,7 @@ TEST(SignatureValues, Halves) {
   free_ASN1_STRING(value);
   for (const auto &[der, code] : {std::pair{"3006020101020102", 0},
                                   {"3006020101020182", F_DECODE_ECDSA_SIGNATURE_VALUE | ERR_ASN1_DECODING},
-                                  {"3008020101020102"
-                                   "0500",
-                                   F_DECODE_ECDSA_SIGNATURE_VALUE | ERR_ASN1_DECODING}}) {
+                                  {"30080201010201020500", F_DECODE_ECDSA_SIGNATURE_VALUE | ERR_ASN1_DECODING}}) {
     r_length = s_length = 64;
     EXPECT_EQ(decode_ECDSA_SIGNATURE_VALUE(out, &r_length, out + 64, &s_length, string(3, hex(der)).get()), code)
         << der;
