@@ -22,15 +22,18 @@ std::string describe(int code) {
   return text;
 }
 
-// The DER octets of every certificate in the text, one block after the other.
+// The DER octets of every certificate in the text, one block after the other; a block that does not decode is left out.
 std::vector<Octets> split_bundle(const char *text, int length) {
   std::vector<Octets> found;
-  for (int at = 0, consumed = 0; at < length; at += consumed) {
+  for (int at = 0; at < length;) {
+    const char *label = nullptr;
     unsigned char *der = nullptr;
-    const int size = decode_PEM_ex(text + at, length - at, "CERTIFICATE", nullptr, nullptr, &consumed, &der);
-    if (size <= 0) break;
-    found.emplace_back(der, der + size);
+    int consumed = 0;
+    const int size = decode_PEM_ex(text + at, length - at, "CERTIFICATE", &label, nullptr, &consumed, &der);
+    if (!label || consumed < 1) break;
+    if (size > 0) found.emplace_back(der, der + size);
     PKV_Free(der, __FILE__, __LINE__);
+    at += consumed;
   }
   return found;
 }
