@@ -30,6 +30,12 @@ void write_kcdsa_value(Octets r, Octets s, DerWriter &out) noexcept {
   write_magnitude(s, out);
 }
 
+void write_ecdsa_value(Octets r, Octets s, DerWriter &out) noexcept {
+  const auto sequence = out.sequence();
+  write_magnitude(r, out);
+  write_magnitude(s, out);
+}
+
 bool read_kcdsa_value(Octets der, SignatureHalves &out) noexcept {
   Tlv tlv, r, s;
   Rules rules;
@@ -110,11 +116,7 @@ int encode_ECDSA_SIGNATURE_VALUE(const unsigned char *r, int r_length, const uns
   if (!r || !s || !encoded) return fail(F_ENCODE_ECDSA_SIGNATURE_VALUE, kNullArgument);
   if (r_length < 1 || s_length < 1) return fail(F_ENCODE_ECDSA_SIGNATURE_VALUE, kBadValue);
   DerWriter writer;
-  {
-    const auto sequence = writer.sequence();
-    write_magnitude(octets_of(r, r_length), writer);
-    write_magnitude(octets_of(s, s_length), writer);
-  }
+  write_ecdsa_value(octets_of(r, r_length), octets_of(s, s_length), writer);
   if (const int code = writer.result(F_ENCODE_ECDSA_SIGNATURE_VALUE)) return code;
   return store_string(writer, encoded) ? fail(F_ENCODE_ECDSA_SIGNATURE_VALUE, kNoMemory) : 0;
 }

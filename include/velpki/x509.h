@@ -420,6 +420,11 @@ VELPKI_API int gen_RSA_SIG_X509_TBS_CERT(X509_TBS_CERT *tbs, ASN1_STRING *out, c
                                          RSA_UNIT *key) VELPKI_NOEXCEPT;
 VELPKI_API int gen_KCDSA_SIG_X509_TBS_CERT(X509_TBS_CERT *tbs, ASN1_STRING *out, const OBJECT_IDENTIFIER *oid,
                                            KCDSA_UNIT *key) VELPKI_NOEXCEPT;
+/* gen_SIG_X509_Cert_RFC5280 signs the standard encoding with a private RSA (PKCS#1 v1.5), ECDSA or KCDSA key and the
+ * digest that the TBS's algorithm names, and keeps the finished octets as if they had been received. Codes:
+ * F_GEN_RSASIGN_TBS_CERT with 49, 48 (an algorithm that is not among these), ERR_ALGORITHM_MISMATCH (a key of another
+ * kind), 3C, ERR_ASN1_ENCODING, those of the TBS, or the provider's. */
+VELPKI_API int gen_SIG_X509_Cert_RFC5280(X509_CERT *cert, const ASYMMETRIC_KEY *key) VELPKI_NOEXCEPT;
 /* verify_SIG_X509_CERT verifies with the issuer's key: 0 valid; 1 for null and ECC keys; F_VERIFY_RSASIGN_TBS_CERT or
  * F_VERIFY_KCDSASIGN_TBS_CERT with 2B, 49 or ERR_ASN1_DECODING; or the provider's code (PKV_ERR_MISMATCH for a
  * signature that is not valid).

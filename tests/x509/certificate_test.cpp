@@ -124,6 +124,45 @@ TEST_F(Certificates, SignAndVerifyByKeyAndAlgorithm) {
   }
 }
 
+TEST_F(Certificates, StandardSigningUsesTheAlgorithmsDigest) {
+  const Owned<ECC_UNIT> ecc(PKV_New_ECC());
+  ECURVE *curve = nullptr;
+  ASSERT_EQ(set_ECURVE_from_list(&curve, 415), 0);
+  EXPECT_EQ(PKV_Set_ECC_Curve(ecc.get(), curve), 0);
+  EXPECT_EQ(PKV_Generate_ECC(ecc.get()), 0);
+  PKV_Free_ECURVE(curve);
+  const Owned<ASYMMETRIC_KEY> ec_key(ECC_UNIT_to_ASYMMETRIC_KEY(ecc.get()));
+  const Owned<X509_PUBKEY> ec_public(new_X509_PUBKEY());
+  ASSERT_EQ(set_X509_PUBKEY_ecc(ec_public.get(), ecc.get()), 0);
+  const Owned<ASYMMETRIC_KEY> rsa_private = rsa(), kcdsa_private = kcdsa();
+  for (const char *algorithm : {"1.2.840.10045.4.3.2", "1.2.840.10045.4.3.4", "1.2.840.113549.1.1.13",
+                                "1.2.410.200004.1.22", "1.2.410.200004.1.23", "1.2.840.113549.1.1.10"}) {
+    const std::string name = algorithm;
+    const bool ec = name.find("10045") != name.npos, kc = name.find("410") != name.npos;
+    const Certificate cert = unsigned_certificate(668, kc);
+    set_X509_signature(cert.get(), test::oid(name).get());
+    if (ec) set_X509_pub_key(cert.get(), ec_public.get());
+    ASYMMETRIC_KEY *const key = ec ? ec_key.get() : kc ? kcdsa_private.get() : rsa_private.get();
+    const int code = gen_SIG_X509_Cert_RFC5280(cert.get(), key);
+    if (name.ends_with(".1.10")) {
+      EXPECT_EQ(code, F_GEN_RSASIGN_TBS_CERT | 0x48);
+      continue;
+    }
+    ASSERT_EQ(code, 0) << name;
+    EXPECT_EQ(verify_SIG_X509_CERT_RFC5280(cert.get(), get_X509_SPKI(cert.get())), 0) << name;
+    EXPECT_EQ(gen_SIG_X509_Cert_RFC5280(cert.get(), (ec ? rsa_private : ec_key).get()),
+              F_GEN_RSASIGN_TBS_CERT | ERR_ALGORITHM_MISMATCH);
+    if (!ec) continue;
+    int length = 0;
+    const unsigned char *der = get_X509_received(cert.get(), 0, &length);
+    ASSERT_TRUE(write_file(temporary_path("ec.der"), der, size_t(length)));
+    const std::string verify = "openssl x509 -inform DER -in " + temporary_path("ec.der") + " -out " +
+                               temporary_path("ec.pem") + " && openssl verify -check_ss_sig -CAfile " +
+                               temporary_path("ec.pem") + " " + temporary_path("ec.pem") + " 2>&1";
+    EXPECT_NE(run(verify).find("OK"), std::string::npos) << name;
+  }
+}
+
 TEST_F(Certificates, OtherKeysFailPlainly) {
   const Certificate cert = unsigned_certificate(840, false);
   const Owned<ASYMMETRIC_KEY> empty(new_ASYMMETRIC_KEY());

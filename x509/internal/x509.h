@@ -126,5 +126,6 @@ struct SignatureHalves {
 bool read_kcdsa_value(Octets der, SignatureHalves &out) noexcept;
 bool read_ecdsa_value(Octets der, SignatureHalves &out) noexcept;
 void write_kcdsa_value(Octets r, Octets s, DerWriter &out) noexcept;
+void write_ecdsa_value(Octets r, Octets s, DerWriter &out) noexcept;
 
 }  // namespace velpki
