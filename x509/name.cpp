@@ -2,6 +2,8 @@
 #include <velpki/asn1_error.h>
 #include <velpki/convert.h>
 
+#include <algorithm>
+
 #include "x509/internal/x509.h"
 
 namespace velpki {
@@ -24,6 +26,13 @@ bool read_attribute(Cursor &rdn, STACK &name, int rdn_number) noexcept {
   return append(&name, child) || rdn.stop(Read::no_memory);
 }
 
+// Room for an RDN's attributes: doubled, since a stranger's name may have many large ones.
+bool make_room(STACK &name, int more) noexcept {
+  if (more <= name.capacity - name.count) return true;
+  const int64_t wanted = std::max(int64_t(name.capacity) * 2, int64_t(name.count) + more);
+  return wanted <= INT_MAX && reserve_stack(&name, int(wanted));
+}
+
 // RelativeDistinguishedName ::= SET OF AttributeTypeAndValue. House form keeps the first one; standard form keeps all,
 // and those of one set share a number.
 bool read_rdn(Cursor &in, STACK &name) noexcept {
@@ -31,7 +40,9 @@ bool read_rdn(Cursor &in, STACK &name) noexcept {
   if (!in.next(TYPE_SET, set)) return false;
   Cursor rdn(set);
   const int before = name.count;
-  const bool several = in.rules().standard && count_values(set.content, rdn.rules()) > 1;
+  const int count = in.rules().standard ? count_values(set.content, rdn.rules()) : 1;
+  const bool several = count > 1;
+  if (several && !make_room(name, count)) return in.stop(Read::no_memory);
   bool read = read_attribute(rdn, name, several ? before + 1 : 0);
   while (read && several && !rdn.at_end()) read = read_attribute(rdn, name, before + 1);
   return in.absorb(rdn);
