@@ -37,86 +37,25 @@ struct Value {
 };
 
 TEST(BerEncode, EachType) {
-  struct Case {
-    int type;
-    const char *value;
-    int form;
-    const char *encoded;
-    int string_type = -1, unused_bits = 0;
-  };
-  const Case cases[] = {
-      {1, "01", 0, "010101"},
-      {1, "01", 1, "01810101"},
-      {2, "80", 0, "02020080"},
-      {2, "7f", 0, "02017f"},
-      {2, "00", 0, "020100"},
-      {10, "05", 0, "0a0105"},
-      {3, "6e40", 0, "0303066e40", -1, 6},
-      {3, "", 0, "030100"},
-      {4, "", 1, "048100"},
-      {4, "4142", 1, "0481024142"},
-      {5, "", 0, "0500"},
-      {5, "", 1, "058100"},
-      {6, "1.2.840.113549", 0, "06062a864886f70d"},
-      {6, "2.5.4.3", 0, "0603550403"},
-      {6, "1.0.0", 0, "06022800"},
-      {6, "2.999.3", 0, "0603883703"},
-      {6, "2.1.", 0, "060151"},
-      {6, "1", 1, "068100"},
-      {12, "c3a9", 0, "0c02c3a9"},
-      {23, "3236303130313132303030305a", 0, "170d3236303130313132303030305a"},
-      {0x93, "41", 0, "930141"},  // the identifier is the whole type
-      {32, "80", 0, "02020080", 2},
-      {32, "7f", 0, "02017f", 2},
-      {32, "00", 0, "020100", 2},
-      {32, "aabb", 0, "8302aabb", 0x83},  // a string of a context tag is written as it is
-      {32, "6e40", 0, "0303066e40", 3, 6},
-      {32, "2.5.4.3", 0, "0603550403", 6},
-      {32, "05", 0, "010105", 1},
-      {32, "", 0, "0500", 5},
-  };
-  for (const Case &c : cases) {
-    Value value(c.type, c.value, c.string_type, c.unused_bits);
+  for (const Row &row : table("ber_encode")) {
+    const std::string &encoded = row.at("encoded");
+    Value value(number_in(row, "type"), row.at("value").c_str(), number_in(row, "string_type"),
+                number_in(row, "unused_bits"));
     Unit out(new_ASN1_UNIT());
-    EXPECT_EQ(encodeToBER(out.get(), c.type, value.pointer, value.length, c.form), 0) << c.encoded;
-    EXPECT_EQ(flat(out.get()), c.encoded);
-    const Unit back = unit(c.encoded);
-    EXPECT_TRUE(back) << c.encoded;
+    EXPECT_EQ(encodeToBER(out.get(), number_in(row, "type"), value.pointer, value.length, number_in(row, "form")), 0)
+        << encoded;
+    EXPECT_EQ(flat(out.get()), encoded);
+    EXPECT_TRUE(unit(encoded)) << encoded;
   }
 }
 
 TEST(BerEncode, RefusesWithItsOwnCodeAndCleans) {
-  struct Case {
-    const char *why;
-    int type;
-    const char *value;
-    int length, form;
-    int string_type = -1, unused_bits = 0;
-  };
-  const Case cases[] = {
-      {"length of a boolean", 1, "01", 2, 0},
-      {"number that does not fit", 2, "0100", 1, 0},
-      {"negative length", 4, "41", -1, 0},
-      {"more than the string has", 4, "41", 2, 0},
-      {"short form from 128 on", 4, "41", 128, 0},
-      {"form 2 for a primitive", 4, "41", 1, 2},
-      {"form 3", 4, "41", 1, 3},
-      {"NULL with content", 5, "", 1, 0},
-      {"unused bits above 7", 3, "41", 1, 0, -1, 8},
-      {"unused bits of nothing", 3, "", 0, 0, -1, 1},
-      {"VisibleString", 26, "41", 1, 0},
-      {"arc above 31 bits", 6, "2.5.4.4294967299", 16, 0},
-      {"first subidentifier above 31 bits", 6, "99999999.1", 10, 0},
-      {"a string without an encoder", 32, "41", 1, 0, 26},
-      {"a NULL string with content", 32, "41", 1, 0, 5},
-      {"a constructed string", 32, "020105", 3, 0, 0x30},
-      {"a unit", 33, "41", 1, 0},
-  };
-  for (const Case &c : cases) {
-    Value value(c.type, c.value, c.string_type, c.unused_bits);
+  for (const Row &row : table("ber_encode_refused")) {
+    const int type = number_in(row, "type"), length = number_in(row, "length"), form = number_in(row, "form");
+    Value value(type, row.at("value").c_str(), number_in(row, "string_type"), number_in(row, "unused_bits"));
     Unit out = unit("020105");
-    EXPECT_EQ(encodeToBER(out.get(), c.type, value.pointer, c.length, c.form), code(F_ENCODE_TO_BER)) << c.why;
-    EXPECT_EQ(out->tag, nullptr) << c.why;
+    EXPECT_EQ(encodeToBER(out.get(), type, value.pointer, length, form), code(F_ENCODE_TO_BER)) << row.at("why");
+    EXPECT_EQ(out->tag, nullptr) << row.at("why");
   }
   EXPECT_EQ(encodeToBER(nullptr, 5, nullptr, 0, 0), code(F_ENCODE_TO_BER));
   const String text = string(4, hex("41"));

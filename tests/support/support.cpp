@@ -81,10 +81,10 @@ std::string vectors(std::string_view below) {
   return std::filesystem::exists(path) ? path : std::string();
 }
 
-std::vector<std::map<std::string, std::string>> read_tsv(const std::string &path) {
+std::vector<Row> read_tsv(const std::string &path) {
   std::ifstream in(path);
   std::vector<std::string> names;
-  std::vector<std::map<std::string, std::string>> rows;
+  std::vector<Row> rows;
   for (std::string line; std::getline(in, line);) {
     std::vector<std::string> cells(1);
     for (const char c : line) {
@@ -100,6 +100,12 @@ std::vector<std::map<std::string, std::string>> read_tsv(const std::string &path
     auto &row = rows.emplace_back();
     for (size_t i = 0; i < names.size() && i < cells.size(); ++i) row[names[i]] = cells[i];
   }
+  return rows;
+}
+
+std::vector<Row> table(const std::string &name) {
+  const std::vector<Row> rows = read_tsv(VELPKI_SOURCE_DIR "/tests/data/" + name + ".tsv");
+  if (rows.empty()) std::abort();
   return rows;
 }
 

@@ -27,7 +27,11 @@ std::string temporary_path(std::string_view name);
 std::string vectors(std::string_view below);
 
 // The rows of a tab-separated file with a header line, by column name.
-std::vector<std::map<std::string, std::string>> read_tsv(const std::string &path);
+using Row = std::map<std::string, std::string>;
+std::vector<Row> read_tsv(const std::string &path);
+// The rows of a table of this project's own, tests/data/NAME.tsv; without any the program ends.
+std::vector<Row> table(const std::string &name);
+inline int number_in(const Row &row, const char *column) { return std::stoi(row.at(column)); }
 
 // Runs a shell command; its standard output, and in `status` its exit status.
 std::string run(const std::string &command, int *status = nullptr);

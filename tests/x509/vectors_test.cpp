@@ -9,8 +9,6 @@ using namespace test;
 
 namespace {
 
-using Row = std::map<std::string, std::string>;
-
 Certificate read_standard(const Bytes &der) {
   X509_CERT *cert = nullptr;
   readDER_X509_CERT_from_Binary_RFC5280(&cert, der.data(), int(der.size()));
@@ -168,25 +166,6 @@ TEST(MalformedVectors, AreRefusedWithoutAccident) {
   }
   std::printf("damaged inputs: %d refused as certificates, %d taken\n", refused, taken);
   EXPECT_GT(refused, 1000);
-}
-
-// The published and self-made Korean certificates.
-TEST(KoreanVectors, CertificatesVerify) {
-  VELPKI_NEED_VECTORS("korean.tsv", path);
-  const std::string folder = path.substr(0, path.rfind('/'));
-  int read = 0;
-  for (const Row &row : read_tsv(path)) {
-    if (row.at("kind") != "certificate") continue;
-    const Bytes der = read_file(folder + "/" + row.at("file"));
-    const Certificate cert = read_standard(der);
-    EXPECT_TRUE(cert || der.empty() || der[0] == '-') << row.at("file");
-    if (!cert || cmp_X509_NAME(get_X509_issuer(cert.get()), get_X509_subject(cert.get()))) continue;
-    const int code = verify_SIG_X509_CERT_RFC5280(cert.get(), get_X509_SPKI(cert.get()));
-    if (code == (F_VERIFY_RSASIGN_TBS_CERT | 0x48)) continue;  // PSS, or a key of an unknown kind
-    EXPECT_EQ(code, 0) << row.at("file");
-    ++read;
-  }
-  EXPECT_GT(read, 2);
 }
 
 }  // namespace
