@@ -7,18 +7,18 @@
 
 namespace {
 
-using test::Bytes;
+using namespace test;
 using Decode = int (*)(const char *, int, unsigned char **);
 
 // The octets in hex, or "-" when the text is refused; the text ends where memory does.
 std::string decoded(Decode decode, std::string_view text) {
-  static test::GuardedBytes guarded(1 << 16);
+  static GuardedBytes guarded(1 << 16);
   const uint8_t *placed = guarded.place(reinterpret_cast<const uint8_t *>(text.data()), text.size());
   unsigned char *out = nullptr;
   const int length = decode(reinterpret_cast<const char *>(placed), int(text.size()), &out);
-  const test::Block owner(out);
+  const Block owner(out);
   if (length == 0) return out ? "stored on failure" : "-";
-  return out[length] == 0 ? test::to_hex(out, size_t(length)) : "not terminated";
+  return out[length] == 0 ? to_hex(out, size_t(length)) : "not terminated";
 }
 
 Bytes random_bytes(size_t size) {
@@ -29,38 +29,37 @@ Bytes random_bytes(size_t size) {
 }
 
 std::string encoded(const Bytes &octets, int line) {
-  static test::GuardedBytes guarded(1 << 12);
+  static GuardedBytes guarded(1 << 12);
   char *text = nullptr;
   const uint8_t *placed = guarded.place(octets.data(), octets.size());
   const int length = line ? encode_Base64_Line(placed, int(octets.size()), &text, line)
                           : encode_Base64(placed, int(octets.size()), &text, 0);
-  const std::unique_ptr<char, test::Release> owner(text);
+  const std::unique_ptr<char, Release> owner(text);
   return text && std::strlen(text) == size_t(length) ? text : "-";
 }
 
+// Checks texts for what the plain decoder gives, and the strict one.
+auto checker(Decode plain, Decode strict) {
+  return [=](const char *expected, const char *strictly, const std::vector<std::string> &texts) {
+    for (const std::string &text : texts) {
+      EXPECT_EQ(decoded(plain, text), expected) << text;
+      EXPECT_EQ(decoded(strict, text), strictly) << text;
+    }
+  };
+}
+
+// The strict decoder refuses bits left over, in "QR==" and "QUJ=", and characters that are none of Base64's.
 TEST(Base64, Rules) {
-  const struct {
-    const char *text, *plain, *strict;
-  } cases[] = {{"QUJD", "414243", "414243"},
-               {"QQ==", "41", "41"},
-               {"QUI=", "4142", "4142"},
-               {"QR==", "41", "-"},  // bits left over
-               {"QUJ=", "4142", "-"},
-               {"QU\nJD", "414243", "414243"},
-               {"QU\r\nJD\r\n", "414243", "414243"},
-               {"\n\nQUJD\n", "414243", "414243"},
-               {"QU D", "417fc3", "-"},
-               {"Q U J D ", "4ff5ff2ff0ff", "-"},
-               {"QQ==\n", "41", "41"}};
-  for (const auto &each : cases) {
-    EXPECT_EQ(decoded(decode_Base64, each.text), each.plain) << each.text;
-    EXPECT_EQ(decoded(decode_Base64_strict, each.text), each.strict) << each.text;
-  }
-  for (const char *refused :
-       {"QU\rJD", "QUJD\r", "QUJDR", "QUJDRA", "QU JD", "Q===", "QQ==QUJD", "Q=Q=", "==", "QQ=", "====", "", "\n"}) {
-    EXPECT_EQ(decoded(decode_Base64, refused), "-") << refused;
-    EXPECT_EQ(decoded(decode_Base64_strict, refused), "-") << refused;
-  }
+  const auto check = checker(decode_Base64, decode_Base64_strict);
+  check("41", "41", {"QQ==", "QQ==\n"});
+  check("41", "-", {"QR==", "QX=="});
+  check("4142", "4142", {"QUI="});
+  check("4142", "-", {"QUJ="});
+  check("414243", "414243", {"QUJD", "QU\nJD", "QU\r\nJD\r\n", "\n\nQUJD\n"});
+  check("417fc3", "-", {"QU D"});
+  check("4ff5ff2ff0ff", "-", {"Q U J D "});
+  check("-", "-",
+        {"QU\rJD", "QUJD\r", "QUJDR", "QUJDRA", "QU JD", "Q===", "QQ==QUJD", "Q=Q=", "==", "QQ=", "====", "", "\n"});
   unsigned char *out = nullptr;
   EXPECT_EQ(decode_Base64(nullptr, 4, &out), 0);
   EXPECT_EQ(decode_Base64("QUJD", -1, &out), 0);
@@ -75,33 +74,33 @@ TEST(Base64, EveryPositionFollowsTheRules) {
   for (size_t at = 0; at < text.size(); ++at) {
     std::string broken = text, folded = text;
     folded.insert(at, at % 2 ? "\n" : "\r\n");
-    EXPECT_EQ(decoded(decode_Base64, folded), test::to_hex(octets));
-    EXPECT_EQ(decoded(decode_Base64_strict, folded), test::to_hex(octets));
+    EXPECT_EQ(decoded(decode_Base64, folded), to_hex(octets));
+    EXPECT_EQ(decoded(decode_Base64_strict, folded), to_hex(octets));
     broken[at] = " \x7F-_\xFF\x80@["[at % 8];
     const size_t group = at / 4 * 3;
     uint32_t value = uint32_t(octets[group]) << 16 | uint32_t(octets[group + 1]) << 8 | octets[group + 2];
     value = (value & ~(0x3Fu << (18 - 6 * (at % 4)))) | 0xFFu << (18 - 6 * (at % 4));
     Bytes expected = octets;
     for (size_t i = 0; i < 3; ++i) expected[group + i] = uint8_t(value >> (16 - 8 * i));
-    EXPECT_EQ(decoded(decode_Base64, broken), test::to_hex(expected)) << at;
+    EXPECT_EQ(decoded(decode_Base64, broken), to_hex(expected)) << at;
     EXPECT_EQ(decoded(decode_Base64_strict, broken), "-");
-    EXPECT_EQ(decoded(decode_Base64, text.substr(0, at)), at % 4 || at == 0 ? "-" : test::to_hex(octets.data(), group));
+    EXPECT_EQ(decoded(decode_Base64, text.substr(0, at)), at % 4 || at == 0 ? "-" : to_hex(octets.data(), group));
   }
 }
 
 TEST(Base64, EncodesAsOpenSslDoes) {
-  const std::string path = test::temporary_path("octets");
+  const std::string path = temporary_path("octets");
   for (const size_t size : {1u, 2u, 3u, 47u, 48u, 49u, 96u, 1000u}) {
     const Bytes octets = random_bytes(size);
-    ASSERT_TRUE(test::write_file(path, octets.data(), size));
-    EXPECT_EQ(encoded(octets, 64) + "\n", test::run("openssl base64 -in " + path));
-    EXPECT_EQ(encoded(octets, 0), test::run("openssl base64 -A -in " + path));
+    ASSERT_TRUE(write_file(path, octets.data(), size));
+    EXPECT_EQ(encoded(octets, 64) + "\n", run("openssl base64 -in " + path));
+    EXPECT_EQ(encoded(octets, 0), run("openssl base64 -A -in " + path));
   }
   for (size_t size = 1; size < 200; ++size) {
     const Bytes octets = random_bytes(size);
     for (const int line : {1, 3, 4, 64, 76, 1000}) {
       const std::string text = encoded(octets, line);
-      EXPECT_EQ(decoded(decode_Base64_strict, text), test::to_hex(octets));
+      EXPECT_EQ(decoded(decode_Base64_strict, text), to_hex(octets));
       for (size_t at = size_t(line); at < text.size(); at += size_t(line) + 1) ASSERT_EQ(text[at], '\n');
     }
   }
@@ -110,32 +109,23 @@ TEST(Base64, EncodesAsOpenSslDoes) {
   EXPECT_EQ(encode_Base64(nullptr, 3, &text, 1), 0);
 }
 
+// The last refused text has 19 characters: one more is a text.
 TEST(Pem, PlainAndStrictSideBySide) {
-  const std::string begin = "-----BEGIN CERTIFICATE-----\n", end = "-----END CERTIFICATE-----\n", ok = "414243";
-  const struct {
-    std::string text, plain, strict;
-  } cases[] = {{begin + "QUJD\n" + end, ok, ok},
-               {"-----BEGIN CERTIFICATE-----\r\nQUJD\r\n-----END CERTIFICATE-----\r\n", ok, ok},
-               {begin + "QUJD\n-----END CERTIFICATE-----", ok, ok},
-               {begin + "QUJD\n-----END X509 CRL-----\n", ok, "-"},
-               {begin + "QUJD\n-----END CERT", ok, "-"},
-               {"-----BEGIN A-----\n\n \n-QUJD\n-", ok, "-"},
-               {begin + "QUJD-----END CERTIFICATE-----\n", ok, "-"},
-               {begin + "QUJD\n" + end + "\n" + begin, ok, "-"},
-               {"\n" + begin + "QUJD\n" + end, ok, "-"},
-               {"subject=CN=a very long name\n" + begin + "QUJD\n" + end, "-", "-"},
-               {begin + "Proc-Type: 4,ENCRYPTED\n\nQUJD\n" + end, "3eba1c", "-"},
-               {begin + end, "-", "-"},
-               {begin + "QUJD\n", "-", "-"},
-               {begin + "QU D\n" + end, "417fc3", "-"},
-               {begin + "QUJD \n" + end, "-", "-"},
-               {"=" + begin + "QUJD\n" + end, "-", "-"},
-               {"-----BBB-----\nQUJD\n-", ok, "-"},
-               {"-----BB-----\nQUJD\n-", "-", "-"}};  // 19 characters
-  for (const auto &each : cases) {
-    EXPECT_EQ(decoded(decode_PEM, each.text), each.plain) << each.text;
-    EXPECT_EQ(decoded(decode_PEM_strict, each.text), each.strict) << each.text;
-  }
+  const std::string begin = "-----BEGIN CERTIFICATE-----\n", end = "-----END CERTIFICATE-----\n",
+                    body = begin + "QUJD\n";
+  const auto check = checker(decode_PEM, decode_PEM_strict);
+  check("414243", "414243",
+        {body + end, body + "-----END CERTIFICATE-----",
+         "-----BEGIN CERTIFICATE-----\r\nQUJD\r\n-----END CERTIFICATE-----\r\n"});
+  check("414243", "-",
+        {body + "-----END X509 CRL-----\n", body + "-----END CERT", "-----BEGIN A-----\n\n \n-QUJD\n-",
+         begin + "QUJD-----END CERTIFICATE-----\n", body + end + "\n" + begin, "\n" + body + end,
+         "-----BBB-----\nQUJD\n-"});
+  check("3eba1c", "-", {begin + "Proc-Type: 4,ENCRYPTED\n\nQUJD\n" + end});
+  check("417fc3", "-", {begin + "QU D\n" + end});
+  check("-", "-",
+        {"subject=CN=a very long name\n" + body + end, begin + end, body, begin + "QUJD \n" + end, "=" + body + end,
+         "-----BB-----\nQUJD\n-"});
 }
 
 TEST(Pem, Framing) {
@@ -147,7 +137,7 @@ TEST(Pem, Framing) {
     EXPECT_EQ(base64ToPEM(base64, inner, "DATA", 4, &framed), length);
     EXPECT_STREQ(framed, pem);
     EXPECT_EQ(pem, "-----BEGIN DATA-----\n" + std::string(base64) + "\n-----END DATA-----\n");
-    EXPECT_EQ(decoded(decode_PEM_strict, pem), test::to_hex(octets));
+    EXPECT_EQ(decoded(decode_PEM_strict, pem), to_hex(octets));
     for (char *each : {pem, base64, framed}) PKV_Free(each, __FILE__, __LINE__);
   }
   char *none = nullptr;
@@ -171,8 +161,8 @@ TEST(Pem, BundleIsWalked) {
       unsigned char *out = nullptr;
       const int length =
           decode_PEM_ex(bundle.data() + at, int(bundle.size() - at), wanted, &label, &label_length, &consumed, &out);
-      const test::Block owner(out);
-      const std::string octets = length ? test::to_hex(out, size_t(length)) : "-";
+      const Block owner(out);
+      const std::string octets = length ? to_hex(out, size_t(length)) : "-";
       if (label) seen += std::string(label, size_t(label_length)) + ":" + octets + " ";
       if (consumed < 1) return std::string("stuck");
       at += size_t(consumed);
