@@ -1,27 +1,26 @@
 // The object registry against a scan of its rows, OpenSSL's names, and the provider identifiers.
+#include <strings.h>
 #include <velpki/asn1_objects.h>
 
-#include <cctype>
 #include <functional>
 #include <map>
 
 #include "support/asn1.h"
+
+using namespace test;
 
 namespace {
 
 constexpr int kRows = 841;
 
 std::string_view cell(int row, int column) { return OID_LIST(row)[column]; }
-std::string lower(std::string text) {
-  for (char &c : text) c = char(std::tolower(c));
-  return text;
-}
-
 int scan(std::string_view text, int column) {
-  for (int row = 1; row < kRows; ++row)
-    if (!text.empty() && cell(row, column) == text) return row;
-  return 0;
+  int row = text.empty() ? kRows : 1;
+  while (row < kRows && cell(row, column) != text) ++row;
+  return row % kRows;
 }
+String of_row(int row) { return String(index_to_OBJECT_IDENTIFIER(row)); }
+String decoded(const Bytes &octets) { return String(decodeToBERObjectIdentifier_n(octets.data(), int(octets.size()))); }
 
 // What is found for every text of a column, and for its neighbours, is what a scan from row 1 finds.
 TEST(Registry, LookUpsFindWhatAScanFinds) {
@@ -51,28 +50,25 @@ TEST(Registry, LookUpsFindWhatAScanFinds) {
 TEST(Registry, DecodedIdentifiersHaveTheTextOfTheirRow) {
   int encoded = 0;
   for (int row = 1; row < kRows; ++row) {
-    const test::String oid(index_to_OBJECT_IDENTIFIER(row));
+    const String oid = of_row(row);
     if (!oid) continue;
     ASN1_UNIT unit{};
     ASSERT_EQ(encodeToBERObjectIdentifier(&unit, 6, oid.get(), oid->length, 0), 0) << row;
-    test::Bytes octets = test::hex(test::flat(&unit));
+    Bytes octets = hex(flat(&unit));
     clean_ASN1_UNIT(&unit);
-    const test::String back(decodeToBERObjectIdentifier_n(octets.data(), int(octets.size())));
-    EXPECT_EQ(test::text_of(back.get()), cell(row, 2));
+    const String back = decoded(octets);
+    EXPECT_EQ(text_of(back.get()), cell(row, 2));
     EXPECT_EQ(index_from_OBJECT_IDENTIFIER(back.get()), scan(cell(row, 2), 2));
     octets.insert(octets.begin() + 3, 0x80);
     ++octets[1];
-    const test::String padded(decodeToBERObjectIdentifier_n(octets.data(), int(octets.size())));
-    EXPECT_EQ(test::text_of(padded.get()), cell(row, 2));
+    EXPECT_EQ(text_of(decoded(octets).get()), cell(row, 2));
     ++encoded;
   }
   EXPECT_EQ(encoded, kRows - 1 - 48 - 12);
   const std::map<std::string, int> single = {{"060155", 11},  {"06012A", 182}, {"06012B", 379}, {"060100", 393},
                                              {"060128", 181}, {"060109", 434}, {"060150", 646}, {"060167", 647}};
   for (const auto &[octets, row] : single) {
-    const test::Bytes encoding = test::hex(octets);
-    const test::String oid(decodeToBERObjectIdentifier_n(encoding.data(), int(encoding.size())));
-    EXPECT_EQ(index_from_OBJECT_IDENTIFIER(oid.get()), row) << octets;
+    EXPECT_EQ(index_from_OBJECT_IDENTIFIER(decoded(hex(octets)).get()), row) << octets;
     EXPECT_EQ(index_to_OBJECT_IDENTIFIER(row), nullptr);
   }
   for (const int row : {-1, 0, 33, 102, 404, 645, 676, 794, 841}) EXPECT_EQ(index_to_OBJECT_IDENTIFIER(row), nullptr);
@@ -83,23 +79,24 @@ TEST(Registry, OpenSslGivesTheSameNames) {
   ASN1_UNIT sequence{};
   std::vector<int> rows;
   for (int row = 1; row < kRows; ++row) {
-    const test::String oid(index_to_OBJECT_IDENTIFIER(row));
+    const String oid = of_row(row);
     if (!oid || row == 831) continue;
     ASSERT_EQ(addToDERSequence(&sequence, TYPE_OBJECT_IDENTIFIER, oid.get(), oid->length), 0);
     rows.push_back(row);
   }
-  const test::Bytes der = test::hex(test::flat(&sequence));
+  const Bytes der = hex(flat(&sequence));
   clean_ASN1_UNIT(&sequence);
-  const std::string path = test::temporary_path("oids.der");
-  ASSERT_TRUE(test::write_file(path, der.data(), der.size()));
-  const std::string printed = test::run("openssl asn1parse -inform DER -in " + path + " | grep OBJECT | cut -d: -f4-");
+  const std::string path = temporary_path("oids.der");
+  ASSERT_TRUE(write_file(path, der.data(), der.size()));
+  const std::string printed = run("openssl asn1parse -inform DER -in " + path + " | grep OBJECT | cut -d: -f4-");
   size_t at = 0, same = 0;
   for (const int row : rows) {
     const size_t end = printed.find('\n', at);
     ASSERT_NE(end, std::string::npos) << row;
-    const std::string name = lower(printed.substr(at, end - at));
+    const std::string name = printed.substr(at, end - at);
     at = end + 1;
-    same += name == lower(ln_from_index(row)) || name == lower(sn_from_index(row)) || name == cell(row, 2);
+    const auto is = [&](const char *other) { return !strcasecmp(name.c_str(), other); };
+    same += is(ln_from_index(row)) || is(sn_from_index(row)) || name == cell(row, 2);
   }
   EXPECT_GT(same, rows.size() - 40) << "of " << rows.size();
 }
@@ -109,17 +106,17 @@ TEST(Registry, ProviderIdentifiers) {
   const auto check = [](const std::function<int(int)> &give, const std::vector<int> &cases) {
     for (size_t i = 0; i < cases.size(); i += 2) EXPECT_EQ(give(cases[i]), cases[i + 1]) << cases[i];
   };
-  const auto of_row = [](int (*give)(const OBJECT_IDENTIFIER *)) {
-    return [give](int row) { return give(test::String(index_to_OBJECT_IDENTIFIER(row)).get()); };
+  const auto by_row = [](int (*give)(const OBJECT_IDENTIFIER *)) {
+    return [give](int row) { return give(of_row(row).get()); };
   };
-  check(of_row(get_DigestID_from_OID),
+  check(by_row(get_DigestID_from_OID),
         {4,   0x06000100, 8,   0x06000100, 42,  0, 65,  0x05000100, 115, 0x05000100, 146, 0x05000100, 163, 0x15000100,
          416, 0x05000100, 668, 0x05000300, 782, 0, 783, 0x07000100, 830, 0x07000100, 835, 0,          840, 0x05000300});
-  check(of_row(get_CipherID_from_OID),
+  check(by_row(get_CipherID_from_OID),
         {6,   0x20000000, 8,   0x20000001, 42,  0x20000001, 115, 0x20000000, 408, 0,
          146, 0x02010220, 323, 0x02000100, 416, 0,          427, 0x01000320, 777, 0x04000120,
          782, 0x40000000, 823, 0x03000120, 835, 0x20000002, 840, 0x50000000});
-  check(of_row(get_AlgorType_from_OID), {4, 1,   6, 3,   42, 1,   65, 1,   115, 3,   146, 4,   163, 1,   323, 0,   408,
+  check(by_row(get_AlgorType_from_OID), {4, 1,   6, 3,   42, 1,   65, 1,   115, 3,   146, 4,   163, 1,   323, 0,   408,
                                          0, 416, 3, 427, 2,  777, 2,  783, 3,   823, 0,   830, 4,   835, 0,   840, 0});
   check(get_OID_from_DigestID,
         {0x05000100, 64, 0x05000300, 672, 0x07000100, 781, 0x15000100, 163, 0, 0, 0x05000600, 0});
@@ -127,22 +124,19 @@ TEST(Registry, ProviderIdentifiers) {
                                 0x20000000, 0, 0x04000120, 777});
   EXPECT_EQ(get_AlgorType_from_OID(nullptr), 0);
   int sizes[5] = {};
-  for (int row = 1; row < kRows; ++row)
-    ++sizes[get_AlgorType_from_OID(test::String(index_to_OBJECT_IDENTIFIER(row)).get())];
-  EXPECT_EQ(sizes[1], 18) << "19 less MD5-SHA1, which has no identifier";
-  EXPECT_EQ(sizes[2], 47) << "88 less the 41 that have no identifier";
-  EXPECT_EQ(sizes[3], 27) << "28 less cmsRsaEncryption, whose text is none";
-  EXPECT_EQ(sizes[4], 25);
+  for (int row = 1; row < kRows; ++row) ++sizes[get_AlgorType_from_OID(of_row(row).get())];
+  // Less those that have no identifier: MD5-SHA1, 41 of the 88 ciphers, cmsRsaEncryption.
+  EXPECT_TRUE(sizes[1] == 18 && sizes[2] == 47 && sizes[3] == 27 && sizes[4] == 25);
 }
 
 TEST(Registry, ValuesAndLists) {
-  const test::String cn = test::oid("2.5.4.3"), o = test::oid("2.5.4.10"), rsa = test::oid("1.2.840.113549");
+  const String cn = oid("2.5.4.3"), o = oid("2.5.4.10"), rsa = oid("1.2.840.113549");
   EXPECT_GT(cmp_OBJECT_IDENTIFIER(o.get(), cn.get()), 0);
   EXPECT_LT(cmp_OBJECT_IDENTIFIER(cn.get(), rsa.get()), 0);
-  EXPECT_EQ(cmp_OBJECT_IDENTIFIER(cn.get(), test::oid("2.5.4.6").get()), -1);
+  EXPECT_EQ(cmp_OBJECT_IDENTIFIER(cn.get(), oid("2.5.4.6").get()), -1);
   EXPECT_EQ(cmp_OBJECT_IDENTIFIER(nullptr, nullptr), -1);
   EXPECT_EQ(cmp_OBJECT_IDENTIFIER(cn.get(), nullptr), 1);
-  const test::String named(get_OBJECT_IDENTIFIER("commonName", 0)), copy(dup_OBJECT_IDENTIFIER(named.get()));
+  const String named(get_OBJECT_IDENTIFIER("commonName", 0)), copy(dup_OBJECT_IDENTIFIER(named.get()));
   EXPECT_EQ(cmp_OBJECT_IDENTIFIER(copy.get(), cn.get()), 0);
   EXPECT_EQ(get_OBJECT_IDENTIFIER("no such name", 0), nullptr);
   OBJECT_IDENTIFIERS *list = new_OBJECT_IDENTIFIERS();
