@@ -58,10 +58,9 @@ TEST(Convert, Edges) {
   for (const char *in : {"0100", "004100"}) EXPECT_EQ(converted(uniToasc, test::hex(in)), "-") << in;
   unsigned char *out = nullptr;
   EXPECT_EQ(ascTouni("abc", -1, &out), 6);
+  const test::Block owner(out);
   EXPECT_EQ(test::to_hex(out, 8), "0061006200630000");
-  PKV_Free(out, __FILE__, __LINE__);
-  EXPECT_EQ(ascTouni(nullptr, 3, &out), -1);
-  EXPECT_EQ(ascTouni("abc", 3, nullptr), -1);
+  EXPECT_TRUE(ascTouni(nullptr, 3, &out) == -1 && ascTouni("abc", 3, nullptr) == -1);
 }
 
 template <auto print>
