@@ -6,6 +6,7 @@
 #include <algorithm>
 
 #include "provider/internal/arguments.h"
+#include "provider/internal/constant_time.h"
 #include "provider/internal/rsa.h"
 
 using namespace velcrypto;
@@ -14,20 +15,6 @@ namespace {
 
 using Octets = std::span<const uint8_t>;
 using Block = Wiped<std::array<uint8_t, kMaxRsaOctets>>;
-
-// Masks are all ones for true. `volatile` keeps the compiler from seeing that a mask has two values and branching on
-// it.
-using Mask = size_t;
-Mask opaque(Mask mask) noexcept {
-  volatile Mask kept = mask;
-  return kept;
-}
-Mask mask_of_top_bit(size_t value) noexcept { return opaque(0 - (value >> (sizeof value * 8 - 1))); }
-Mask is_zero_mask(size_t value) noexcept { return mask_of_top_bit(~value & (value - 1)); }
-Mask is_equal_mask(size_t a, size_t b) noexcept { return is_zero_mask(a ^ b); }
-// a and b are lengths, far below half the range.
-Mask is_below_mask(size_t a, size_t b) noexcept { return mask_of_top_bit(a - b); }
-size_t select(Mask mask, size_t if_true, size_t if_false) noexcept { return (mask & if_true) | (~mask & if_false); }
 
 // What a decrypted block was found to hold.
 struct Found {

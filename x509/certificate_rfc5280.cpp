@@ -71,13 +71,7 @@ int signing_failure(int reason) noexcept { return fail(F_GEN_RSASIGN_TBS_CERT, r
 int sign_rsa_pkcs1(const Signing &task, DerWriter &out) noexcept {
   const RSA_UNIT *key = ASYMMETRIC_KEY_to_RSA_UNIT(task.key);
   if (!key) return signing_failure(ERR_ALGORITHM_MISMATCH);
-  int length = PKV_Get_RSA_Length(key);
-  const owned<uint8_t> signature = new_octets(size_t(length) + 1);
-  if (!signature) return signing_failure(kNoMemory);
-  const int code = PKV_RSASSA_SIGN(key, task.digest_id, PKV_RSA_PKCS1, task.tbs.data(), int(task.tbs.size()),
-                                   signature.get(), &length);
-  if (!code) out.raw(octets_of(signature.get(), length));
-  return code;
+  return write_rsa_signature(task.tbs, key, task.digest_id, PKV_RSA_PKCS1, F_GEN_RSASIGN_TBS_CERT, out);
 }
 
 int sign_ecdsa(const Signing &task, DerWriter &out) noexcept {
@@ -95,13 +89,7 @@ int sign_ecdsa(const Signing &task, DerWriter &out) noexcept {
 int sign_kcdsa_value(const Signing &task, DerWriter &out) noexcept {
   const KCDSA_UNIT *key = ASYMMETRIC_KEY_to_KCDSA_UNIT(task.key);
   if (!key) return signing_failure(ERR_ALGORITHM_MISMATCH);
-  uint8_t r[kHalfRoom], s[kHalfRoom];
-  int r_length = 0, s_length = 0;
-  if (const int code = PKV_Get_KCDSA_Lengths(key, &r_length, &s_length)) return code;
-  if (r_length > kHalfRoom || s_length > kHalfRoom) return signing_failure(kBadValue);
-  const int code = PKV_KCDSA_SIGN(key, task.digest_id, task.tbs.data(), int(task.tbs.size()), r, s);
-  if (!code) write_kcdsa_value(octets_of(r, r_length), octets_of(s, s_length), out);
-  return code;
+  return write_kcdsa_signature(task.tbs, key, task.digest_id, F_GEN_RSASIGN_TBS_CERT, out);
 }
 
 enum class Parameters { null_or_absent, absent };

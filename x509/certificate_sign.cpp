@@ -29,28 +29,40 @@ constexpr int kHalfRoom = 64;
 
 }  // namespace
 
-int sign_rsa(Octets tbs, const OBJECT_IDENTIFIER *oid, const RSA_UNIT *key, int function, ASN1_STRING &out) noexcept {
-  int digest_id, scheme;
-  if (!rsa_signature_scheme(oid, digest_id, scheme)) return fail(function, kBadValue);
+int write_rsa_signature(Octets tbs, const RSA_UNIT *key, int digest_id, int scheme, int function,
+                        DerWriter &out) noexcept {
   int length = PKV_Get_RSA_Length(key);
   const owned<uint8_t> signature = new_octets(size_t(length) + 1);
   if (!signature) return fail(function, kNoMemory);
   const int code = PKV_RSASSA_SIGN(key, digest_id, scheme, tbs.data(), int(tbs.size()), signature.get(), &length);
-  return code ? code : store_bits(octets_of(signature.get(), length), function, out);
+  if (!code) out.raw(octets_of(signature.get(), length));
+  return code ? code : out.result(function);
+}
+
+int write_kcdsa_signature(Octets tbs, const KCDSA_UNIT *key, int digest_id, int function, DerWriter &out) noexcept {
+  uint8_t r[kHalfRoom], s[kHalfRoom];
+  int r_length = 0, s_length = 0;
+  if (const int code = PKV_Get_KCDSA_Lengths(key, &r_length, &s_length)) return code;
+  if (r_length > kHalfRoom || s_length > kHalfRoom) return fail(function, kBadValue);
+  if (const int code = PKV_KCDSA_SIGN(key, digest_id, tbs.data(), int(tbs.size()), r, s)) return code;
+  write_kcdsa_value(octets_of(r, r_length), octets_of(s, s_length), out);
+  return out.result(function);
+}
+
+int sign_rsa(Octets tbs, const OBJECT_IDENTIFIER *oid, const RSA_UNIT *key, int function, ASN1_STRING &out) noexcept {
+  int digest_id, scheme;
+  if (!rsa_signature_scheme(oid, digest_id, scheme)) return fail(function, kBadValue);
+  DerWriter signature;
+  const int code = write_rsa_signature(tbs, key, digest_id, scheme, function, signature);
+  return code ? code : store_bits(signature.written(), function, out);
 }
 
 int sign_kcdsa(Octets tbs, const OBJECT_IDENTIFIER *oid, const KCDSA_UNIT *key, int function,
                ASN1_STRING &out) noexcept {
   if (!is_signature_algorithm(oid)) return fail(function, kBadValue);
-  uint8_t r[kHalfRoom], s[kHalfRoom];
-  int r_length = 0, s_length = 0;
-  if (const int code = PKV_Get_KCDSA_Lengths(key, &r_length, &s_length)) return code;
-  if (r_length > kHalfRoom || s_length > kHalfRoom) return fail(function, kBadValue);
-  if (const int code = PKV_KCDSA_SIGN(key, 0, tbs.data(), int(tbs.size()), r, s)) return code;
-  DerWriter value;
-  write_kcdsa_value(octets_of(r, r_length), octets_of(s, s_length), value);
-  if (const int code = value.result(function)) return code;
-  return store_bits(value.written(), function, out);
+  DerWriter signature;
+  const int code = write_kcdsa_signature(tbs, key, 0, function, signature);
+  return code ? code : store_bits(signature.written(), function, out);
 }
 
 int verify_rsa(Octets tbs, const OBJECT_IDENTIFIER *oid, const ASN1_STRING *signature, const RSA_UNIT *key,

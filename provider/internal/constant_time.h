@@ -17,5 +17,8 @@ inline Mask is_zero_mask(size_t value) noexcept { return mask_of_top_bit(~value 
 inline Mask is_equal_mask(size_t a, size_t b) noexcept { return is_zero_mask(a ^ b); }
 // Both below half the range of size_t.
 inline Mask is_below_mask(size_t a, size_t b) noexcept { return mask_of_top_bit(a - b); }
+inline size_t select(Mask mask, size_t if_true, size_t if_false) noexcept {
+  return (mask & if_true) | (~mask & if_false);
+}
 
 }  // namespace velcrypto

@@ -119,6 +119,12 @@ int verify_rsa(Octets tbs, const OBJECT_IDENTIFIER *oid, const ASN1_STRING *sign
 int verify_kcdsa(Octets tbs, const OBJECT_IDENTIFIER *oid, const ASN1_STRING *signature, const KCDSA_UNIT *key,
                  int function) noexcept;
 
+// The octets of one signature, appended to `out`: RSA's as they are, KCDSA's as a KCDSASignatureValue (`digest_id` 0 is
+// the key's own). What goes wrong here and not in the provider has `function`.
+int write_rsa_signature(Octets tbs, const RSA_UNIT *key, int digest_id, int scheme, int function,
+                        DerWriter &out) noexcept;
+int write_kcdsa_signature(Octets tbs, const KCDSA_UNIT *key, int digest_id, int function, DerWriter &out) noexcept;
+
 // KCDSASignatureValue and ECDSA-Sig-Value.
 struct SignatureHalves {
   Octets r, s;  // into the value that was read
