@@ -21,30 +21,6 @@ inline constexpr auto owned_fields<X509_CERT> = std::tuple(made(&X509_CERT::tbs)
                                                            own(&X509_CERT::sig_value), own(&X509_CERT::aux),
                                                            own(&X509_CERT::received));
 
-void Flat<X509_RECEIVED>::release(X509_RECEIVED *received) noexcept { velpki::release(received); }
-
-X509_RECEIVED *Flat<X509_RECEIVED>::copy(const X509_RECEIVED *received) noexcept {
-  const size_t size = sizeof(X509_RECEIVED) + size_t(received->length);
-  auto *fresh = static_cast<X509_RECEIVED *>(allocate(size));
-  if (fresh) std::memcpy(fresh, received, size);
-  return fresh;
-}
-
-// The view of a unit has no octets in one piece, so identifier, length octets and content are put together here.
-X509_RECEIVED *new_received(const Tlv &certificate, Octets tbs) noexcept {
-  const size_t header = 1 + certificate.header.size();
-  const size_t length = header + certificate.content.size() + (certificate.indefinite ? 2 : 0);
-  auto *received = static_cast<X509_RECEIVED *>(allocate(sizeof(X509_RECEIVED) + length));
-  if (!received) return nullptr;
-  *received = {int(length), int(header + size_t(tbs.data() - certificate.content.data())), int(tbs.size())};
-  auto *at = reinterpret_cast<uint8_t *>(received + 1);
-  at[0] = certificate.identifier;
-  copy_octets(at + 1, certificate.header);
-  copy_octets(at + header, certificate.content);
-  if (certificate.indefinite) std::memset(at + length - 2, 0, 2);
-  return received;
-}
-
 }  // namespace velpki
 
 using namespace velpki;
@@ -63,8 +39,7 @@ namespace {
 X509_TBS_CERT *changing(X509_CERT *cert) noexcept {
   if (!cert) return nullptr;
   if (!cert->tbs) cert->tbs = new_X509_TBS_CERT();
-  if (cert->received) Flat<X509_RECEIVED>::release(cert->received);
-  cert->received = nullptr;
+  drop_received(*cert);
   return cert->tbs;
 }
 
@@ -160,10 +135,7 @@ OBJECT_IDENTIFIER *get_X509_sig_alg(const X509_CERT *cert) noexcept { return cer
 ASN1_STRING *get_X509_sig_value(const X509_CERT *cert) noexcept { return cert ? cert->sig_value : nullptr; }
 
 const unsigned char *get_X509_received(const X509_CERT *cert, int tbs, int *length) noexcept {
-  const bool known = cert && cert->received;
-  const Octets octets = !known ? Octets() : tbs ? received_tbs(*cert->received) : received_whole(*cert->received);
-  if (length) *length = int(octets.size());
-  return octets.data();
+  return lend_received(cert ? cert->received : nullptr, tbs, length);
 }
 
 // Auxiliary data.

@@ -1,6 +1,7 @@
 // Signatures over certificates, and over everything that is signed like them.
 #include <velpki/asn1_error.h>
 
+#include "x509/internal/received.h"
 #include "x509/internal/x509.h"
 
 namespace velpki {
@@ -117,8 +118,7 @@ int attach_signature(X509_CERT &cert, owned<ASN1_STRING> signature) noexcept {
   if (!replace(cert, &X509_CERT::sig_alg, cert.tbs->signature)) return 1;
   free_ASN1_STRING(cert.sig_value);
   cert.sig_value = signature.release();
-  if (cert.received) Flat<X509_RECEIVED>::release(cert.received);
-  cert.received = nullptr;
+  drop_received(cert);
   return 0;
 }
 

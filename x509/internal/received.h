@@ -1,12 +1,12 @@
-// The octets that a certificate was decoded from, kept beside its members.
+// The octets that a signed record was decoded from, kept beside its members.
 #pragma once
 
 #include "x509/internal/x509.h"
 
 // One block: the octets stand behind the struct.
 struct x509_received {
-  int length;      // of the whole certificate
-  int tbs_offset;  // where the TBS stands in it
+  int length;      // of the whole record
+  int tbs_offset;  // where the part that is signed stands in it
   int tbs_length;
 };
 
@@ -18,7 +18,16 @@ inline Octets received_whole(const X509_RECEIVED &received) noexcept {
 inline Octets received_tbs(const X509_RECEIVED &received) noexcept {
   return received_whole(received).subspan(size_t(received.tbs_offset), size_t(received.tbs_length));
 }
-// A copy of a decoded certificate's octets; `tbs` lies in its content.
-X509_RECEIVED *new_received(const Tlv &certificate, Octets tbs) noexcept;
+// A copy of a decoded record's octets; `tbs` lies in its content.
+X509_RECEIVED *new_received(const Tlv &record, Octets tbs) noexcept;
+// What get_..._received functions lend: null, and 0 in `*length`, where nothing is kept.
+const unsigned char *lend_received(const X509_RECEIVED *received, int tbs, int *length) noexcept;
+
+// A record is about to change: what it keeps no longer describes it.
+template <class R>
+void drop_received(R &record) noexcept {
+  if (record.received) Flat<X509_RECEIVED>::release(record.received);
+  record.received = nullptr;
+}
 
 }  // namespace velpki

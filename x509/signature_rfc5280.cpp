@@ -1,0 +1,231 @@
+// Signatures in standard form: over the octets that were received, and with what the algorithm says.
+#include "x509/internal/signature.h"
+
+#include <velpki/asn1_error.h>
+
+namespace velpki {
+
+namespace {
+
+constexpr size_t kEd25519Key = 32, kEd25519Signature = 64;
+
+// One verification: the signed octets, the signature, the signer's key and the digest of the algorithm.
+struct Task {
+  Octets tbs;
+  Octets signature;
+  const X509_PUBKEY &signer;
+  int digest_id;
+  int function;
+  int failure(int reason) const noexcept { return fail(function, reason); }
+};
+
+// A key of another kind than the algorithm's, or of no kind that is known here.
+int wrong_key(const Task &task) noexcept {
+  return task.failure(task.signer.key ? ERR_ALGORITHM_MISMATCH : kUnsupported);
+}
+
+int verify_rsa_pkcs1(const Task &task) noexcept {
+  const RSA_UNIT *key = ASYMMETRIC_KEY_to_RSA_UNIT(task.signer.key);
+  if (!key) return wrong_key(task);
+  return PKV_RSASSA_VERIFY(key, task.digest_id, PKV_RSA_PKCS1, task.tbs.data(), int(task.tbs.size()),
+                           task.signature.data(), int(task.signature.size()));
+}
+
+int verify_ecdsa(const Task &task) noexcept {
+  const ECC_UNIT *key = ASYMMETRIC_KEY_to_ECC_UNIT(task.signer.key);
+  if (!key) return wrong_key(task);
+  SignatureHalves halves;
+  if (!read_ecdsa_value(task.signature, halves)) return task.failure(ERR_ASN1_DECODING);
+  return PKV_ECDSA_VERIFY(key, task.digest_id, task.tbs.data(), int(task.tbs.size()), halves.r.data(),
+                          int(halves.r.size()), halves.s.data(), int(halves.s.size()));
+}
+
+int verify_kcdsa_value(const Task &task) noexcept {
+  const KCDSA_UNIT *key = ASYMMETRIC_KEY_to_KCDSA_UNIT(task.signer.key);
+  if (!key) return wrong_key(task);
+  SignatureHalves halves;
+  if (!read_kcdsa_value(task.signature, halves)) return task.failure(ERR_ASN1_DECODING);
+  return PKV_KCDSA_VERIFY(key, task.digest_id, task.tbs.data(), int(task.tbs.size()), halves.r.data(),
+                          int(halves.r.size()), halves.s.data(), int(halves.s.size()));
+}
+
+int verify_ed25519(const Task &task) noexcept {
+  const bool has_key = task.signer.algorithm && text(*task.signer.algorithm) == "1.3.101.112" &&
+                       task.signer.subjectPublicKey && task.signer.subjectPublicKey->length == kEd25519Key;
+  if (!has_key) return task.failure(ERR_ALGORITHM_MISMATCH);
+  if (task.signature.size() != kEd25519Signature) return task.failure(ERR_ASN1_DECODING);
+  return PKV_ED25519_VERIFY(task.signer.subjectPublicKey->data, task.tbs.data(), int(task.tbs.size()),
+                            task.signature.data());
+}
+
+// The other direction: signs `tbs` and appends the signature's octets.
+struct Signing {
+  Octets tbs;
+  const ASYMMETRIC_KEY *key;
+  int digest_id;
+  int function;
+  int failure(int reason) const noexcept { return fail(function, reason); }
+};
+
+constexpr int kHalfRoom = 72;  // a half of a P-521 signature has 66 octets
+
+int sign_rsa_pkcs1(const Signing &task, DerWriter &out) noexcept {
+  const RSA_UNIT *key = ASYMMETRIC_KEY_to_RSA_UNIT(task.key);
+  if (!key) return task.failure(ERR_ALGORITHM_MISMATCH);
+  return write_rsa_signature(task.tbs, key, task.digest_id, PKV_RSA_PKCS1, task.function, out);
+}
+
+int sign_ecdsa(const Signing &task, DerWriter &out) noexcept {
+  const ECC_UNIT *key = ASYMMETRIC_KEY_to_ECC_UNIT(task.key);
+  if (!key) return task.failure(ERR_ALGORITHM_MISMATCH);
+  uint8_t r[kHalfRoom], s[kHalfRoom];
+  int r_length = 0, s_length = 0;
+  if (const int code = PKV_Get_ECC_Lengths(key, &r_length, &s_length)) return code;
+  if (r_length > kHalfRoom || s_length > kHalfRoom) return task.failure(kBadValue);
+  const int code = PKV_ECDSA_SIGN(key, task.digest_id, task.tbs.data(), int(task.tbs.size()), r, s);
+  if (!code) write_ecdsa_value(octets_of(r, r_length), octets_of(s, s_length), out);
+  return code;
+}
+
+int sign_kcdsa_value(const Signing &task, DerWriter &out) noexcept {
+  const KCDSA_UNIT *key = ASYMMETRIC_KEY_to_KCDSA_UNIT(task.key);
+  if (!key) return task.failure(ERR_ALGORITHM_MISMATCH);
+  return write_kcdsa_signature(task.tbs, key, task.digest_id, task.function, out);
+}
+
+enum class Parameters { null_or_absent, absent };
+
+struct Algorithm {
+  std::string_view oid;
+  int digest_id;
+  Parameters parameters;
+  int (*verify)(const Task &) noexcept;
+  int (*sign)(const Signing &, DerWriter &) noexcept;  // null where this library cannot
+};
+
+// clang-format off
+constexpr Algorithm kAlgorithms[] = {
+    {"1.2.840.113549.1.1.4",  PKV_DIGEST_MD5,    Parameters::null_or_absent, verify_rsa_pkcs1, sign_rsa_pkcs1},
+    {"1.2.840.113549.1.1.5",  PKV_DIGEST_SHA1,   Parameters::null_or_absent, verify_rsa_pkcs1, sign_rsa_pkcs1},
+    {"1.2.840.113549.1.1.14", PKV_DIGEST_SHA224, Parameters::null_or_absent, verify_rsa_pkcs1, sign_rsa_pkcs1},
+    {"1.2.840.113549.1.1.11", PKV_DIGEST_SHA256, Parameters::null_or_absent, verify_rsa_pkcs1, sign_rsa_pkcs1},
+    {"1.2.840.113549.1.1.12", PKV_DIGEST_SHA384, Parameters::null_or_absent, verify_rsa_pkcs1, sign_rsa_pkcs1},
+    {"1.2.840.113549.1.1.13", PKV_DIGEST_SHA512, Parameters::null_or_absent, verify_rsa_pkcs1, sign_rsa_pkcs1},
+    {"1.2.840.10045.4.1",     PKV_DIGEST_SHA1,   Parameters::absent, verify_ecdsa, sign_ecdsa},
+    {"1.2.840.10045.4.3.1",   PKV_DIGEST_SHA224, Parameters::absent, verify_ecdsa, sign_ecdsa},
+    {"1.2.840.10045.4.3.2",   PKV_DIGEST_SHA256, Parameters::absent, verify_ecdsa, sign_ecdsa},
+    {"1.2.840.10045.4.3.3",   PKV_DIGEST_SHA384, Parameters::absent, verify_ecdsa, sign_ecdsa},
+    {"1.2.840.10045.4.3.4",   PKV_DIGEST_SHA512, Parameters::absent, verify_ecdsa, sign_ecdsa},
+    {"1.3.101.112",           0,                 Parameters::absent, verify_ed25519, nullptr},
+    {"1.2.410.200004.1.22",   PKV_DIGEST_HAS160, Parameters::null_or_absent, verify_kcdsa_value, sign_kcdsa_value},
+    {"1.2.410.200004.1.23",   PKV_DIGEST_SHA1,   Parameters::null_or_absent, verify_kcdsa_value, sign_kcdsa_value},
+    {"1.2.410.200004.1.8",    PKV_DIGEST_HAS160, Parameters::null_or_absent, verify_kcdsa_value, sign_kcdsa_value},
+    {"1.2.410.200004.1.9",    PKV_DIGEST_SHA1,   Parameters::null_or_absent, verify_kcdsa_value, sign_kcdsa_value},
+};
+// clang-format on
+
+const Algorithm *find_algorithm(const OBJECT_IDENTIFIER &oid) noexcept {
+  for (const Algorithm &each : kAlgorithms)
+    if (text(oid) == each.oid) return &each;
+  return nullptr;
+}
+
+bool parameters_fit(const X509_ALGO_IDENTIFIER &identifier, Parameters wanted) noexcept {
+  if (!identifier.parameters) return true;
+  return wanted != Parameters::absent && identifier.parameters->type == TYPE_NULL && identifier.parameters->length == 0;
+}
+
+// The three parts of a signed structure, and the algorithm inside what is signed.
+struct Parts {
+  Tlv tbs, algorithm, signature, inner_algorithm;
+};
+
+bool take_apart(Octets whole, InnerAlgorithm inner, Parts &out) noexcept {
+  Tlv structure;
+  Rules rules;
+  if (!Tlv::parse(whole, rules, structure)) return false;
+  Cursor in(structure);
+  if (!in.next(out.tbs) || !in.next(out.algorithm) || !in.next(out.signature)) return false;
+  if (out.signature.identifier != TYPE_BIT_STRING) return false;
+  Cursor tbs(out.tbs);
+  return !inner || inner(tbs, out.inner_algorithm);
+}
+
+bool same(Octets a, Octets b) noexcept {
+  return a.size() == b.size() && std::memcmp(a.data(), b.data(), a.size()) == 0;
+}
+
+}  // namespace
+
+int verify_octets(Octets tbs, const Tlv &algorithm, Octets signature, const X509_PUBKEY &key, int function) noexcept {
+  owned<X509_ALGO_IDENTIFIER> identifier(new_X509_ALGO_IDENTIFIER());
+  if (!identifier) return fail(function, kNoMemory);
+  if (decode(algorithm, *identifier)) return fail(function, ERR_ASN1_DECODING);
+  const Algorithm *known = find_algorithm(*identifier->algorithm);
+  if (!known) return fail(function, kUnsupported);
+  if (!parameters_fit(*identifier, known->parameters)) return fail(function, ERR_ALGORITHM_MISMATCH);
+  return known->verify({tbs, signature, key, known->digest_id, function});
+}
+
+int verify_signed(Octets whole, InnerAlgorithm inner, const X509_PUBKEY &key, int function) noexcept {
+  Parts parts;
+  if (!take_apart(whole, inner, parts)) return fail(function, ERR_ASN1_DECODING);
+  if (inner && !same(parts.algorithm.whole, parts.inner_algorithm.whole)) {
+    return fail(function, ERR_ALGORITHM_MISMATCH);
+  }
+  const Octets bits = parts.signature.content;
+  if (bits.empty() || bits[0] != 0) return fail(function, ERR_UNUSED_BITS);
+  return verify_octets(parts.tbs.whole, parts.algorithm, bits.subspan(1), key, function);
+}
+
+int verify_received(const X509_RECEIVED *received, InnerAlgorithm inner, const X509_PUBKEY &key,
+                    int function) noexcept {
+  return received ? verify_signed(received_whole(*received), inner, key, function) : fail(function, kNullArgument);
+}
+
+int check_signing_algorithm(const OBJECT_IDENTIFIER *oid, int function) noexcept {
+  if (!oid) return fail(function, kNullArgument);
+  const Algorithm *known = find_algorithm(*oid);
+  return known && known->sign ? 0 : fail(function, kUnsupported);
+}
+
+int sign_octets(Octets tbs, const OBJECT_IDENTIFIER &oid, const ASYMMETRIC_KEY &key, int function,
+                DerWriter &out) noexcept {
+  if (const int code = check_signing_algorithm(&oid, function)) return code;
+  const Algorithm *known = find_algorithm(oid);
+  const int code = known->sign({tbs, &key, known->digest_id, function}, out);
+  return code ? code : out.result(function);
+}
+
+namespace {
+
+void write_signed(Octets tbs, const OBJECT_IDENTIFIER &oid, Octets signature, DerWriter &out) noexcept {
+  const auto sequence = out.sequence();
+  out.raw(tbs);
+  write_algorithm_with_null(oid, out);
+  out.bits(signature);
+}
+
+int keep(const DerWriter &whole, int function, Signed &out) noexcept {
+  if (const int code = whole.result(function)) return code;
+  Tlv structure, tbs;
+  Rules rules;
+  if (!Tlv::parse(whole.written(), rules, structure) || !Cursor(structure).next(tbs)) {
+    return fail(function, ERR_ASN1_ENCODING);
+  }
+  out.received.reset(new_received(structure, tbs.whole));
+  return out.received && out.algorithm && out.signature ? 0 : fail(function, kNoMemory);
+}
+
+}  // namespace
+
+int sign_tbs(Octets tbs, const OBJECT_IDENTIFIER &oid, const ASYMMETRIC_KEY &key, int function, Signed &out) noexcept {
+  DerWriter signature, whole(kStandardRules);
+  if (const int code = sign_octets(tbs, oid, key, function, signature)) return code;
+  write_signed(tbs, oid, signature.written(), whole);
+  out.algorithm.reset(dup_OBJECT_IDENTIFIER(&oid));
+  out.signature.reset(new_string(TYPE_BIT_STRING, signature.written()));
+  return keep(whole, function, out);
+}
+
+}  // namespace velpki
