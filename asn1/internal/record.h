@@ -211,6 +211,14 @@ bool replace(R &record, T *R::*member, const T *value) noexcept {
     static T *copy(const T *record) noexcept { return dup_##T(record); } \
   };
 
+// The same for a record without dup_.
+#define VELPKI_FLAT_WITHOUT_DUP(T)                                \
+  template <>                                                     \
+  struct Flat<T> {                                                \
+    static T *make() noexcept { return new_##T(); }               \
+    static void release(T *record) noexcept { free_##T(record); } \
+  };
+
 // The flat functions of a record whose life has no peculiarity.
 #define VELPKI_LIFE_CYCLE(T)                                     \
   T *new_##T(void) noexcept { return velpki::make<T>(); }        \
@@ -222,6 +230,10 @@ bool replace(R &record, T *R::*member, const T *value) noexcept {
   T *new_##T(void) noexcept { return velpki::make<T>(); }        \
   void free_##T(T *record) noexcept { velpki::destroy(record); } \
   T *dup_##T(const T *record) noexcept { return velpki::copy(record); }
+// Those of a record that is only made and released.
+#define VELPKI_NEW_AND_FREE(T)                            \
+  T *new_##T(void) noexcept { return velpki::make<T>(); } \
+  void free_##T(T *record) noexcept { velpki::destroy(record); }
 // The flat functions of a list of elements.
 #define VELPKI_LIST(L, E)                           \
   L *new_##L(void) noexcept { return new_STACK(); } \

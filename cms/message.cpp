@@ -1,0 +1,89 @@
+#include "cms/internal/message.h"
+
+namespace velpki {
+
+namespace {
+
+// Appends the octets of a string, or of its segments in their order.
+bool append_segments(const Tlv &tlv, DerWriter &out, Cursor &failure) noexcept {
+  if (!(tlv.identifier & tag::kConstructed)) return out.raw(tlv.content), true;
+  Cursor in(tlv);
+  for (Tlv segment; !in.at_end();) {
+    if (!in.next(segment)) return failure.absorb(in);
+    if (segment.number() != TYPE_OCTET_STRING || tag::is_context_or_private(segment.identifier)) {
+      return failure.stop(Read::malformed);
+    }
+    if (!append_segments(segment, out, failure)) return false;
+  }
+  return failure.absorb(in);
+}
+
+}  // namespace
+
+Read read_joined_octets(const Tlv &tlv, ASN1_STRING *&out) noexcept {
+  if (!(tlv.identifier & tag::kConstructed)) return read_string(tlv, TYPE_OCTET_STRING, out);
+  DerWriter joined;
+  Cursor outcome{Tlv()};
+  if (!append_segments(tlv, joined, outcome)) return outcome.reason();
+  if (joined.failed()) return joined.status();
+  ASN1_STRING *string = new_string(TYPE_OCTET_STRING, joined.written());
+  if (!string) return Read::no_memory;
+  out = string;
+  return Read::ok;
+}
+
+bool MessageReader::octets(ASN1_STRING *&out) noexcept {
+  Tlv child;
+  return next(child) &&
+         (child.identifier == (TYPE_OCTET_STRING | tag::kConstructed) || expect(child, TYPE_OCTET_STRING)) &&
+         keep(read_joined_octets(child, out));
+}
+
+bool MessageReader::optional_implicit_octets(int n, ASN1_STRING *&out) noexcept {
+  while (at(tag::implicit_context(n)) || at(tag::explicit_context(n))) {
+    Tlv child;
+    free_ASN1_STRING(std::exchange(out, nullptr));
+    if (!next(child) || !keep(read_joined_octets(child, out))) return false;
+  }
+  return true;
+}
+
+bool set_version(BIGINT *&version, unsigned word) noexcept {
+  owned<BIGINT> fresh(PKV_New_BIGINT());
+  if (!fresh || PKV_Set_BIGINT_Word(fresh.get(), word)) return false;
+  PKV_Free_BIGINT(version);
+  version = fresh.release();
+  return true;
+}
+
+int compare_issuer_and_serial(const X509_CERT *cert, const X509_NAME *issuer, const BIGINT *serial) noexcept {
+  const BIGINT *own_serial = get_X509_serial(cert);
+  const X509_NAME *own_issuer = get_X509_issuer(cert);
+  if (!serial || !own_serial || PKV_Cmp_BIGINT(own_serial, serial) != 0) return -1;
+  return issuer && own_issuer ? cmp_X509_NAME(own_issuer, issuer) : -1;
+}
+
+X509_CERT *find_certificate(const STACK *certificates, const X509_NAME *issuer, const BIGINT *serial) noexcept {
+  for (X509_CERT *cert : elements<X509_CERT>(certificates))
+    if (compare_issuer_and_serial(cert, issuer, serial) == 0) return cert;
+  return nullptr;
+}
+
+int decode_algorithms(const Tlv &tlv, STACK &list) noexcept {
+  return decode_list<X509_ALGO_IDENTIFIER>(tlv, list, F_SEQ_TO_X509_ALGO_IDENTIFIERS, decode);
+}
+
+int encode_algorithms(const STACK &list, DerWriter &out) noexcept {
+  return encode_list<X509_ALGO_IDENTIFIER>(list, out, tag::kSet, F_X509_ALGO_IDENTIFIERS_TO_SEQ, encode);
+}
+
+int decode_certificates(const Tlv &tlv, STACK &list) noexcept {
+  return decode_list<X509_CERT>(tlv, list, F_SEQ_TO_X509_CERT, decode);
+}
+
+int encode_certificates(const STACK *list, uint8_t identifier, DerWriter &out) noexcept {
+  if (!list || list->count == 0) return 0;
+  return encode_list<X509_CERT>(*list, out, identifier, F_X509_CERT_TO_SEQ, encode);
+}
+
+}  // namespace velpki

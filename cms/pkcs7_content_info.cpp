@@ -1,0 +1,152 @@
+// P7_CONTENT_INFO and the types of content that it holds.
+#include "asn1/internal/io.h"
+#include "cms/internal/content_type.h"
+
+namespace velpki {
+
+namespace {
+
+void *make_octets() noexcept { return new_string(TYPE_OCTET_STRING, {}); }
+void release_octets(void *content) noexcept { free_ASN1_STRING(static_cast<ASN1_STRING *>(content)); }
+void read_octets(MessageReader &in, void *&out) noexcept {
+  ASN1_STRING *string = nullptr;
+  in.octets(string);
+  out = string;
+}
+int write_octets(const void *content, DerWriter &out) noexcept {
+  out.octets_as(TYPE_OCTET_STRING, static_cast<const ASN1_STRING *>(content));
+  return 0;
+}
+
+void release_unit(void *content) noexcept { free_ASN1_UNIT(static_cast<ASN1_UNIT *>(content)); }
+void read_unit_content(MessageReader &in, void *&out) noexcept {
+  ASN1_UNIT *unit = nullptr;
+  in.unit(unit);
+  out = unit;
+}
+int write_unit(const void *content, DerWriter &out) noexcept {
+  out.unit(static_cast<const ASN1_UNIT *>(content));
+  return 0;
+}
+
+template <class R>
+constexpr ContentType record_type(int row, int version) noexcept {
+  return {row,
+          version,
+          []() noexcept -> void * { return Flat<R>::make(); },
+          [](void *content) noexcept { Flat<R>::release(static_cast<R *>(content)); },
+          [](MessageReader &in, void *&out) noexcept {
+            R *record = nullptr;
+            in.record(record);
+            out = record;
+          },
+          [](const void *content, DerWriter &out) noexcept { return encode(*static_cast<const R *>(content), out); }};
+}
+
+constexpr ContentType kTypes[] = {
+    {PKCS7_DATA, -1, make_octets, release_octets, read_octets, write_octets},
+    record_type<P7_SIGNED_DATA>(PKCS7_SIGNED_DATA, 1),
+    record_type<P7_ENVELOPED_DATA>(PKCS7_ENVELOPED_DATA, 0),
+    record_type<P7_SIGNED_AND_ENVELOPED_DATA>(PKCS7_SIGNED_AND_ENVELOPED_DATA, 1),
+    record_type<P7_DIGESTED_DATA>(PKCS7_DIGESTED_DATA, 0),
+    record_type<P7_ENCRYPTED_DATA>(PKCS7_ENCRYPTED_DATA, 0),
+    {PKCS7_TRUST_LIST, -1, nullptr, release_unit, read_unit_content, write_unit},
+};
+
+}  // namespace
+
+const ContentType *content_type(int row) noexcept {
+  for (const ContentType &each : kTypes)
+    if (each.row == row) return &each;
+  return nullptr;
+}
+
+BIGINT **version_of(const P7_CONTENT_INFO &p7) noexcept {
+  switch (p7.content ? p7.kind : 0) {
+    case PKCS7_SIGNED_DATA:
+      return &signed_data(&p7)->version;
+    case PKCS7_ENVELOPED_DATA:
+      return &enveloped_data(&p7)->version;
+    case PKCS7_SIGNED_AND_ENVELOPED_DATA:
+      return &signed_and_enveloped_data(&p7)->version;
+    case PKCS7_DIGESTED_DATA:
+      return &digested_data(&p7)->version;
+    case PKCS7_ENCRYPTED_DATA:
+      return &encrypted_data(&p7)->version;
+    default:
+      return nullptr;
+  }
+}
+
+void drop_content(P7_CONTENT_INFO &p7) noexcept {
+  if (const ContentType *type = content_type(p7.kind); type && p7.content) type->release(p7.content);
+  p7.content = nullptr;
+  p7.kind = 0;
+}
+
+namespace {
+
+// content [0] EXPLICIT ANY DEFINED BY contentType OPTIONAL
+void read_content(MessageReader &in, const ContentType &type, P7_CONTENT_INFO &out) noexcept {
+  while (in.at(tag::explicit_context(0))) {
+    Tlv wrapper;
+    drop_content(out);
+    if (!in.next(wrapper)) return;
+    MessageReader inside(wrapper);
+    out.kind = type.row;
+    type.read(inside, out.content);
+    if (!in.join(inside)) return;
+  }
+}
+
+}  // namespace
+
+// ContentInfo ::= SEQUENCE { contentType OBJECT IDENTIFIER, content [0] EXPLICIT ANY DEFINED BY contentType OPTIONAL }
+int decode(const Tlv &tlv, P7_CONTENT_INFO &out) noexcept {
+  MessageReader in(tlv);
+  if (!in.oid(out.contentType)) return in.result(F_SEQ_TO_P7_CONTENT_INFO);
+  const ContentType *type = content_type(index_from_OBJECT_IDENTIFIER(out.contentType));
+  if (!type) return fail(F_SEQ_TO_P7_CONTENT_INFO, kUnsupported);
+  read_content(in, *type, out);
+  return in.result(F_SEQ_TO_P7_CONTENT_INFO);
+}
+
+int encode(const P7_CONTENT_INFO &info, DerWriter &out) noexcept {
+  const auto sequence = out.sequence();
+  out.oid(info.contentType);
+  if (!info.content) return 0;
+  const ContentType *type = content_type(info.kind);
+  if (!type || index_from_OBJECT_IDENTIFIER(info.contentType) != info.kind) {
+    return fail(F_P7_CONTENT_INFO_TO_SEQ, ERR_ASN1_ENCODING);
+  }
+  const auto wrapper = out.explicit_context(0);
+  return type->write(info.content, out);
+}
+
+namespace {
+
+constexpr Codec<P7_CONTENT_INFO> kCodec{F_SEQ_TO_P7_CONTENT_INFO, F_P7_CONTENT_INFO_TO_SEQ, decode, encode, "PKCS7"};
+
+}  // namespace
+
+}  // namespace velpki
+
+using namespace velpki;
+
+P7_CONTENT_INFO *new_P7_CONTENT_INFO(void) noexcept { return allocate_record<P7_CONTENT_INFO>(); }
+
+void free_P7_CONTENT_INFO(P7_CONTENT_INFO *p) noexcept {
+  if (!p) return;
+  drop_content(*p);
+  free_OBJECT_IDENTIFIER(p->contentType);
+  release(p);
+}
+
+int P7_CONTENT_INFO_to_Seq(const P7_CONTENT_INFO *in, ASN1_UNIT **out) noexcept {
+  return to_seq(F_P7_CONTENT_INFO_TO_SEQ, in, out, encode);
+}
+int Seq_to_P7_CONTENT_INFO(ASN1_UNIT *in, P7_CONTENT_INFO **out) noexcept {
+  return from_seq(F_SEQ_TO_P7_CONTENT_INFO, in, out, decode);
+}
+
+VELPKI_IO(P7_CONTENT_INFO, kCodec)
