@@ -41,6 +41,7 @@ bool Cursor::unit(ASN1_UNIT *&out) noexcept {
 
 int Cursor::result(int function) const noexcept {
   if (reason_ == Read::ok) return 0;
+  if (code_) return code_;
   return fail(function, reason_ == Read::no_memory ? kNoMemory : ERR_ASN1_DECODING);
 }
 

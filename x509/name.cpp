@@ -33,11 +33,11 @@ bool make_room(STACK &name, int more) noexcept {
   return wanted <= INT_MAX && reserve_stack(&name, int(wanted));
 }
 
+}  // namespace
+
 // RelativeDistinguishedName ::= SET OF AttributeTypeAndValue. House form keeps the first one; standard form keeps all,
 // and those of one set share a number.
-bool read_rdn(Cursor &in, STACK &name) noexcept {
-  Tlv set;
-  if (!in.next(TYPE_SET, set)) return false;
+bool read_rdn(Cursor &in, const Tlv &set, STACK &name) noexcept {
   Cursor rdn(set);
   const int before = name.count;
   const int count = in.rules().standard ? count_values(set.content, rdn.rules()) : 1;
@@ -48,13 +48,12 @@ bool read_rdn(Cursor &in, STACK &name) noexcept {
   return in.absorb(rdn);
 }
 
-}  // namespace
-
 // Name ::= SEQUENCE OF RelativeDistinguishedName
 int decode_name(const Tlv &tlv, STACK &name) noexcept {
   Cursor in(tlv);
   if (!reserve_stack(&name, count_values(tlv.content, in.rules()))) in.stop(Read::no_memory);
-  while (in.reason() == Read::ok && !in.at_end()) read_rdn(in, name);
+  for (Tlv set; in.reason() == Read::ok && !in.at_end();)
+    if (in.next(TYPE_SET, set)) read_rdn(in, set, name);
   return in.result(F_SEQ_TO_X509_NAME);
 }
 
@@ -74,21 +73,31 @@ bool continues_rdn(const STACK &name, int index) noexcept {
 
 }  // namespace
 
-int encode_name(const STACK &name, DerWriter &out) noexcept {
-  const auto sequence = out.sequence();
-  for (int i = 0; i < name.count;) {
-    const auto rdn = out.set();
-    const size_t start = out.size();
-    do {
-      const auto *child = element<X509_NAME_CHILD>(&name, i);
-      if (!child) return fail(F_X509_NAME_TO_SEQ, kBadValue);
-      if (!child->type || !child->value) return fail(F_X509_NAME_TO_SEQ, ERR_ASN1_ENCODING);
-      write_attribute(*child, out);
-    } while (++i < name.count && out.rules().standard && continues_rdn(name, i));
-    if (out.rules().standard) out.sort_values(start);
-  }
+int encode_rdn(const STACK &name, int &index, DerWriter &out, uint8_t identifier) noexcept {
+  const auto rdn = out.constructed(identifier);
+  const size_t start = out.size();
+  do {
+    const auto *child = element<X509_NAME_CHILD>(&name, index);
+    if (!child) return fail(F_X509_NAME_TO_SEQ, kBadValue);
+    if (!child->type || !child->value) return fail(F_X509_NAME_TO_SEQ, ERR_ASN1_ENCODING);
+    write_attribute(*child, out);
+  } while (++index < name.count && out.rules().standard && continues_rdn(name, index));
+  if (out.rules().standard) out.sort_values(start);
   return 0;
 }
+
+int encode_name(const STACK &name, DerWriter &out, uint8_t identifier) noexcept {
+  const auto sequence = out.constructed(identifier);
+  for (int i = 0; i < name.count;)
+    if (const int code = encode_rdn(name, i, out)) return code;
+  return 0;
+}
+
+namespace {
+
+int encode_sequence(const STACK &name, DerWriter &out) noexcept { return encode_name(name, out); }
+
+}  // namespace
 
 }  // namespace velpki
 
@@ -186,10 +195,10 @@ void remove_X509_NAME_child(X509_NAME *name, int index) noexcept {
 }
 
 int X509_NAME_to_Seq(const X509_NAME *in, ASN1_UNIT **out) noexcept {
-  return to_refilled_seq(F_X509_NAME_TO_SEQ, in, out, encode_name);
+  return to_refilled_seq(F_X509_NAME_TO_SEQ, in, out, encode_sequence);
 }
 int X509_NAME_to_Seq_RFC5280(const X509_NAME *in, ASN1_UNIT **out) noexcept {
-  return to_refilled_seq(F_X509_NAME_TO_SEQ, in, out, encode_name, kStandardRules);
+  return to_refilled_seq(F_X509_NAME_TO_SEQ, in, out, encode_sequence, kStandardRules);
 }
 int Seq_to_X509_NAME(ASN1_UNIT *in, X509_NAME **out) noexcept {
   return list_from_seq<X509_NAME_CHILD>(F_SEQ_TO_X509_NAME, in, out, decode_name);

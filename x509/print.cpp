@@ -4,12 +4,9 @@
 
 #include <cstdio>
 
-#include "asn1/internal/print.h"
-#include "x509/internal/x509.h"
+#include "x509/internal/print.h"
 
 namespace velpki {
-
-namespace {
 
 // The registry's short name of an OID, or its dotted text when it has no row.
 std::string_view short_name(const OBJECT_IDENTIFIER &oid) noexcept {
@@ -22,7 +19,7 @@ std::string_view long_name(const OBJECT_IDENTIFIER &oid) noexcept {
   return name ? std::string_view(name) : text(oid);
 }
 
-void print_text(std::string_view text) noexcept { print_visible(octets_of_text(text)); }
+namespace {
 
 // UCS-2 becomes UTF-8 in a small buffer, a character at a time, so that it is shown like any other text.
 void print_ucs2(Octets value) noexcept {
@@ -43,6 +40,8 @@ void print_ucs2(Octets value) noexcept {
   print_visible(value);
 }
 
+}  // namespace
+
 void print_value(const ASN1_STRING &value) noexcept {
   if (value.type == TYPE_BMP_STRING)
     print_ucs2(octets(value));
@@ -62,6 +61,8 @@ void print_time(const char *label, const X509_TIME *time) noexcept {
   if (time && time->time) print_visible(octets(*time->time));
   std::fputs("\n", stdout);
 }
+
+namespace {
 
 void print_algorithm_line(const OBJECT_IDENTIFIER *oid) noexcept {
   if (!oid) return;

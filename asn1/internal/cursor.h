@@ -41,8 +41,10 @@ class Cursor {
 
   bool oid(OBJECT_IDENTIFIER *&out) noexcept {
     Tlv child;
-    return next(TYPE_OBJECT_IDENTIFIER, child) && keep(read_oid_by_rules(child, out));
+    return next(TYPE_OBJECT_IDENTIFIER, child) && oid_content(child, out);
   }
+  // The content of a child that was taken, as an OID.
+  bool oid_content(const Tlv &child, OBJECT_IDENTIFIER *&out) noexcept { return keep(read_oid_by_rules(child, out)); }
   bool integer(BIGINT *&out) noexcept;
   bool string(int type, ASN1_STRING *&out) noexcept {
     Tlv child;
@@ -66,6 +68,8 @@ class Cursor {
   bool absorb(int code) noexcept {
     return code == 0 || stop((code & 0xFFFF) == kNoMemory ? Read::no_memory : Read::malformed);
   }
+  // Ends the walk with the code of an inner decoder, which goes up as it is.
+  bool pass(int code) noexcept { return code == 0 || (code_ = code_ ? code_ : code, stop(Read::malformed)); }
   // A null that can only mean exhausted memory.
   template <class T>
   bool made(const T *pointer) noexcept {
@@ -73,7 +77,7 @@ class Cursor {
   }
 
   Read reason() const noexcept { return reason_; }
-  // The code of a decoder that read what it could: 0, `function` with ERR_ASN1_DECODING, or with 3C for memory.
+  // The code of a decoder that read what it could: 0, the one passed up, or `function` with ERR_ASN1_DECODING or 3C.
   [[nodiscard]] int result(int function) const noexcept;
 
  private:
@@ -88,6 +92,7 @@ class Cursor {
   Octets rest_;
   Rules rules_;
   Read reason_ = Read::ok;
+  int code_ = 0;
 };
 
 // The number of values that follow each other in `octets`, up to the first that does not fit.

@@ -56,6 +56,11 @@ class DerWriter {
     if (uint8_t *at = reserve(1)) at[0] = value, ++size_;
   }
 
+  // Overwrites the identifier of a value that was written from `at` on.
+  void retag(size_t at, uint8_t identifier) noexcept {
+    if (!failed()) data_[at] = identifier;
+  }
+
   // Puts the values written since `from` into the order of DER's SET OF (X.690 11.6).
   void sort_values(size_t from) noexcept;
 

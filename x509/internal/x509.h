@@ -54,7 +54,10 @@ inline constexpr int kKcdsa1 = 782;
 // The codecs. Decoders fill a blank record; encoders write one value. Both return 0 or a composite code; what a
 // DerWriter refuses shows in its own result.
 int decode_name(const Tlv &tlv, STACK &name) noexcept;
-int encode_name(const STACK &name, DerWriter &out) noexcept;
+int encode_name(const STACK &name, DerWriter &out, uint8_t identifier = tag::kSequence) noexcept;
+// One RDN: the attributes of `set`, whatever its identifier; and those from `index` on, which moves past them.
+bool read_rdn(Cursor &in, const Tlv &set, STACK &name) noexcept;
+int encode_rdn(const STACK &name, int &index, DerWriter &out, uint8_t identifier = tag::kSet) noexcept;
 int decode(const Tlv &tlv, X509_ALGO_IDENTIFIER &out) noexcept;
 int encode(const X509_ALGO_IDENTIFIER &identifier, DerWriter &out) noexcept;
 int decode(const Tlv &tlv, X509_ATTRIBUTE &out) noexcept;

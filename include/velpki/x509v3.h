@@ -1,0 +1,436 @@
+/* velpki/x509v3.h: what stands inside the extensions of certificates, CRLs and CRL entries (RFC 5280 4.2 and 5.2).
+ *
+ * Families (new_, free_, dup_, X_to_Seq, Seq_to_X) behave as docs/conventions.md says of SAMPLE, with two differences:
+ * a list passed to Seq_to_ is appended to, all or nothing, and a failing element's own code goes up. Codes: each
+ * function's own with reason 49, 3C, ERR_ASN1_ENCODING (a missing or unencodable member), ERR_ASN1_DECODING (a missing
+ * or unreadable one), and 2B for a list without elements.
+ *
+ * @warning X_to_Seq and Seq_to_X have the house form, which departs from the standard in the tags that each section
+ * names; others cannot read those values. The _RFC5280 pairs have the standard's form over the same records: exact
+ * identifiers, members in their order and once, nothing left over, no empty list. A value that one form wrote may read
+ * as something else in the other.
+ *
+ * Numbers are magnitudes in house form (02 01 FF is 255); the standard form refuses negative ones. Conventions:
+ * docs/conventions.md. */
+#ifndef VELPKI_X509V3_H
+#define VELPKI_X509V3_H
+
+#include <velpki/x509.h>
+
+VELPKI_BEGIN
+
+/* Records. */
+
+enum {
+  GENERAL_NAME_OTHER = 0,      /* OTHERNAME */
+  GENERAL_NAME_RFC822 = 1,     /* IA5_STRING */
+  GENERAL_NAME_DNS = 2,        /* IA5_STRING */
+  GENERAL_NAME_X400 = 3,       /* ASN1_UNIT */
+  GENERAL_NAME_DIRECTORY = 4,  /* X509_NAME */
+  GENERAL_NAME_EDIPARTY = 5,   /* EDIPARTYNAME */
+  GENERAL_NAME_URI = 6,        /* IA5_STRING */
+  GENERAL_NAME_IP = 7,         /* OCTET_STRING */
+  GENERAL_NAME_REGISTERED = 8, /* OBJECT_IDENTIFIER */
+};
+typedef struct {
+  int type;    /* one of GENERAL_NAME_ */
+  void *value; /* owned, of the type that GENERAL_NAME_ names; null in the empty name */
+} GENERAL_NAME;
+typedef STACK GENERAL_NAMES; /* of GENERAL_NAME */
+
+typedef struct {
+  OBJECT_IDENTIFIER *type_id; /* null in a house subtree base whose choice is lost */
+  ASN1_STRING *value;         /* the encoded value, identifier and length included */
+} OTHERNAME;
+typedef struct {
+  ASN1_STRING *nameAssigner; /* null when absent */
+  ASN1_STRING *partyName;
+} EDIPARTYNAME;
+
+typedef struct {
+  int ca;                 /* the octet of the BOOLEAN as decoded; not 0 is a CA */
+  int *pathLenConstraint; /* owned, made with PKV_Malloc; null when absent */
+} BASIC_CONSTRAINTS;
+
+typedef struct {
+  OCTET_STRING *keyIdentifier;
+  GENERAL_NAMES *authorityCertIssuer;
+  BIGINT *authorityCertSerialNumber;
+} AUTHORITY_KEYID;
+
+typedef struct {
+  OBJECT_IDENTIFIER *accessMethod;
+  GENERAL_NAME *accessLocation;
+} ACCESS_DESCRIPTION;
+typedef STACK AUTHORITY_INFO_ACCESS; /* of ACCESS_DESCRIPTION */
+
+typedef STACK EXTENDED_KEY_USAGE; /* of OBJECT_IDENTIFIER */
+
+enum { DIST_POINT_NAME_FULL = 0, DIST_POINT_NAME_RELATIVE = 1 };
+typedef struct {
+  int type;    /* one of DIST_POINT_NAME_ */
+  STACK *name; /* GENERAL_NAMES, or for a relative name the X509_NAME of one RDN */
+} DIST_POINT_NAME;
+typedef struct {
+  DIST_POINT_NAME *distpoint;
+  BIT_STRING *reasons;
+  GENERAL_NAMES *CRLissuer;
+} DIST_POINT;
+typedef STACK CRL_DIST_POINTS; /* of DIST_POINT */
+
+typedef struct {
+  DIST_POINT_NAME *distpoint;
+  int onlyContainsUserCerts; /* the flags hold the octet of the BOOLEAN as decoded */
+  int onlyContainsCACerts;
+  BIT_STRING *onlySomeReasons;
+  int indirectCRL;
+  int onlyContainsAttributeCerts; /* neither read nor written in house form */
+} ISSUING_DIST_POINT;
+typedef STACK ISSUING_DIST_POINTS; /* of ISSUING_DIST_POINT */
+
+typedef STACK NOTICE_NUMBERS; /* of BIGINT */
+typedef struct {
+  ASN1_STRING *organization; /* its `type` is the string type as encoded */
+  NOTICE_NUMBERS *noticeNumbers;
+} NOTICE_REFERENCE;
+typedef struct {
+  NOTICE_REFERENCE *noticeRef;
+  ASN1_STRING *explicitText; /* its `type` is the string type as encoded */
+} USER_NOTICE;
+enum { POLICY_QUALIFIER_BY_ID = 0, POLICY_QUALIFIER_CPS = 1, POLICY_QUALIFIER_NOTICE = 2, POLICY_QUALIFIER_OTHER = 3 };
+typedef struct {
+  OBJECT_IDENTIFIER *policyQualifierId;
+  void *qualifier; /* IA5_STRING, USER_NOTICE or, of another kind, ASN1_UNIT (_RFC5280 only); null for none */
+  int kind;        /* what `qualifier` is, one of POLICY_QUALIFIER_; _BY_ID: what its OID says, else nothing owned */
+} POLICY_QUALIFIER_INFO;
+typedef STACK POLICY_QUALIFIERS; /* of POLICY_QUALIFIER_INFO */
+typedef struct {
+  OBJECT_IDENTIFIER *policyIdentifier;
+  POLICY_QUALIFIERS *policyQualifiers; /* null when absent */
+} POLICY_INFO;
+typedef STACK CERTIFICATE_POLICIES; /* of POLICY_INFO */
+typedef struct {
+  OBJECT_IDENTIFIER *issuerDomainPolicy;
+  OBJECT_IDENTIFIER *subjectDomainPolicy;
+} POLICY_MAPPING;
+typedef STACK POLICY_MAPPINGS; /* of POLICY_MAPPING */
+typedef struct {
+  BIGINT *requireExplicitPolicy; /* certificates that may be skipped; null when absent */
+  BIGINT *inhibitPolicyMapping;
+} POLICY_CONSTRAINTS;
+
+typedef struct {
+  GENERAL_NAME *base;
+  BIGINT *minimum;
+  BIGINT *maximum;
+} GENERAL_SUBTREE;
+typedef STACK GENERAL_SUBTREES; /* of GENERAL_SUBTREE */
+typedef struct {
+  GENERAL_SUBTREES *permittedSubtrees;
+  GENERAL_SUBTREES *excludedSubtrees;
+} NAME_CONSTRAINTS;
+
+typedef struct {
+  X509_ALGO_IDENTIFIER *algorithm;
+  OCTET_STRING *digest;
+} X509_SIGN;
+
+/* General names (RFC 5280 4.2.1.6). */
+
+/* House form of the choices: 0 A0{SEQUENCE}, 1 81, 2 A2{IA5String}, 3 A3{value}, 4 A4{Name}, 5 A0{SEQUENCE}, 6 86,
+ * 7 A7{OCTET STRING}, 8 A8{OBJECT IDENTIFIER}; the standard's are 0 A0, 1 81, 2 82, 3 A3, 4 A4{Name}, 5 A5, 6 86, 7 87,
+ * 8 88. Both readers take names without looking at their characters.
+ * @warning House reading goes by the low five bits of the identifier alone. Choices 2, 7 and 8 are read without the
+ * wrapper they are written in, so the inner identifier and length come back as part of the value; choice 5 comes back
+ * as choice 0; the length of choices 1 and 2 is their first length octet, so names of 128 octets and more are cut or
+ * short; and choices 9 to 30 succeed with the empty name (`value` is null), which every user of a name must test. */
+VELPKI_API GENERAL_NAME *new_GENERAL_NAME(void) VELPKI_NOEXCEPT;
+VELPKI_API void free_GENERAL_NAME(GENERAL_NAME *p) VELPKI_NOEXCEPT;
+VELPKI_API GENERAL_NAME *dup_GENERAL_NAME(const GENERAL_NAME *p) VELPKI_NOEXCEPT;
+VELPKI_API int GENERAL_NAME_to_Seq(const GENERAL_NAME *in, ASN1_UNIT **out) VELPKI_NOEXCEPT;
+VELPKI_API int Seq_to_GENERAL_NAME(ASN1_UNIT *in, GENERAL_NAME **out) VELPKI_NOEXCEPT;
+VELPKI_API int GENERAL_NAME_to_Seq_RFC5280(const GENERAL_NAME *in, ASN1_UNIT **out) VELPKI_NOEXCEPT;
+VELPKI_API int Seq_to_GENERAL_NAME_RFC5280(ASN1_UNIT *in, GENERAL_NAME **out) VELPKI_NOEXCEPT;
+VELPKI_API GENERAL_NAMES *new_GENERAL_NAMES(void) VELPKI_NOEXCEPT;
+VELPKI_API void free_GENERAL_NAMES(GENERAL_NAMES *p) VELPKI_NOEXCEPT;
+VELPKI_API GENERAL_NAMES *dup_GENERAL_NAMES(const GENERAL_NAMES *p) VELPKI_NOEXCEPT;
+VELPKI_API int GENERAL_NAMES_to_Seq(const GENERAL_NAMES *in, ASN1_UNIT **out) VELPKI_NOEXCEPT;
+VELPKI_API int Seq_to_GENERAL_NAMES(ASN1_UNIT *in, GENERAL_NAMES **out) VELPKI_NOEXCEPT;
+VELPKI_API int GENERAL_NAMES_to_Seq_RFC5280(const GENERAL_NAMES *in, ASN1_UNIT **out) VELPKI_NOEXCEPT;
+VELPKI_API int Seq_to_GENERAL_NAMES_RFC5280(ASN1_UNIT *in, GENERAL_NAMES **out) VELPKI_NOEXCEPT;
+/* House form: SEQUENCE { OID, 80 value } and SEQUENCE { 80 assigner, 81 name }, read by number in any order; the
+ * strings come back as octets without their type. Standard: SEQUENCE { OID, A0{value} } and SEQUENCE { A0{assigner},
+ * A1{name} } with strings of the DirectoryString types. */
+VELPKI_API OTHERNAME *new_OTHERNAME(void) VELPKI_NOEXCEPT;
+VELPKI_API void free_OTHERNAME(OTHERNAME *p) VELPKI_NOEXCEPT;
+VELPKI_API OTHERNAME *dup_OTHERNAME(const OTHERNAME *p) VELPKI_NOEXCEPT;
+VELPKI_API int OTHERNAME_to_Seq(const OTHERNAME *in, ASN1_UNIT **out) VELPKI_NOEXCEPT;
+VELPKI_API int Seq_to_OTHERNAME(ASN1_UNIT *in, OTHERNAME **out) VELPKI_NOEXCEPT;
+VELPKI_API int OTHERNAME_to_Seq_RFC5280(const OTHERNAME *in, ASN1_UNIT **out) VELPKI_NOEXCEPT;
+VELPKI_API int Seq_to_OTHERNAME_RFC5280(ASN1_UNIT *in, OTHERNAME **out) VELPKI_NOEXCEPT;
+VELPKI_API EDIPARTYNAME *new_EDIPARTYNAME(void) VELPKI_NOEXCEPT;
+VELPKI_API void free_EDIPARTYNAME(EDIPARTYNAME *p) VELPKI_NOEXCEPT;
+VELPKI_API EDIPARTYNAME *dup_EDIPARTYNAME(const EDIPARTYNAME *p) VELPKI_NOEXCEPT;
+VELPKI_API int EDIPARTYNAME_to_Seq(const EDIPARTYNAME *in, ASN1_UNIT **out) VELPKI_NOEXCEPT;
+VELPKI_API int Seq_to_EDIPARTYNAME(ASN1_UNIT *in, EDIPARTYNAME **out) VELPKI_NOEXCEPT;
+VELPKI_API int EDIPARTYNAME_to_Seq_RFC5280(const EDIPARTYNAME *in, ASN1_UNIT **out) VELPKI_NOEXCEPT;
+VELPKI_API int Seq_to_EDIPARTYNAME_RFC5280(ASN1_UNIT *in, EDIPARTYNAME **out) VELPKI_NOEXCEPT;
+
+/* Keys and their use (RFC 5280 4.2.1.1 to 4.2.1.3, 4.2.1.12). */
+
+/* SEQUENCE { 80 keyIdentifier, A1 authorityCertIssuer, 82 authorityCertSerialNumber }: only the names inside depart. In
+ * house form members go by number in any order, others are passed over. */
+VELPKI_API AUTHORITY_KEYID *new_AUTHORITY_KEYID(void) VELPKI_NOEXCEPT;
+VELPKI_API void free_AUTHORITY_KEYID(AUTHORITY_KEYID *p) VELPKI_NOEXCEPT;
+VELPKI_API AUTHORITY_KEYID *dup_AUTHORITY_KEYID(const AUTHORITY_KEYID *p) VELPKI_NOEXCEPT;
+VELPKI_API int AUTHORITY_KEYID_to_Seq(const AUTHORITY_KEYID *in, ASN1_UNIT **out) VELPKI_NOEXCEPT;
+VELPKI_API int Seq_to_AUTHORITY_KEYID(ASN1_UNIT *in, AUTHORITY_KEYID **out) VELPKI_NOEXCEPT;
+VELPKI_API int AUTHORITY_KEYID_to_Seq_RFC5280(const AUTHORITY_KEYID *in, ASN1_UNIT **out) VELPKI_NOEXCEPT;
+VELPKI_API int Seq_to_AUTHORITY_KEYID_RFC5280(ASN1_UNIT *in, AUTHORITY_KEYID **out) VELPKI_NOEXCEPT;
+/* A list of key purposes. There is no house form; codes are 0x47000000 with the reason. */
+VELPKI_API EXTENDED_KEY_USAGE *new_EXTENDED_KEY_USAGE(void) VELPKI_NOEXCEPT;
+VELPKI_API void free_EXTENDED_KEY_USAGE(EXTENDED_KEY_USAGE *p) VELPKI_NOEXCEPT;
+VELPKI_API int EXTENDED_KEY_USAGE_to_Seq_RFC5280(const EXTENDED_KEY_USAGE *in, ASN1_UNIT **out) VELPKI_NOEXCEPT;
+VELPKI_API int Seq_to_EXTENDED_KEY_USAGE_RFC5280(ASN1_UNIT *in, EXTENDED_KEY_USAGE **out) VELPKI_NOEXCEPT;
+/* SubjectKeyIdentifier is an OCTET_STRING, KeyUsage a BIT_STRING; their codes are 0x47000000 with the reason. The key
+ * usage is written without trailing zero bits (X.690 11.2.2). has_KEY_USAGE is 1 when a bit is set, 0 when not and for
+ * null. */
+enum {
+  KEY_USAGE_DIGITAL_SIGNATURE = 0,
+  KEY_USAGE_NON_REPUDIATION = 1,
+  KEY_USAGE_KEY_ENCIPHERMENT = 2,
+  KEY_USAGE_DATA_ENCIPHERMENT = 3,
+  KEY_USAGE_KEY_AGREEMENT = 4,
+  KEY_USAGE_KEY_CERT_SIGN = 5,
+  KEY_USAGE_CRL_SIGN = 6,
+  KEY_USAGE_ENCIPHER_ONLY = 7,
+  KEY_USAGE_DECIPHER_ONLY = 8,
+};
+VELPKI_API int SUBJECT_KEYID_to_Seq_RFC5280(const OCTET_STRING *in, ASN1_UNIT **out) VELPKI_NOEXCEPT;
+VELPKI_API int Seq_to_SUBJECT_KEYID_RFC5280(ASN1_UNIT *in, OCTET_STRING **out) VELPKI_NOEXCEPT;
+VELPKI_API int KEY_USAGE_to_Seq_RFC5280(const BIT_STRING *in, ASN1_UNIT **out) VELPKI_NOEXCEPT;
+VELPKI_API int Seq_to_KEY_USAGE_RFC5280(ASN1_UNIT *in, BIT_STRING **out) VELPKI_NOEXCEPT;
+VELPKI_API int has_KEY_USAGE(const BIT_STRING *usage, int bit) VELPKI_NOEXCEPT;
+
+/* Policies (RFC 5280 4.2.1.4, 4.2.1.5, 4.2.1.11). */
+
+/* A qualifier's OID decides what is written: id-qt-cps an IA5String, id-qt-unotice a USER_NOTICE; any other OID, or a
+ * `kind` that disagrees, is ERR_ASN1_ENCODING. What is read goes by the value's identifier: a SEQUENCE becomes a
+ * USER_NOTICE, an IA5String the string, anything else no qualifier. A POLICY_QUALIFIER_INFO has exactly two elements, a
+ * POLICY_INFO one or two.
+ * @warning Text is written under its own type and read as any; a VisibleString is read but has no house encoder. An
+ * empty NOTICE_NUMBERS is written as SEQUENCE { NULL }, which does not read back. The _RFC5280 forms write the
+ * VisibleString and the empty list, and keep qualifiers of other kinds as units. */
+VELPKI_API NOTICE_NUMBERS *new_NOTICE_NUMBERS(void) VELPKI_NOEXCEPT;
+VELPKI_API void free_NOTICE_NUMBERS(NOTICE_NUMBERS *p) VELPKI_NOEXCEPT;
+VELPKI_API NOTICE_NUMBERS *dup_NOTICE_NUMBERS(const NOTICE_NUMBERS *p) VELPKI_NOEXCEPT;
+VELPKI_API int NOTICE_NUMBERS_to_Seq(const NOTICE_NUMBERS *in, ASN1_UNIT **out) VELPKI_NOEXCEPT;
+VELPKI_API int Seq_to_NOTICE_NUMBERS(ASN1_UNIT *in, NOTICE_NUMBERS **out) VELPKI_NOEXCEPT;
+VELPKI_API int NOTICE_NUMBERS_to_Seq_RFC5280(const NOTICE_NUMBERS *in, ASN1_UNIT **out) VELPKI_NOEXCEPT;
+VELPKI_API int Seq_to_NOTICE_NUMBERS_RFC5280(ASN1_UNIT *in, NOTICE_NUMBERS **out) VELPKI_NOEXCEPT;
+VELPKI_API NOTICE_REFERENCE *new_NOTICE_REFERENCE(void) VELPKI_NOEXCEPT;
+VELPKI_API void free_NOTICE_REFERENCE(NOTICE_REFERENCE *p) VELPKI_NOEXCEPT;
+VELPKI_API NOTICE_REFERENCE *dup_NOTICE_REFERENCE(const NOTICE_REFERENCE *p) VELPKI_NOEXCEPT;
+VELPKI_API int NOTICE_REFERENCE_to_Seq(const NOTICE_REFERENCE *in, ASN1_UNIT **out) VELPKI_NOEXCEPT;
+VELPKI_API int Seq_to_NOTICE_REFERENCE(ASN1_UNIT *in, NOTICE_REFERENCE **out) VELPKI_NOEXCEPT;
+VELPKI_API int NOTICE_REFERENCE_to_Seq_RFC5280(const NOTICE_REFERENCE *in, ASN1_UNIT **out) VELPKI_NOEXCEPT;
+VELPKI_API int Seq_to_NOTICE_REFERENCE_RFC5280(ASN1_UNIT *in, NOTICE_REFERENCE **out) VELPKI_NOEXCEPT;
+VELPKI_API USER_NOTICE *new_USER_NOTICE(void) VELPKI_NOEXCEPT;
+VELPKI_API void free_USER_NOTICE(USER_NOTICE *p) VELPKI_NOEXCEPT;
+VELPKI_API USER_NOTICE *dup_USER_NOTICE(const USER_NOTICE *p) VELPKI_NOEXCEPT;
+VELPKI_API int USER_NOTICE_to_Seq(const USER_NOTICE *in, ASN1_UNIT **out) VELPKI_NOEXCEPT;
+VELPKI_API int Seq_to_USER_NOTICE(ASN1_UNIT *in, USER_NOTICE **out) VELPKI_NOEXCEPT;
+VELPKI_API int USER_NOTICE_to_Seq_RFC5280(const USER_NOTICE *in, ASN1_UNIT **out) VELPKI_NOEXCEPT;
+VELPKI_API int Seq_to_USER_NOTICE_RFC5280(ASN1_UNIT *in, USER_NOTICE **out) VELPKI_NOEXCEPT;
+VELPKI_API POLICY_QUALIFIER_INFO *new_POLICY_QUALIFIER_INFO(void) VELPKI_NOEXCEPT;
+VELPKI_API void free_POLICY_QUALIFIER_INFO(POLICY_QUALIFIER_INFO *p) VELPKI_NOEXCEPT;
+VELPKI_API POLICY_QUALIFIER_INFO *dup_POLICY_QUALIFIER_INFO(const POLICY_QUALIFIER_INFO *p) VELPKI_NOEXCEPT;
+VELPKI_API int POLICY_QUALIFIER_INFO_to_Seq(const POLICY_QUALIFIER_INFO *in, ASN1_UNIT **out) VELPKI_NOEXCEPT;
+VELPKI_API int Seq_to_POLICY_QUALIFIER_INFO(ASN1_UNIT *in, POLICY_QUALIFIER_INFO **out) VELPKI_NOEXCEPT;
+VELPKI_API int POLICY_QUALIFIER_INFO_to_Seq_RFC5280(const POLICY_QUALIFIER_INFO *in, ASN1_UNIT **out) VELPKI_NOEXCEPT;
+VELPKI_API int Seq_to_POLICY_QUALIFIER_INFO_RFC5280(ASN1_UNIT *in, POLICY_QUALIFIER_INFO **out) VELPKI_NOEXCEPT;
+VELPKI_API POLICY_QUALIFIERS *new_POLICY_QUALIFIERS(void) VELPKI_NOEXCEPT;
+VELPKI_API void free_POLICY_QUALIFIERS(POLICY_QUALIFIERS *p) VELPKI_NOEXCEPT;
+VELPKI_API POLICY_QUALIFIERS *dup_POLICY_QUALIFIERS(const POLICY_QUALIFIERS *p) VELPKI_NOEXCEPT;
+VELPKI_API int POLICY_QUALIFIERS_to_Seq(const POLICY_QUALIFIERS *in, ASN1_UNIT **out) VELPKI_NOEXCEPT;
+VELPKI_API int Seq_to_POLICY_QUALIFIERS(ASN1_UNIT *in, POLICY_QUALIFIERS **out) VELPKI_NOEXCEPT;
+VELPKI_API int POLICY_QUALIFIERS_to_Seq_RFC5280(const POLICY_QUALIFIERS *in, ASN1_UNIT **out) VELPKI_NOEXCEPT;
+VELPKI_API int Seq_to_POLICY_QUALIFIERS_RFC5280(ASN1_UNIT *in, POLICY_QUALIFIERS **out) VELPKI_NOEXCEPT;
+VELPKI_API POLICY_INFO *new_POLICY_INFO(void) VELPKI_NOEXCEPT;
+VELPKI_API void free_POLICY_INFO(POLICY_INFO *p) VELPKI_NOEXCEPT;
+VELPKI_API POLICY_INFO *dup_POLICY_INFO(const POLICY_INFO *p) VELPKI_NOEXCEPT;
+VELPKI_API int POLICY_INFO_to_Seq(const POLICY_INFO *in, ASN1_UNIT **out) VELPKI_NOEXCEPT;
+VELPKI_API int Seq_to_POLICY_INFO(ASN1_UNIT *in, POLICY_INFO **out) VELPKI_NOEXCEPT;
+VELPKI_API int POLICY_INFO_to_Seq_RFC5280(const POLICY_INFO *in, ASN1_UNIT **out) VELPKI_NOEXCEPT;
+VELPKI_API int Seq_to_POLICY_INFO_RFC5280(ASN1_UNIT *in, POLICY_INFO **out) VELPKI_NOEXCEPT;
+VELPKI_API CERTIFICATE_POLICIES *new_CERTIFICATE_POLICIES(void) VELPKI_NOEXCEPT;
+VELPKI_API void free_CERTIFICATE_POLICIES(CERTIFICATE_POLICIES *p) VELPKI_NOEXCEPT;
+VELPKI_API CERTIFICATE_POLICIES *dup_CERTIFICATE_POLICIES(const CERTIFICATE_POLICIES *p) VELPKI_NOEXCEPT;
+VELPKI_API int CERTIFICATE_POLICIES_to_Seq(const CERTIFICATE_POLICIES *in, ASN1_UNIT **out) VELPKI_NOEXCEPT;
+VELPKI_API int Seq_to_CERTIFICATE_POLICIES(ASN1_UNIT *in, CERTIFICATE_POLICIES **out) VELPKI_NOEXCEPT;
+VELPKI_API int CERTIFICATE_POLICIES_to_Seq_RFC5280(const CERTIFICATE_POLICIES *in, ASN1_UNIT **out) VELPKI_NOEXCEPT;
+VELPKI_API int Seq_to_CERTIFICATE_POLICIES_RFC5280(ASN1_UNIT *in, CERTIFICATE_POLICIES **out) VELPKI_NOEXCEPT;
+VELPKI_API POLICY_MAPPING *new_POLICY_MAPPING(void) VELPKI_NOEXCEPT;
+VELPKI_API void free_POLICY_MAPPING(POLICY_MAPPING *p) VELPKI_NOEXCEPT;
+VELPKI_API POLICY_MAPPING *dup_POLICY_MAPPING(const POLICY_MAPPING *p) VELPKI_NOEXCEPT;
+VELPKI_API int POLICY_MAPPING_to_Seq(const POLICY_MAPPING *in, ASN1_UNIT **out) VELPKI_NOEXCEPT;
+VELPKI_API int Seq_to_POLICY_MAPPING(ASN1_UNIT *in, POLICY_MAPPING **out) VELPKI_NOEXCEPT;
+VELPKI_API int POLICY_MAPPING_to_Seq_RFC5280(const POLICY_MAPPING *in, ASN1_UNIT **out) VELPKI_NOEXCEPT;
+VELPKI_API int Seq_to_POLICY_MAPPING_RFC5280(ASN1_UNIT *in, POLICY_MAPPING **out) VELPKI_NOEXCEPT;
+VELPKI_API POLICY_MAPPINGS *new_POLICY_MAPPINGS(void) VELPKI_NOEXCEPT;
+VELPKI_API void free_POLICY_MAPPINGS(POLICY_MAPPINGS *p) VELPKI_NOEXCEPT;
+VELPKI_API POLICY_MAPPINGS *dup_POLICY_MAPPINGS(const POLICY_MAPPINGS *p) VELPKI_NOEXCEPT;
+VELPKI_API int POLICY_MAPPINGS_to_Seq(const POLICY_MAPPINGS *in, ASN1_UNIT **out) VELPKI_NOEXCEPT;
+VELPKI_API int Seq_to_POLICY_MAPPINGS(ASN1_UNIT *in, POLICY_MAPPINGS **out) VELPKI_NOEXCEPT;
+VELPKI_API int POLICY_MAPPINGS_to_Seq_RFC5280(const POLICY_MAPPINGS *in, ASN1_UNIT **out) VELPKI_NOEXCEPT;
+VELPKI_API int Seq_to_POLICY_MAPPINGS_RFC5280(ASN1_UNIT *in, POLICY_MAPPINGS **out) VELPKI_NOEXCEPT;
+/* @warning House form: the INTEGERs are tagged A0 and A1 though they are primitive; the standard's are 80 and 81. Both
+ * are read. */
+VELPKI_API POLICY_CONSTRAINTS *new_POLICY_CONSTRAINTS(void) VELPKI_NOEXCEPT;
+VELPKI_API void free_POLICY_CONSTRAINTS(POLICY_CONSTRAINTS *p) VELPKI_NOEXCEPT;
+VELPKI_API POLICY_CONSTRAINTS *dup_POLICY_CONSTRAINTS(const POLICY_CONSTRAINTS *p) VELPKI_NOEXCEPT;
+VELPKI_API int POLICY_CONSTRAINTS_to_Seq(const POLICY_CONSTRAINTS *in, ASN1_UNIT **out) VELPKI_NOEXCEPT;
+VELPKI_API int Seq_to_POLICY_CONSTRAINTS(ASN1_UNIT *in, POLICY_CONSTRAINTS **out) VELPKI_NOEXCEPT;
+VELPKI_API int POLICY_CONSTRAINTS_to_Seq_RFC5280(const POLICY_CONSTRAINTS *in, ASN1_UNIT **out) VELPKI_NOEXCEPT;
+VELPKI_API int Seq_to_POLICY_CONSTRAINTS_RFC5280(ASN1_UNIT *in, POLICY_CONSTRAINTS **out) VELPKI_NOEXCEPT;
+
+/* Constraints (RFC 5280 4.2.1.9, 4.2.1.10). */
+
+/* @warning House form writes `pathLenConstraint & 0xFF` in one octet, so a length above 127 does not read back; and it
+ * reads no value without the BOOLEAN: the empty SEQUENCE of a certificate that is no CA, which it also writes, is
+ * ERR_ASN1_DECODING. Lengths above INT_MAX read as INT_MAX. The _RFC5280 pair reads cA as false where it is absent,
+ * refuses a path length without cA, and writes any length. */
+VELPKI_API BASIC_CONSTRAINTS *new_BASIC_CONSTRAINTS(void) VELPKI_NOEXCEPT;
+VELPKI_API void free_BASIC_CONSTRAINTS(BASIC_CONSTRAINTS *p) VELPKI_NOEXCEPT;
+VELPKI_API BASIC_CONSTRAINTS *dup_BASIC_CONSTRAINTS(const BASIC_CONSTRAINTS *p) VELPKI_NOEXCEPT;
+VELPKI_API int BASIC_CONSTRAINTS_to_Seq(const BASIC_CONSTRAINTS *in, ASN1_UNIT **out) VELPKI_NOEXCEPT;
+VELPKI_API int Seq_to_BASIC_CONSTRAINTS(ASN1_UNIT *in, BASIC_CONSTRAINTS **out) VELPKI_NOEXCEPT;
+VELPKI_API int BASIC_CONSTRAINTS_to_Seq_RFC5280(const BASIC_CONSTRAINTS *in, ASN1_UNIT **out) VELPKI_NOEXCEPT;
+VELPKI_API int Seq_to_BASIC_CONSTRAINTS_RFC5280(ASN1_UNIT *in, BASIC_CONSTRAINTS **out) VELPKI_NOEXCEPT;
+/* @warning House form loses what kind of name a base is: GENERAL_SUBTREE is written as A0 { base, minimum } or, with a
+ * maximum, A1 { base, minimum, maximum }, with the base's identifier overwritten by A0, so every base reads back as
+ * choice 0, an OTHERNAME without type_id where it is none. A missing minimum is written as 0. */
+VELPKI_API GENERAL_SUBTREE *new_GENERAL_SUBTREE(void) VELPKI_NOEXCEPT;
+VELPKI_API void free_GENERAL_SUBTREE(GENERAL_SUBTREE *p) VELPKI_NOEXCEPT;
+VELPKI_API GENERAL_SUBTREE *dup_GENERAL_SUBTREE(const GENERAL_SUBTREE *p) VELPKI_NOEXCEPT;
+VELPKI_API int GENERAL_SUBTREE_to_Seq(const GENERAL_SUBTREE *in, ASN1_UNIT **out) VELPKI_NOEXCEPT;
+VELPKI_API int Seq_to_GENERAL_SUBTREE(ASN1_UNIT *in, GENERAL_SUBTREE **out) VELPKI_NOEXCEPT;
+VELPKI_API int GENERAL_SUBTREE_to_Seq_RFC5280(const GENERAL_SUBTREE *in, ASN1_UNIT **out) VELPKI_NOEXCEPT;
+VELPKI_API int Seq_to_GENERAL_SUBTREE_RFC5280(ASN1_UNIT *in, GENERAL_SUBTREE **out) VELPKI_NOEXCEPT;
+VELPKI_API GENERAL_SUBTREES *new_GENERAL_SUBTREES(void) VELPKI_NOEXCEPT;
+VELPKI_API void free_GENERAL_SUBTREES(GENERAL_SUBTREES *p) VELPKI_NOEXCEPT;
+VELPKI_API GENERAL_SUBTREES *dup_GENERAL_SUBTREES(const GENERAL_SUBTREES *p) VELPKI_NOEXCEPT;
+VELPKI_API int GENERAL_SUBTREES_to_Seq(const GENERAL_SUBTREES *in, ASN1_UNIT **out) VELPKI_NOEXCEPT;
+VELPKI_API int Seq_to_GENERAL_SUBTREES(ASN1_UNIT *in, GENERAL_SUBTREES **out) VELPKI_NOEXCEPT;
+VELPKI_API int GENERAL_SUBTREES_to_Seq_RFC5280(const GENERAL_SUBTREES *in, ASN1_UNIT **out) VELPKI_NOEXCEPT;
+VELPKI_API int Seq_to_GENERAL_SUBTREES_RFC5280(ASN1_UNIT *in, GENERAL_SUBTREES **out) VELPKI_NOEXCEPT;
+VELPKI_API NAME_CONSTRAINTS *new_NAME_CONSTRAINTS(void) VELPKI_NOEXCEPT;
+VELPKI_API void free_NAME_CONSTRAINTS(NAME_CONSTRAINTS *p) VELPKI_NOEXCEPT;
+VELPKI_API NAME_CONSTRAINTS *dup_NAME_CONSTRAINTS(const NAME_CONSTRAINTS *p) VELPKI_NOEXCEPT;
+VELPKI_API int NAME_CONSTRAINTS_to_Seq(const NAME_CONSTRAINTS *in, ASN1_UNIT **out) VELPKI_NOEXCEPT;
+VELPKI_API int Seq_to_NAME_CONSTRAINTS(ASN1_UNIT *in, NAME_CONSTRAINTS **out) VELPKI_NOEXCEPT;
+VELPKI_API int NAME_CONSTRAINTS_to_Seq_RFC5280(const NAME_CONSTRAINTS *in, ASN1_UNIT **out) VELPKI_NOEXCEPT;
+VELPKI_API int Seq_to_NAME_CONSTRAINTS_RFC5280(ASN1_UNIT *in, NAME_CONSTRAINTS **out) VELPKI_NOEXCEPT;
+
+/* Distribution points (RFC 5280 4.2.1.13, 5.2.5). */
+
+/* A DIST_POINT_NAME has no codec of its own. House form: DIST_POINT is SEQUENCE { A0{A0 names}, A1{BIT STRING}, A2
+ * names } and ISSUING_DIST_POINT the same with every member in an explicit wrapper; the standard's are implicit.
+ * Readers take a relative name (A1) in both.
+ * @warning DIST_POINT_to_Seq writes full names only: without a name, or with a relative one, it is ERR_ASN1_ENCODING.
+ * Seq_to_DIST_POINT reads the reasons of the house form only; the standard's `81` fails. Seq_to_issuing_DIST_POINT
+ * takes both forms of a member, by its constructed bit. The codes of ISSUING_DIST_POINTS are also those of
+ * CERTIFICATE_POLICIES. */
+VELPKI_API DIST_POINT_NAME *new_DIST_POINT_NAME(void) VELPKI_NOEXCEPT;
+VELPKI_API void free_DIST_POINT_NAME(DIST_POINT_NAME *p) VELPKI_NOEXCEPT;
+VELPKI_API DIST_POINT_NAME *dup_DIST_POINT_NAME(const DIST_POINT_NAME *p) VELPKI_NOEXCEPT;
+VELPKI_API DIST_POINT *new_DIST_POINT(void) VELPKI_NOEXCEPT;
+VELPKI_API void free_DIST_POINT(DIST_POINT *p) VELPKI_NOEXCEPT;
+VELPKI_API DIST_POINT *dup_DIST_POINT(const DIST_POINT *p) VELPKI_NOEXCEPT;
+VELPKI_API int DIST_POINT_to_Seq(const DIST_POINT *in, ASN1_UNIT **out) VELPKI_NOEXCEPT;
+VELPKI_API int Seq_to_DIST_POINT(ASN1_UNIT *in, DIST_POINT **out) VELPKI_NOEXCEPT;
+VELPKI_API int DIST_POINT_to_Seq_RFC5280(const DIST_POINT *in, ASN1_UNIT **out) VELPKI_NOEXCEPT;
+VELPKI_API int Seq_to_DIST_POINT_RFC5280(ASN1_UNIT *in, DIST_POINT **out) VELPKI_NOEXCEPT;
+VELPKI_API CRL_DIST_POINTS *new_CRL_DIST_POINTS(void) VELPKI_NOEXCEPT;
+VELPKI_API void free_CRL_DIST_POINTS(CRL_DIST_POINTS *p) VELPKI_NOEXCEPT;
+VELPKI_API CRL_DIST_POINTS *dup_CRL_DIST_POINTS(const CRL_DIST_POINTS *p) VELPKI_NOEXCEPT;
+VELPKI_API int CRL_DIST_POINTS_to_Seq(const CRL_DIST_POINTS *in, ASN1_UNIT **out) VELPKI_NOEXCEPT;
+VELPKI_API int Seq_to_CRL_DIST_POINTS(ASN1_UNIT *in, CRL_DIST_POINTS **out) VELPKI_NOEXCEPT;
+VELPKI_API int CRL_DIST_POINTS_to_Seq_RFC5280(const CRL_DIST_POINTS *in, ASN1_UNIT **out) VELPKI_NOEXCEPT;
+VELPKI_API int Seq_to_CRL_DIST_POINTS_RFC5280(ASN1_UNIT *in, CRL_DIST_POINTS **out) VELPKI_NOEXCEPT;
+VELPKI_API ISSUING_DIST_POINT *new_ISSUING_DIST_POINT(void) VELPKI_NOEXCEPT;
+VELPKI_API void free_ISSUING_DIST_POINT(ISSUING_DIST_POINT *p) VELPKI_NOEXCEPT;
+VELPKI_API int issuing_DIST_POINT_to_Seq(const ISSUING_DIST_POINT *in, ASN1_UNIT **out) VELPKI_NOEXCEPT;
+VELPKI_API int Seq_to_issuing_DIST_POINT(ASN1_UNIT *in, ISSUING_DIST_POINT **out) VELPKI_NOEXCEPT;
+VELPKI_API int issuing_DIST_POINT_to_Seq_RFC5280(const ISSUING_DIST_POINT *in, ASN1_UNIT **out) VELPKI_NOEXCEPT;
+VELPKI_API int Seq_to_issuing_DIST_POINT_RFC5280(ASN1_UNIT *in, ISSUING_DIST_POINT **out) VELPKI_NOEXCEPT;
+VELPKI_API ISSUING_DIST_POINTS *new_ISSUING_DIST_POINTS(void) VELPKI_NOEXCEPT;
+VELPKI_API void free_ISSUING_DIST_POINTS(ISSUING_DIST_POINTS *p) VELPKI_NOEXCEPT;
+VELPKI_API ISSUING_DIST_POINTS *dup_ISSUING_DIST_POINTS(const ISSUING_DIST_POINTS *p) VELPKI_NOEXCEPT;
+VELPKI_API int issuing_DIST_POINTS_to_Seq(const ISSUING_DIST_POINTS *in, ASN1_UNIT **out) VELPKI_NOEXCEPT;
+VELPKI_API int Seq_to_issuing_DIST_POINTS(ASN1_UNIT *in, ISSUING_DIST_POINTS **out) VELPKI_NOEXCEPT;
+
+/* Information access (RFC 5280 4.2.2). */
+
+VELPKI_API ACCESS_DESCRIPTION *new_ACCESS_DESCRIPTION(void) VELPKI_NOEXCEPT;
+VELPKI_API void free_ACCESS_DESCRIPTION(ACCESS_DESCRIPTION *p) VELPKI_NOEXCEPT;
+VELPKI_API ACCESS_DESCRIPTION *dup_ACCESS_DESCRIPTION(const ACCESS_DESCRIPTION *p) VELPKI_NOEXCEPT;
+VELPKI_API int ACCESS_DESCRIPTION_to_Seq(const ACCESS_DESCRIPTION *in, ASN1_UNIT **out) VELPKI_NOEXCEPT;
+VELPKI_API int Seq_to_ACCESS_DESCRIPTION(ASN1_UNIT *in, ACCESS_DESCRIPTION **out) VELPKI_NOEXCEPT;
+VELPKI_API int ACCESS_DESCRIPTION_to_Seq_RFC5280(const ACCESS_DESCRIPTION *in, ASN1_UNIT **out) VELPKI_NOEXCEPT;
+VELPKI_API int Seq_to_ACCESS_DESCRIPTION_RFC5280(ASN1_UNIT *in, ACCESS_DESCRIPTION **out) VELPKI_NOEXCEPT;
+VELPKI_API AUTHORITY_INFO_ACCESS *new_AUTHORITY_INFO_ACCESS(void) VELPKI_NOEXCEPT;
+VELPKI_API void free_AUTHORITY_INFO_ACCESS(AUTHORITY_INFO_ACCESS *p) VELPKI_NOEXCEPT;
+VELPKI_API int AUTHORITY_INFO_ACCESS_to_Seq(const AUTHORITY_INFO_ACCESS *in, ASN1_UNIT **out) VELPKI_NOEXCEPT;
+VELPKI_API int Seq_to_AUTHORITY_INFO_ACCESS(ASN1_UNIT *in, AUTHORITY_INFO_ACCESS **out) VELPKI_NOEXCEPT;
+VELPKI_API int AUTHORITY_INFO_ACCESS_to_Seq_RFC5280(const AUTHORITY_INFO_ACCESS *in, ASN1_UNIT **out) VELPKI_NOEXCEPT;
+VELPKI_API int Seq_to_AUTHORITY_INFO_ACCESS_RFC5280(ASN1_UNIT *in, AUTHORITY_INFO_ACCESS **out) VELPKI_NOEXCEPT;
+
+/* Digest information (RFC 8017 9.2). */
+
+VELPKI_API X509_SIGN *new_X509_SIGN(void) VELPKI_NOEXCEPT;
+VELPKI_API void free_X509_SIGN(X509_SIGN *p) VELPKI_NOEXCEPT;
+VELPKI_API int X509_SIGN_to_Seq(const X509_SIGN *in, ASN1_UNIT **out) VELPKI_NOEXCEPT;
+VELPKI_API int Seq_to_X509_SIGN(ASN1_UNIT *in, X509_SIGN **out) VELPKI_NOEXCEPT;
+
+/* Extensions as records. */
+
+/* X509_EXTENSION_to_X_RFC5280 decode an extension's value, in standard form, into the record; whole: octets left over
+ * are ERR_TRAILING_OCTETS. Which extension it is stays with the caller. create_X509_EXTENSION_from_Seq is
+ * create_X509_EXTENSION_by_OID_index for a value that is a unit; get_X509_EXTENSION_unit is the other way, 0 or
+ * F_SEQ_TO_X509_EXT with 49, 3C, ERR_ASN1_DECODING or ERR_TRAILING_OCTETS. */
+VELPKI_API int X509_EXTENSION_to_GENERAL_NAMES_RFC5280(const X509_EXTENSION *in, GENERAL_NAMES **out) VELPKI_NOEXCEPT;
+VELPKI_API int X509_EXTENSION_to_AUTHORITY_KEYID_RFC5280(const X509_EXTENSION *in,
+                                                         AUTHORITY_KEYID **out) VELPKI_NOEXCEPT;
+VELPKI_API int X509_EXTENSION_to_EXTENDED_KEY_USAGE_RFC5280(const X509_EXTENSION *in,
+                                                            EXTENDED_KEY_USAGE **out) VELPKI_NOEXCEPT;
+VELPKI_API int X509_EXTENSION_to_SUBJECT_KEYID_RFC5280(const X509_EXTENSION *in, OCTET_STRING **out) VELPKI_NOEXCEPT;
+VELPKI_API int X509_EXTENSION_to_KEY_USAGE_RFC5280(const X509_EXTENSION *in, BIT_STRING **out) VELPKI_NOEXCEPT;
+VELPKI_API int X509_EXTENSION_to_CERTIFICATE_POLICIES_RFC5280(const X509_EXTENSION *in,
+                                                              CERTIFICATE_POLICIES **out) VELPKI_NOEXCEPT;
+VELPKI_API int X509_EXTENSION_to_POLICY_MAPPINGS_RFC5280(const X509_EXTENSION *in,
+                                                         POLICY_MAPPINGS **out) VELPKI_NOEXCEPT;
+VELPKI_API int X509_EXTENSION_to_POLICY_CONSTRAINTS_RFC5280(const X509_EXTENSION *in,
+                                                            POLICY_CONSTRAINTS **out) VELPKI_NOEXCEPT;
+VELPKI_API int X509_EXTENSION_to_BASIC_CONSTRAINTS_RFC5280(const X509_EXTENSION *in,
+                                                           BASIC_CONSTRAINTS **out) VELPKI_NOEXCEPT;
+VELPKI_API int X509_EXTENSION_to_NAME_CONSTRAINTS_RFC5280(const X509_EXTENSION *in,
+                                                          NAME_CONSTRAINTS **out) VELPKI_NOEXCEPT;
+VELPKI_API int X509_EXTENSION_to_CRL_DIST_POINTS_RFC5280(const X509_EXTENSION *in,
+                                                         CRL_DIST_POINTS **out) VELPKI_NOEXCEPT;
+VELPKI_API int X509_EXTENSION_to_issuing_DIST_POINT_RFC5280(const X509_EXTENSION *in,
+                                                            ISSUING_DIST_POINT **out) VELPKI_NOEXCEPT;
+VELPKI_API int X509_EXTENSION_to_AUTHORITY_INFO_ACCESS_RFC5280(const X509_EXTENSION *in,
+                                                               AUTHORITY_INFO_ACCESS **out) VELPKI_NOEXCEPT;
+VELPKI_API X509_EXTENSION *create_X509_EXTENSION_from_Seq(X509_EXTENSION **extension, int oid_index, int critical,
+                                                          const ASN1_UNIT *value) VELPKI_NOEXCEPT;
+VELPKI_API int get_X509_EXTENSION_unit(const X509_EXTENSION *extension, ASN1_UNIT **out) VELPKI_NOEXCEPT;
+/* print_X509_Extension writes the extensions of a certificate to standard output, with the values of those it knows, in
+ * house form; the _RFC5280 function reads them in standard form. A value that cannot be read has its heading only. The
+ * texts have their oddities ("Policy Mapping" over certificate policies). */
+VELPKI_API void print_X509_Extension(const X509_CERT *cert) VELPKI_NOEXCEPT;
+VELPKI_API void print_X509_Extension_RFC5280(const X509_CERT *cert) VELPKI_NOEXCEPT;
+
+VELPKI_END
+
+#endif
