@@ -16,6 +16,13 @@ struct CloseFile {
 };
 using File = std::unique_ptr<FILE, CloseFile>;
 
+// Without a buffer, of which a key would stay behind; everything is read and written in one call.
+File open_file(const char *path, const char *mode) noexcept {
+  File file(std::fopen(path, mode));
+  if (file) std::setvbuf(file.get(), nullptr, _IONBF, 0);
+  return file;
+}
+
 // The size of a file from its start to its end, with the position back at the start; -1 when it cannot be told.
 int64_t size_of(FILE *file) noexcept {
   if (fseeko(file, 0, SEEK_END)) return -1;
@@ -34,7 +41,7 @@ int as_writer_code(int code) noexcept { return looks_like_a_code(size_t(unsigned
 Block read_file(const char *path) noexcept {
   unsigned char *data = nullptr;
   const int length = File_to_binary(path, &data);
-  return {owned<uint8_t>(data), length < 0 ? 0 : length};
+  return Block(owned<uint8_t>(data), length < 0 ? 0 : length);
 }
 
 Block decode_pem(Octets text) noexcept {
@@ -157,7 +164,7 @@ int readPEM_from_File(void **structure, ASN1_FROM_UNIT *from_unit, const char *p
 
 int File_to_binary(const char *path, unsigned char **out) noexcept {
   if (!path || !out) return -1;
-  const File file(std::fopen(path, "rb"));
+  const File file = open_file(path, "rb");
   if (!file) return -1;
   const int64_t size = size_of(file.get());
   if (size < 1 || size > INT_MAX) return -1;
@@ -170,7 +177,7 @@ int File_to_binary(const char *path, unsigned char **out) noexcept {
 namespace {
 
 int write_file(Octets octets, const char *path) noexcept {
-  File file(std::fopen(path, "wb"));
+  File file = open_file(path, "wb");
   if (!file) return -1;
   const size_t written = std::fwrite(octets.data(), 1, octets.size(), file.get());
   return std::fclose(file.release()) ? -1 : int(written);

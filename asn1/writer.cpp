@@ -11,6 +11,18 @@
 
 namespace velpki {
 
+// Moving a block leaves its octets in the old place, so a secret one is moved by hand.
+uint8_t *DerWriter::resize(size_t room) noexcept {
+  if (content_ == Content::open) {
+    return static_cast<uint8_t *>(PKV_Realloc(data_, room, __builtin_FILE(), __builtin_LINE()));
+  }
+  auto *block = static_cast<uint8_t *>(allocate(room));
+  if (!block) return nullptr;
+  copy_octets(block, Octets(data_, size_));
+  discard();
+  return block;
+}
+
 uint8_t *DerWriter::grow(size_t more) noexcept {
   if (failed()) return nullptr;
   if (more >= size_t(INT_MAX) - size_) {
@@ -19,12 +31,12 @@ uint8_t *DerWriter::grow(size_t more) noexcept {
   }
   const size_t needed = size_ + more + 1;  // one octet for the zero at the end
   const size_t room = std::max({needed, std::min(room_ * 2, size_t(INT_MAX)), size_t(512)});
-  void *block = PKV_Realloc(data_, room, __builtin_FILE(), __builtin_LINE());
+  uint8_t *block = resize(room);
   if (!block) {
     fail(Read::no_memory);
     return nullptr;
   }
-  data_ = static_cast<uint8_t *>(block);
+  data_ = block;
   room_ = room;
   return data_ + size_;
 }

@@ -3,6 +3,7 @@
 
 #include "asn1/internal/io.h"
 #include "x509/internal/received.h"
+#include "x509/internal/rsa_parameters.h"
 #include "x509/internal/x509.h"
 
 namespace velpki {
@@ -155,22 +156,23 @@ int write_extensions(const X509_TBS_CERT &tbs, DerWriter &out) noexcept {
 
 }  // namespace
 
-// In standard form only the algorithms of RSA and KCDSA keys have parameters, a NULL.
-void write_algorithm_with_null(const OBJECT_IDENTIFIER &oid, DerWriter &out) noexcept {
+void write_algorithm_with_null(const OBJECT_IDENTIFIER &oid, DerWriter &out, int pss_digest_id) noexcept {
   const auto sequence = out.sequence();
   out.oid(&oid);
+  const bool pss = index_from_OBJECT_IDENTIFIER(&oid) == row::kRsassaPss;
+  if (out.rules().standard && pss) return write_pss_values(usual_pss_values(pss_digest_id), out);
   const int key = get_CipherID_from_OID(&oid) & 0x70000000;
   if (!out.rules().standard || key == PKV_KEY_RSA || key == PKV_KEY_KCDSA) out.null();
 }
 
 // Whatever goes wrong inside a field is this encoder's own failure, but for exhausted memory.
-int encode(const X509_TBS_CERT &tbs, DerWriter &out) noexcept {
+int encode_tbs(const X509_TBS_CERT &tbs, DerWriter &out, int pss_digest_id) noexcept {
   if (const int code = check_fields(tbs)) return code;
   if (!is_dotted_decimal(text(*tbs.signature))) return fail(F_X509_TBS_CERT_TO_SEQ, kNoMemory);
   const auto sequence = out.sequence();
   write_version(tbs.version, out);
   out.integer(tbs.serialNumber);
-  write_algorithm_with_null(*tbs.signature, out);
+  write_algorithm_with_null(*tbs.signature, out, pss_digest_id);
   int code = encode_name(*tbs.issuer, out);
   write_validity(tbs, out);
   if (!code) code = encode_name(*tbs.subject, out);
@@ -179,6 +181,8 @@ int encode(const X509_TBS_CERT &tbs, DerWriter &out) noexcept {
   if (!code) code = write_extensions(tbs, out);
   return code ? fail(F_X509_TBS_CERT_TO_SEQ, ERR_ASN1_ENCODING) : out.result(F_X509_TBS_CERT_TO_SEQ);
 }
+
+int encode(const X509_TBS_CERT &tbs, DerWriter &out) noexcept { return encode_tbs(tbs, out, kPssDigest); }
 
 int encode(const X509_CERT &cert, DerWriter &out) noexcept {
   if (!cert.tbs) return fail(F_X509_TBS_CERT_TO_SEQ, kNullArgument);

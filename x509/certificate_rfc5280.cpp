@@ -21,13 +21,17 @@ bool algorithm_of_tbs(Cursor &in, Tlv &algorithm) noexcept {
 using namespace velpki;
 
 int gen_SIG_X509_Cert_RFC5280(X509_CERT *cert, const ASYMMETRIC_KEY *key) noexcept {
+  return gen_SIG_X509_Cert_RFC5280_ex(cert, key, kPssDigest);
+}
+
+int gen_SIG_X509_Cert_RFC5280_ex(X509_CERT *cert, const ASYMMETRIC_KEY *key, int pss_digest_id) noexcept {
   constexpr int kFunction = F_GEN_RSASIGN_TBS_CERT;
   if (!cert || !cert->tbs || !key) return fail(kFunction, kNullArgument);
   const X509_TBS_CERT &tbs = *cert->tbs;
   if (const int code = check_signing_algorithm(tbs.signature, kFunction)) return code;
   DerWriter octets(kStandardRules);
-  if (const int code = encode(tbs, octets)) return code;
-  return sign_record(*cert, octets.written(), *tbs.signature, *key, kFunction);
+  if (const int code = encode_tbs(tbs, octets, pss_digest_id)) return code;
+  return sign_record(*cert, octets.written(), *tbs.signature, *key, kFunction, pss_digest_id);
 }
 
 int verify_SIG_X509_CERT_RFC5280(const X509_CERT *cert, const X509_PUBKEY *issuer_key) noexcept {

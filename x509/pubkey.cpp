@@ -120,6 +120,8 @@ int read_ecc(Cursor &algorithm, X509_PUBKEY &out) noexcept {
 
 int read_key(Cursor &algorithm, X509_PUBKEY &out) noexcept {
   switch (index_from_OBJECT_IDENTIFIER(out.algorithm)) {
+    case row::kRsassaPss:  // in standard form alone
+      return algorithm.rules().standard ? read_rsa(out) : kMalformed;
     case row::kRsaEncryption:
       return read_rsa(out);
     case row::kKcdsa1:
@@ -175,10 +177,18 @@ void write_kcdsa_parameters(const KCDSA_UNIT &key, DerWriter &out) noexcept {
   out.integer(unsigned(count));
 }
 
+void write_known_curve(std::string_view name, DerWriter &out) noexcept {
+  for (const KnownCurve &curve : kKnownCurves)
+    if (name == curve.name) return out.oid_text(curve.oid);
+  out.refuse();
+}
+
 void write_curve(const ECC_UNIT &key, DerWriter &out) noexcept {
   OBJECT_IDENTIFIER *oid = nullptr;
   const ECURVE *curve = PKV_Get_ECC_Curve(&key);
-  if (get_ECURVE_OID_from_name(&oid, curve ? PKV_Get_ECURVE_Name(curve) : nullptr)) return out.refuse();
+  const char *name = curve ? PKV_Get_ECURVE_Name(curve) : nullptr;
+  if (name && out.rules().standard) return write_known_curve(name, out);
+  if (get_ECURVE_OID_from_name(&oid, name)) return out.refuse();
   const owned<OBJECT_IDENTIFIER> owner(oid);
   out.oid(oid);
 }
@@ -201,7 +211,9 @@ bool write_parameters(int row, const KeyParts &key, DerWriter &out) noexcept {
 void write_key(const KeyParts &key, DerWriter &out) noexcept {
   if (key.ecc) {
     ASN1_STRING *bits = nullptr;
-    if (ECC_KEY_to_BITSTRING(key.ecc, &bits)) return out.refuse();
+    const int code =
+        out.rules().standard ? ECC_KEY_to_BITSTRING_RFC5280(key.ecc, &bits) : ECC_KEY_to_BITSTRING(key.ecc, &bits);
+    if (code) return out.refuse();
     const owned<ASN1_STRING> owner(bits);
     return out.bits(bits);
   }
@@ -228,7 +240,9 @@ int encode_received(const X509_PUBKEY &pubkey, DerWriter &out) noexcept {
 }  // namespace
 
 int encode(const X509_PUBKEY &pubkey, DerWriter &out) noexcept {
-  if (out.rules().standard && pubkey.subjectPublicKey && (pubkey.parameters || !pubkey.key)) {
+  const int row = index_from_OBJECT_IDENTIFIER(pubkey.algorithm);
+  const bool kept = pubkey.parameters || !pubkey.key || row == row::kRsassaPss;
+  if (out.rules().standard && pubkey.subjectPublicKey && kept) {
     return encode_received(pubkey, out);
   }
   const KeyParts key{ASYMMETRIC_KEY_to_RSA_UNIT(pubkey.key), ASYMMETRIC_KEY_to_KCDSA_UNIT(pubkey.key),
@@ -237,7 +251,7 @@ int encode(const X509_PUBKEY &pubkey, DerWriter &out) noexcept {
   {
     const auto algorithm = out.sequence();
     out.oid(pubkey.algorithm);
-    if (!write_parameters(index_from_OBJECT_IDENTIFIER(pubkey.algorithm), key, out)) {
+    if (!write_parameters(row, key, out)) {
       return fail(F_X509_PUBKEY_TO_SEQ, ERR_ASN1_ENCODING);
     }
   }

@@ -3,18 +3,22 @@
 
 #include <velpki/asn1_error.h>
 
+#include "x509/internal/rsa_parameters.h"
+
 namespace velpki {
 
 namespace {
 
 constexpr size_t kEd25519Key = 32, kEd25519Signature = 64;
 
-// One verification: the signed octets, the signature, the signer's key and the digest of the algorithm.
+// One verification: the signed octets, the signature, the signer's key, the digest of the algorithm and, for PSS, its
+// parameters.
 struct Task {
   Octets tbs;
   Octets signature;
   const X509_PUBKEY &signer;
   int digest_id;
+  const Tlv *parameters;
   int function;
   int failure(int reason) const noexcept { return fail(function, reason); }
 };
@@ -24,11 +28,37 @@ int wrong_key(const Task &task) noexcept {
   return task.failure(task.signer.key ? ERR_ALGORITHM_MISMATCH : kUnsupported);
 }
 
+bool is_pss_key(const X509_PUBKEY &key) noexcept {
+  return index_from_OBJECT_IDENTIFIER(key.algorithm) == row::kRsassaPss;
+}
+
+// A key that is marked for PSS signs nothing else (RFC 4055 1.2).
 int verify_rsa_pkcs1(const Task &task) noexcept {
   const RSA_UNIT *key = ASYMMETRIC_KEY_to_RSA_UNIT(task.signer.key);
   if (!key) return wrong_key(task);
+  if (is_pss_key(task.signer)) return task.failure(ERR_ALGORITHM_MISMATCH);
   return PKV_RSASSA_VERIFY(key, task.digest_id, PKV_RSA_PKCS1, task.tbs.data(), int(task.tbs.size()),
                            task.signature.data(), int(task.signature.size()));
+}
+
+// The parameters of a PSS key are the only digests, and the shortest salt, that its signatures may have (RFC 4055 3.3).
+int check_pss_key(const Task &task, const PssValues &used) noexcept {
+  if (!is_pss_key(task.signer) || !task.signer.parameters) return 0;
+  PssValues allowed;
+  if (const int code = read_pss_values(view_of(*task.signer.parameters), task.function, allowed)) return code;
+  const bool fits = used.digest_id == allowed.digest_id && used.mgf_digest_id == allowed.mgf_digest_id &&
+                    used.salt_length >= allowed.salt_length;
+  return fits ? 0 : task.failure(ERR_ALGORITHM_MISMATCH);
+}
+
+int verify_rsa_pss(const Task &task) noexcept {
+  const RSA_UNIT *key = ASYMMETRIC_KEY_to_RSA_UNIT(task.signer.key);
+  if (!key) return wrong_key(task);
+  PssValues values;
+  if (const int code = read_pss_values(*task.parameters, task.function, values)) return code;
+  if (const int code = check_pss_key(task, values)) return code;
+  return PKV_RSASSA_PSS_VERIFY(key, values.digest_id, values.mgf_digest_id, values.salt_length, task.tbs.data(),
+                               int(task.tbs.size()), task.signature.data(), int(task.signature.size()));
 }
 
 int verify_ecdsa(const Task &task) noexcept {
@@ -69,11 +99,13 @@ struct Signing {
 
 constexpr int kHalfRoom = 72;  // a half of a P-521 signature has 66 octets
 
-int sign_rsa_pkcs1(const Signing &task, DerWriter &out) noexcept {
+int sign_with_rsa(const Signing &task, int scheme, DerWriter &out) noexcept {
   const RSA_UNIT *key = ASYMMETRIC_KEY_to_RSA_UNIT(task.key);
   if (!key) return task.failure(ERR_ALGORITHM_MISMATCH);
-  return write_rsa_signature(task.tbs, key, task.digest_id, PKV_RSA_PKCS1, task.function, out);
+  return write_rsa_signature(task.tbs, key, task.digest_id, scheme, task.function, out);
 }
+int sign_rsa_pkcs1(const Signing &task, DerWriter &out) noexcept { return sign_with_rsa(task, PKV_RSA_PKCS1, out); }
+int sign_rsa_pss(const Signing &task, DerWriter &out) noexcept { return sign_with_rsa(task, PKV_RSA_PSS, out); }
 
 int sign_ecdsa(const Signing &task, DerWriter &out) noexcept {
   const ECC_UNIT *key = ASYMMETRIC_KEY_to_ECC_UNIT(task.key);
@@ -93,11 +125,11 @@ int sign_kcdsa_value(const Signing &task, DerWriter &out) noexcept {
   return write_kcdsa_signature(task.tbs, key, task.digest_id, task.function, out);
 }
 
-enum class Parameters { null_or_absent, absent };
+enum class Parameters { null_or_absent, absent, of_pss };
 
 struct Algorithm {
   std::string_view oid;
-  int digest_id;
+  int digest_id;  // 0 where it is fixed, or for PSS in the parameters
   Parameters parameters;
   int (*verify)(const Task &) noexcept;
   int (*sign)(const Signing &, DerWriter &) noexcept;  // null where this library cannot
@@ -107,10 +139,12 @@ struct Algorithm {
 constexpr Algorithm kAlgorithms[] = {
     {"1.2.840.113549.1.1.4",  PKV_DIGEST_MD5,    Parameters::null_or_absent, verify_rsa_pkcs1, sign_rsa_pkcs1},
     {"1.2.840.113549.1.1.5",  PKV_DIGEST_SHA1,   Parameters::null_or_absent, verify_rsa_pkcs1, sign_rsa_pkcs1},
+    {"1.3.14.3.2.29",         PKV_DIGEST_SHA1,   Parameters::null_or_absent, verify_rsa_pkcs1, sign_rsa_pkcs1},
     {"1.2.840.113549.1.1.14", PKV_DIGEST_SHA224, Parameters::null_or_absent, verify_rsa_pkcs1, sign_rsa_pkcs1},
     {"1.2.840.113549.1.1.11", PKV_DIGEST_SHA256, Parameters::null_or_absent, verify_rsa_pkcs1, sign_rsa_pkcs1},
     {"1.2.840.113549.1.1.12", PKV_DIGEST_SHA384, Parameters::null_or_absent, verify_rsa_pkcs1, sign_rsa_pkcs1},
     {"1.2.840.113549.1.1.13", PKV_DIGEST_SHA512, Parameters::null_or_absent, verify_rsa_pkcs1, sign_rsa_pkcs1},
+    {"1.2.840.113549.1.1.10", 0,                 Parameters::of_pss, verify_rsa_pss, sign_rsa_pss},
     {"1.2.840.10045.4.1",     PKV_DIGEST_SHA1,   Parameters::absent, verify_ecdsa, sign_ecdsa},
     {"1.2.840.10045.4.3.1",   PKV_DIGEST_SHA224, Parameters::absent, verify_ecdsa, sign_ecdsa},
     {"1.2.840.10045.4.3.2",   PKV_DIGEST_SHA256, Parameters::absent, verify_ecdsa, sign_ecdsa},
@@ -130,9 +164,27 @@ const Algorithm *find_algorithm(const OBJECT_IDENTIFIER &oid) noexcept {
   return nullptr;
 }
 
-bool parameters_fit(const X509_ALGO_IDENTIFIER &identifier, Parameters wanted) noexcept {
-  if (!identifier.parameters) return true;
-  return wanted != Parameters::absent && identifier.parameters->type == TYPE_NULL && identifier.parameters->length == 0;
+bool parameters_fit(const Tlv *parameters, Parameters wanted) noexcept {
+  if (wanted == Parameters::of_pss) return parameters && parameters->identifier == tag::kSequence;
+  if (!parameters) return true;
+  return wanted != Parameters::absent && parameters->identifier == TYPE_NULL && parameters->content.empty();
+}
+
+// An AlgorithmIdentifier in its place.
+struct Identifier {
+  owned<OBJECT_IDENTIFIER> oid;
+  Tlv parameters;
+  bool has_parameters = false;
+};
+
+int read_identifier(const Tlv &tlv, int function, Identifier &out) noexcept {
+  Cursor in(tlv);
+  OBJECT_IDENTIFIER *oid = nullptr;
+  const bool read = in.oid(oid);
+  out.oid.reset(oid);
+  if (read && !in.at_end()) out.has_parameters = in.next(out.parameters);
+  if (read && !in.at_end()) in.stop(Read::malformed);
+  return in.result(function);
 }
 
 // The three parts of a signed structure, and the algorithm inside what is signed.
@@ -158,13 +210,13 @@ bool same(Octets a, Octets b) noexcept {
 }  // namespace
 
 int verify_octets(Octets tbs, const Tlv &algorithm, Octets signature, const X509_PUBKEY &key, int function) noexcept {
-  owned<X509_ALGO_IDENTIFIER> identifier(new_X509_ALGO_IDENTIFIER());
-  if (!identifier) return fail(function, kNoMemory);
-  if (decode(algorithm, *identifier)) return fail(function, ERR_ASN1_DECODING);
-  const Algorithm *known = find_algorithm(*identifier->algorithm);
+  Identifier identifier;
+  if (const int code = read_identifier(algorithm, function, identifier)) return code;
+  const Algorithm *known = find_algorithm(*identifier.oid);
   if (!known) return fail(function, kUnsupported);
-  if (!parameters_fit(*identifier, known->parameters)) return fail(function, ERR_ALGORITHM_MISMATCH);
-  return known->verify({tbs, signature, key, known->digest_id, function});
+  const Tlv *parameters = identifier.has_parameters ? &identifier.parameters : nullptr;
+  if (!parameters_fit(parameters, known->parameters)) return fail(function, ERR_ALGORITHM_MISMATCH);
+  return known->verify({tbs, signature, key, known->digest_id, parameters, function});
 }
 
 int verify_signed(Octets whole, InnerAlgorithm inner, const X509_PUBKEY &key, int function) noexcept {
@@ -189,20 +241,22 @@ int check_signing_algorithm(const OBJECT_IDENTIFIER *oid, int function) noexcept
   return known && known->sign ? 0 : fail(function, kUnsupported);
 }
 
-int sign_octets(Octets tbs, const OBJECT_IDENTIFIER &oid, const ASYMMETRIC_KEY &key, int function,
-                DerWriter &out) noexcept {
+int sign_octets(Octets tbs, const OBJECT_IDENTIFIER &oid, const ASYMMETRIC_KEY &key, int function, DerWriter &out,
+                int pss_digest_id) noexcept {
   if (const int code = check_signing_algorithm(&oid, function)) return code;
   const Algorithm *known = find_algorithm(oid);
-  const int code = known->sign({tbs, &key, known->digest_id, function}, out);
+  const int digest_id = known->parameters == Parameters::of_pss ? pss_digest_id : known->digest_id;
+  const int code = known->sign({tbs, &key, digest_id, function}, out);
   return code ? code : out.result(function);
 }
 
 namespace {
 
-void write_signed(Octets tbs, const OBJECT_IDENTIFIER &oid, Octets signature, DerWriter &out) noexcept {
+void write_signed(Octets tbs, const OBJECT_IDENTIFIER &oid, int pss_digest_id, Octets signature,
+                  DerWriter &out) noexcept {
   const auto sequence = out.sequence();
   out.raw(tbs);
-  write_algorithm_with_null(oid, out);
+  write_algorithm_with_null(oid, out, pss_digest_id);
   out.bits(signature);
 }
 
@@ -219,10 +273,11 @@ int keep(const DerWriter &whole, int function, Signed &out) noexcept {
 
 }  // namespace
 
-int sign_tbs(Octets tbs, const OBJECT_IDENTIFIER &oid, const ASYMMETRIC_KEY &key, int function, Signed &out) noexcept {
+int sign_tbs(Octets tbs, const OBJECT_IDENTIFIER &oid, const ASYMMETRIC_KEY &key, int function, Signed &out,
+             int pss_digest_id) noexcept {
   DerWriter signature, whole(kStandardRules);
-  if (const int code = sign_octets(tbs, oid, key, function, signature)) return code;
-  write_signed(tbs, oid, signature.written(), whole);
+  if (const int code = sign_octets(tbs, oid, key, function, signature, pss_digest_id)) return code;
+  write_signed(tbs, oid, pss_digest_id, signature.written(), whole);
   out.algorithm.reset(dup_OBJECT_IDENTIFIER(&oid));
   out.signature.reset(new_string(TYPE_BIT_STRING, signature.written()));
   return keep(whole, function, out);

@@ -23,10 +23,15 @@ struct Codec {
   int (*decode)(const Tlv &, R &) noexcept;
   int (*encode)(const R &, DerWriter &) noexcept;
   std::string_view label;
+  Content content = Content::open;
 };
 
-// A block read from a file or decoded from text.
+// A block read from a file or decoded from text. It may be a key, so it is wiped.
 struct Block {
+  Block() noexcept = default;
+  Block(owned<uint8_t> made, int size) noexcept : data(std::move(made)), length(size) {}
+  Block(Block &&) noexcept = default;
+  ~Block() { PKV_Wipe(data.get(), data ? size_t(length) : 0); }
   owned<uint8_t> data;
   int length = 0;
   Octets octets() const noexcept { return octets_of(data.get(), length); }
@@ -56,7 +61,7 @@ int write_der(const Codec<R> &codec, const R *record, DerWriter &writer) noexcep
 template <class R>
 int write_der(const Codec<R> &codec, const R *record, unsigned char **out) noexcept {
   if (!out) return kBadInput;
-  DerWriter writer;
+  DerWriter writer({}, codec.content);
   if (const int code = write_der(codec, record, writer)) return code;
   const size_t length = writer.size();
   return give(writer.release(), length, out);
@@ -64,14 +69,14 @@ int write_der(const Codec<R> &codec, const R *record, unsigned char **out) noexc
 template <class R>
 int write_pem(const Codec<R> &codec, const R *record, char **out) noexcept {
   if (!out) return kBadInput;
-  DerWriter writer;
+  DerWriter writer({}, codec.content);
   if (const int code = write_der(codec, record, writer)) return code;
   return give_pem(writer.written(), codec.label, out);
 }
 template <class R>
 int write_der_file(const Codec<R> &codec, const R *record, const char *path) noexcept {
   if (!path) return kBadInput;
-  DerWriter writer;
+  DerWriter writer({}, codec.content);
   if (const int code = write_der(codec, record, writer)) return code;
   return give_to_file(writer.written(), path);
 }
@@ -81,6 +86,7 @@ int write_pem_file(const Codec<R> &codec, const R *record, const char *path) noe
   char *text = nullptr;
   const int length = write_pem(codec, record, &text);
   const owned<char> owner(text);
+  const WipeAtEnd wipe(text, text && codec.content == Content::secret ? size_t(length) : 0);
   return text ? give_to_file(octets_of(reinterpret_cast<uint8_t *>(text), length), path) : length;
 }
 

@@ -69,6 +69,22 @@ inline owned<uint8_t> new_octets(size_t size, const char *file = __builtin_FILE(
   return owned<uint8_t>(static_cast<uint8_t *>(PKV_Malloc(size, file, line)));
 }
 
+// Whether what a buffer holds is wiped before its memory goes.
+enum class Content : bool { open, secret };
+
+// Wipes octets at the end of a scope.
+class WipeAtEnd {
+ public:
+  WipeAtEnd(void *data, size_t length) noexcept : data_(data), length_(length) {}
+  WipeAtEnd(const WipeAtEnd &) = delete;
+  WipeAtEnd &operator=(const WipeAtEnd &) = delete;
+  ~WipeAtEnd() { PKV_Wipe(data_, length_); }
+
+ private:
+  void *data_;
+  size_t length_;
+};
+
 inline void copy_octets(void *to, Octets from) noexcept {
   if (!from.empty()) std::memcpy(to, from.data(), from.size());
 }

@@ -293,9 +293,9 @@ int list_from_seq(int function, const ASN1_UNIT *unit, STACK **list, int (*decod
 // X_to_Seq. `unit` is written on success only and not read before.
 template <class R>
 int to_seq(int function, const R *record, ASN1_UNIT **unit, int (*encode)(const R &, DerWriter &) noexcept,
-           Rules rules = {}) noexcept {
+           Rules rules = {}, Content content = Content::open) noexcept {
   if (!record || !unit) return fail(function, kNullArgument);
-  DerWriter out(rules);
+  DerWriter out(rules, content);
   if (const int code = encode(*record, out)) return code;
   return unit_from(out, function, unit);
 }

@@ -10,13 +10,14 @@
 namespace velpki {
 
 // Scopes of constructed values nest as C++ blocks do: a scope's length is patched in when it closes. Failure is sticky:
-// after the first one every call does nothing, and one look at `status` at the end tells which it was.
+// after the first one every call does nothing, and one look at `status` at the end tells which it was. What a writer of
+// secrets held is wiped wherever it was, but for a buffer that was handed over.
 class DerWriter {
  public:
-  explicit DerWriter(Rules rules = {}) noexcept : rules_(rules) {}
+  explicit DerWriter(Rules rules = {}, Content content = Content::open) noexcept : rules_(rules), content_(content) {}
   DerWriter(const DerWriter &) = delete;
   DerWriter &operator=(const DerWriter &) = delete;
-  ~DerWriter() { velpki::release(data_); }
+  ~DerWriter() { discard(); }
 
   class Scope {
    public:
@@ -90,6 +91,11 @@ class DerWriter {
     return grow(more);
   }
   uint8_t *grow(size_t more) noexcept;
+  uint8_t *resize(size_t room) noexcept;
+  void discard() noexcept {
+    if (content_ == Content::secret) PKV_Wipe(data_, size_);
+    velpki::release(data_);
+  }
   void fail(Read status) noexcept {
     if (status_ == Read::ok) status_ = status;
     room_ = size_;
@@ -99,6 +105,7 @@ class DerWriter {
   size_t size_ = 0, room_ = 0;
   Read status_ = Read::ok;
   Rules rules_;
+  Content content_;
 };
 
 // The octets of length that DER needs for `length`, written to `out`; their number (1 to 5).

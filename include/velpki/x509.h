@@ -278,7 +278,7 @@ VELPKI_API ECC_UNIT *ASYMMETRIC_KEY_to_ECC_UNIT(const ASYMMETRIC_KEY *key) VELPK
 /* SubjectPublicKeyInfo (RFC 5280 4.1.2.7): rsaEncryption, KCDSA1 and id-ecPublicKey on prime256v1; anything else is
  * F_SEQ_TO_X509_PUBKEY with ERR_ASN1_DECODING, a BIT STRING that holds no RSA or KCDSA key with reason 38. A record
  * passed to a failing decoder is left cleared. Seq_to_X509_PUBKEY_RFC5280 takes every algorithm: `key` is null for
- * those that it does not know, and the pair writes back what was read. */
+ * those that it does not know, and the pair writes back what was read. A key for id-RSASSA-PSS is an RSA key. */
 VELPKI_API X509_PUBKEY *new_X509_PUBKEY(void) VELPKI_NOEXCEPT;
 VELPKI_API void free_X509_PUBKEY(X509_PUBKEY *p) VELPKI_NOEXCEPT;
 VELPKI_API X509_PUBKEY *dup_X509_PUBKEY(const X509_PUBKEY *p) VELPKI_NOEXCEPT;
@@ -404,7 +404,8 @@ VELPKI_API int Seq_to_X509_CERT(ASN1_UNIT *in, X509_CERT **out) VELPKI_NOEXCEPT;
 
 /* The _RFC5280 pair reads and writes the standard form: unique identifiers, every key, every string type, multi-valued
  * RDNs, serial numbers with their sign, and nothing left over. What was received is written back octet for octet; a
- * certificate that was built or changed gets NULL parameters for RSA and KCDSA algorithms and none for the others. */
+ * certificate that was built or changed gets NULL parameters for RSA and KCDSA algorithms, those of SHA-256 for PSS,
+ * and none for the others. */
 VELPKI_API int X509_CERT_to_Seq_RFC5280(const X509_CERT *in, ASN1_UNIT **out) VELPKI_NOEXCEPT;
 VELPKI_API int Seq_to_X509_CERT_RFC5280(ASN1_UNIT *in, X509_CERT **out) VELPKI_NOEXCEPT;
 VELPKI_API int readDER_X509_CERT_from_Binary_RFC5280(X509_CERT **out, const unsigned char *data,
@@ -420,11 +421,15 @@ VELPKI_API int gen_RSA_SIG_X509_TBS_CERT(X509_TBS_CERT *tbs, ASN1_STRING *out, c
                                          RSA_UNIT *key) VELPKI_NOEXCEPT;
 VELPKI_API int gen_KCDSA_SIG_X509_TBS_CERT(X509_TBS_CERT *tbs, ASN1_STRING *out, const OBJECT_IDENTIFIER *oid,
                                            KCDSA_UNIT *key) VELPKI_NOEXCEPT;
-/* gen_SIG_X509_Cert_RFC5280 signs the standard encoding with a private RSA (PKCS#1 v1.5), ECDSA or KCDSA key and the
- * digest that the TBS's algorithm names, and keeps the finished octets as if they had been received. Codes:
- * F_GEN_RSASIGN_TBS_CERT with 49, 48 (an algorithm that is not among these), ERR_ALGORITHM_MISMATCH (a key of another
- * kind), 3C, ERR_ASN1_ENCODING, those of the TBS, or the provider's. */
+/* gen_SIG_X509_Cert_RFC5280 signs the standard encoding with a private RSA (PKCS#1 v1.5 or PSS), ECDSA or KCDSA key and
+ * the digest that the TBS's algorithm names, and keeps the finished octets as if they had been received. The OID of
+ * RSASSA-PSS names none: SHA-256, or the digest given to the _ex form, which other algorithms do not look at; MGF1 has
+ * the same digest, and the salt its length. Codes: F_GEN_RSASIGN_TBS_CERT with 49, 48 (an algorithm that is not among
+ * these), ERR_ALGORITHM_MISMATCH (a key of another kind), 3C, ERR_ASN1_ENCODING, those of the TBS, or the provider's.
+ */
 VELPKI_API int gen_SIG_X509_Cert_RFC5280(X509_CERT *cert, const ASYMMETRIC_KEY *key) VELPKI_NOEXCEPT;
+VELPKI_API int gen_SIG_X509_Cert_RFC5280_ex(X509_CERT *cert, const ASYMMETRIC_KEY *key,
+                                            int pss_digest_id) VELPKI_NOEXCEPT;
 /* verify_SIG_X509_CERT verifies with the issuer's key: 0 valid; 1 for null and ECC keys; F_VERIFY_RSASIGN_TBS_CERT or
  * F_VERIFY_KCDSASIGN_TBS_CERT with 2B, 49 or ERR_ASN1_DECODING; or the provider's code (PKV_ERR_MISMATCH for a
  * signature that is not valid).
@@ -436,9 +441,12 @@ VELPKI_API int verify_SIG_X509_CERT(X509_CERT *cert, ASYMMETRIC_KEY *key) VELPKI
 VELPKI_API int verify_RSA_SIG_X509_CERT(X509_CERT *cert, RSA_UNIT *rsa_key) VELPKI_NOEXCEPT;
 VELPKI_API int verify_KCDSA_SIG_X509_CERT(X509_CERT *cert, KCDSA_UNIT *kcdsa_key) VELPKI_NOEXCEPT;
 /* verify_SIG_X509_CERT_RFC5280 verifies the received octets of a decoded certificate with the issuer's public key: RSA
- * (PKCS#1 v1.5), ECDSA, Ed25519 and KCDSA, the digest as the algorithm says. Codes: F_VERIFY_RSASIGN_TBS_CERT with 49
- * (null, or no received octets), ERR_ALGORITHM_MISMATCH (inside and outside differ, or the key is of another kind),
- * ERR_UNUSED_BITS, 48 (an algorithm or key that is not among these), ERR_ASN1_DECODING, or the provider's code. */
+ * (PKCS#1 v1.5 and PSS), ECDSA, Ed25519 and KCDSA, the digest as the algorithm says. PSS takes digest, mask generation
+ * and the exact length of the salt from its parameters, which have to be there; a key for id-RSASSA-PSS verifies PSS
+ * alone, and only what its own parameters allow (RFC 4055). Codes: F_VERIFY_RSASIGN_TBS_CERT with 49 (null, or no
+ * received octets), ERR_ALGORITHM_MISMATCH (inside and outside differ, parameters that do not fit, or the key is of
+ * another kind), ERR_UNUSED_BITS, 48 (an algorithm, key or digest that is not among these), ERR_ASN1_DECODING, or the
+ * provider's code. */
 VELPKI_API int verify_SIG_X509_CERT_RFC5280(const X509_CERT *cert, const X509_PUBKEY *issuer_key) VELPKI_NOEXCEPT;
 /* verify_X509_validity compares the certificate's dates with a time, null meaning now. Codes: F_VERIFY_X509_VALIDITY
  * with ERR_INVALID_X509_TIME_TYPE, ERR_CERT_NOT_BEFORE and ERR_CERT_NOT_AFTER (unreadable), ERR_INVALID_CERT_NOT_BEFORE

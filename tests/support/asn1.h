@@ -51,4 +51,22 @@ inline Number number(std::string_view hexadecimal) {
   return Number(PKV_New_BIGINT_Binary(octets.data(), int(octets.size())));
 }
 
+// DER by nesting: TLV(0x30, TLV(0x02, "05")).
+inline Bytes TLV(uint8_t identifier, const Bytes &content) {
+  Bytes out{identifier};
+  if (content.size() < 0x80)
+    out.push_back(uint8_t(content.size()));
+  else if (content.size() < 0x100)
+    out.insert(out.end(), {0x81, uint8_t(content.size())});
+  else
+    out.insert(out.end(), {0x82, uint8_t(content.size() >> 8), uint8_t(content.size())});
+  out.insert(out.end(), content.begin(), content.end());
+  return out;
+}
+inline Bytes TLV(uint8_t identifier, std::string_view content) { return TLV(identifier, hex(content)); }
+inline Bytes operator+(Bytes a, const Bytes &b) {
+  a.insert(a.end(), b.begin(), b.end());
+  return a;
+}
+
 }  // namespace test

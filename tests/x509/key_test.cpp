@@ -121,6 +121,16 @@ TEST(EccOctets, LeadingZerosAreLeftOut) {
   EXPECT_EQ(BITSTRING_to_ECC_KEY(shorter, &again), F_BITSTRING_TO_ECC_KEY | 0x49);
   EXPECT_EQ(BITSTRING_to_ECC_KEY_strict(whole, &again),
             F_BITSTRING_TO_ECC_KEY | ERR_ASN1_DECODING);  // not on the curve
+  // A whole SubjectPublicKeyInfo has the form that was asked for.
+  const Owned<X509_PUBKEY> pubkey(new_X509_PUBKEY());
+  ASSERT_EQ(set_X509_PUBKEY_ecc(pubkey.get(), key), 0);
+  ASN1_UNIT *house = nullptr, *standard = nullptr;
+  EXPECT_EQ(X509_PUBKEY_to_Seq(pubkey.get(), &house), 0);
+  EXPECT_EQ(X509_PUBKEY_to_Seq_RFC5280(pubkey.get(), &standard), 0);
+  EXPECT_TRUE(flat(house).ends_with("034100" + octets_hex(shorter)));
+  EXPECT_TRUE(flat(standard).ends_with("034200" + to_hex(point)));
+  free_ASN1_UNIT(house);
+  free_ASN1_UNIT(standard);
   free_ASN1_STRING(shorter);
   free_ASN1_STRING(whole);
 }

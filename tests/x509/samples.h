@@ -28,24 +28,6 @@ using Owned = std::unique_ptr<T, ReleaseX509>;
 using Certificate = Owned<X509_CERT>;
 using Name = Owned<STACK>;
 
-// DER by nesting: TLV(0x30, TLV(0x02, "05")).
-inline Bytes TLV(uint8_t identifier, const Bytes &content) {
-  Bytes out{identifier};
-  if (content.size() < 0x80)
-    out.push_back(uint8_t(content.size()));
-  else if (content.size() < 0x100)
-    out.insert(out.end(), {0x81, uint8_t(content.size())});
-  else
-    out.insert(out.end(), {0x82, uint8_t(content.size() >> 8), uint8_t(content.size())});
-  out.insert(out.end(), content.begin(), content.end());
-  return out;
-}
-inline Bytes TLV(uint8_t identifier, std::string_view content) { return TLV(identifier, hex(content)); }
-inline Bytes operator+(Bytes a, const Bytes &b) {
-  a.insert(a.end(), b.begin(), b.end());
-  return a;
-}
-
 // The pieces of a small certificate, each of which a test may replace.
 struct CertificateParts {
   Bytes version = TLV(0xA0, "020102"), serial = TLV(0x02, "05"), signature = TLV(0x30, "06092a864886f70d01010b0500");

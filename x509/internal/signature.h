@@ -28,9 +28,10 @@ int verify_octets(Octets tbs, const Tlv &algorithm, Octets signature, const X509
 
 // Whether sign_octets knows the algorithm: 0, or 49 for null and 48.
 int check_signing_algorithm(const OBJECT_IDENTIFIER *oid, int function) noexcept;
-// Appends the signature over `tbs`.
-int sign_octets(Octets tbs, const OBJECT_IDENTIFIER &oid, const ASYMMETRIC_KEY &key, int function,
-                DerWriter &out) noexcept;
+// Appends the signature over `tbs`. The OID of RSASSA-PSS names no digest, so that comes beside it; MGF1 has the same,
+// and the salt its length.
+int sign_octets(Octets tbs, const OBJECT_IDENTIFIER &oid, const ASYMMETRIC_KEY &key, int function, DerWriter &out,
+                int pss_digest_id = kPssDigest) noexcept;
 
 // What signing puts into a record: the signature, its algorithm, and the whole finished structure as if received.
 struct Signed {
@@ -38,14 +39,16 @@ struct Signed {
   owned<ASN1_STRING> signature;
   owned<X509_RECEIVED> received;
 };
-int sign_tbs(Octets tbs, const OBJECT_IDENTIFIER &oid, const ASYMMETRIC_KEY &key, int function, Signed &out) noexcept;
+int sign_tbs(Octets tbs, const OBJECT_IDENTIFIER &oid, const ASYMMETRIC_KEY &key, int function, Signed &out,
+             int pss_digest_id = kPssDigest) noexcept;
 
 // Signs a record with members `sig_alg`, `sig_value` and `received`, whose `tbs` octets in standard form are given. On
 // failure the record is as it was.
 template <class R>
-int sign_record(R &record, Octets tbs, const OBJECT_IDENTIFIER &oid, const ASYMMETRIC_KEY &key, int function) noexcept {
+int sign_record(R &record, Octets tbs, const OBJECT_IDENTIFIER &oid, const ASYMMETRIC_KEY &key, int function,
+                int pss_digest_id = kPssDigest) noexcept {
   Signed made;
-  if (const int code = sign_tbs(tbs, oid, key, function, made)) return code;
+  if (const int code = sign_tbs(tbs, oid, key, function, made, pss_digest_id)) return code;
   free_OBJECT_IDENTIFIER(std::exchange(record.sig_alg, made.algorithm.release()));
   free_ASN1_STRING(std::exchange(record.sig_value, made.signature.release()));
   drop_received(record);

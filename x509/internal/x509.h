@@ -43,12 +43,22 @@ struct Flat<X509_RECEIVED> {
   static X509_RECEIVED *copy(const X509_RECEIVED *received) noexcept;
 };
 
+// A view of the value that a string of a constructed type holds.
+inline Tlv view_of(const ASN1_STRING &string) noexcept {
+  Tlv tlv;
+  tlv.identifier = uint8_t(string.type);
+  tlv.rules = kStandardRules;
+  tlv.content = octets(string);
+  return tlv;
+}
+
 // Registry rows that this library's code names.
 namespace row {
 inline constexpr int kRsaEncryption = 6;
 inline constexpr int kEcPublicKey = 408;
 inline constexpr int kPrime256v1 = 415;
 inline constexpr int kKcdsa1 = 782;
+inline constexpr int kRsassaPss = 835;
 }  // namespace row
 
 // The codecs. Decoders fill a blank record; encoders write one value. Both return 0 or a composite code; what a
@@ -72,6 +82,7 @@ int decode(const Tlv &tlv, X509_PUBKEY &out) noexcept;
 int encode(const X509_PUBKEY &pubkey, DerWriter &out) noexcept;
 int decode(const Tlv &tlv, X509_TBS_CERT &out) noexcept;
 int encode(const X509_TBS_CERT &tbs, DerWriter &out) noexcept;
+int encode_tbs(const X509_TBS_CERT &tbs, DerWriter &out, int pss_digest_id) noexcept;
 int decode(const Tlv &tlv, X509_CERT &out) noexcept;
 int encode(const X509_CERT &cert, DerWriter &out) noexcept;
 
@@ -108,8 +119,10 @@ inline owned<OBJECT_IDENTIFIER> oid_of_row(int index) noexcept {
   return owned<OBJECT_IDENTIFIER>(index_to_OBJECT_IDENTIFIER(index));
 }
 
-// SEQUENCE { OID, NULL }, the form in which certificates and lists carry their signature algorithm.
-void write_algorithm_with_null(const OBJECT_IDENTIFIER &oid, DerWriter &out) noexcept;
+// SEQUENCE { OID, NULL }, the form in which certificates and lists carry their signature algorithm. In standard form
+// what the algorithm wants: a NULL for RSA and KCDSA, for RSASSA-PSS the usual parameters of a digest, else nothing.
+inline constexpr int kPssDigest = PKV_DIGEST_SHA256;
+void write_algorithm_with_null(const OBJECT_IDENTIFIER &oid, DerWriter &out, int pss_digest_id = kPssDigest) noexcept;
 // The digest and scheme of a signature algorithm by the registry; false when it has none.
 bool rsa_signature_scheme(const OBJECT_IDENTIFIER *oid, int &digest_id, int &scheme) noexcept;
 

@@ -1,0 +1,251 @@
+// PKCS#1: keys of others and to others, conversions, and the parameters of OAEP and PSS.
+#include <velpki/pem.h>
+
+#include <functional>
+
+#include "samples.h"
+
+using namespace test;
+
+namespace {
+
+// A key made once; it lives to the end of the program and is no leak of the test that happens to make it first.
+class Pkcs1 : public testing::Test {
+ protected:
+  static void SetUpTestSuite() { key(); }
+  static const RSA_UNIT *key() {
+    static RSA_UNIT *const made = [] {
+      RSA_UNIT *fresh = PKV_New_RSA();
+      EXPECT_EQ(PKV_Generate_RSA(fresh, 1024, 0, nullptr, nullptr), 0);
+      return fresh;
+    }();
+    return made;
+  }
+};
+
+Owned<PKCS1_RSA_PRIVATE_KEY> read_private(const Bytes &der, int *code = nullptr) {
+  PKCS1_RSA_PRIVATE_KEY *read = nullptr;
+  const int result = readDER_PKCS1_RSA_PRIVATE_KEY_from_Binary(&read, der.data(), int(der.size()));
+  if (code) *code = result;
+  return Owned<PKCS1_RSA_PRIVATE_KEY>(read);
+}
+
+// The DER and the label of the first block of a text that may begin with words.
+Bytes der_of(const Bytes &text, std::string &label) {
+  unsigned char *der = nullptr;
+  const char *name = nullptr;
+  int name_length = 0;
+  const int length = decode_PEM_ex(reinterpret_cast<const char *>(text.data()), int(text.size()), nullptr, &name,
+                                   &name_length, nullptr, &der);
+  const Block owner(der);
+  label.assign(name ? name : "", size_t(name_length));
+  return length > 0 ? Bytes(der, der + length) : Bytes();
+}
+
+std::string written(const PKCS1_RSA_PRIVATE_KEY *key) {
+  unsigned char *out = nullptr;
+  const int length = writeDER_PKCS1_RSA_PRIVATE_KEY_to_Binary(const_cast<PKCS1_RSA_PRIVATE_KEY *>(key), &out);
+  const Block owner(out);
+  return out ? to_hex(out, size_t(length)) : "-";
+}
+
+// Every plain RSA key of others is read and written back octet for octet; no other kind of key is taken.
+TEST(Pkcs1Vectors, ReadRsaKeysAndNoOthers) {
+  VELPKI_NEED_VECTORS("pkcs1", folder);
+  int keys = 0, others = 0;
+  for (const Row &row : read_tsv(folder + "/manifest.tsv")) {
+    if (row.at("encrypted") != "no" || row.at("decodes") != "yes") continue;
+    std::string label;
+    const Bytes file = read_file(folder + "/" + row.at("file"));
+    const Bytes der = row.at("format") == "PEM" ? der_of(file, label) : file;
+    const Owned<PKCS1_RSA_PRIVATE_KEY> read = read_private(der);
+    const bool other = !label.empty() && label != "RSA PRIVATE KEY";
+    EXPECT_FALSE(other && read) << row.at("file");
+    if (label == "RSA PRIVATE KEY") EXPECT_TRUE(read) << row.at("file");
+    ++(read ? keys : others);
+    if (!read) continue;
+    EXPECT_EQ(written(read.get()), to_hex(der)) << row.at("file");
+    EXPECT_TRUE(Owned<RSA_UNIT>(get_RSA_UNIT_from_PRIV_KEY(read.get()))) << row.at("file");
+  }
+  std::printf("PKCS#1 keys: %d read, %d of other kinds\n", keys, others);
+  EXPECT_GT(keys, 50);
+}
+
+TEST_F(Pkcs1, ConvertToProviderKeysAndBack) {
+  const Owned<PKCS1_RSA_PRIVATE_KEY> record(new_PKCS1_RSA_PRIVATE_KEY());
+  const Owned<PKCS1_RSA_PUBLIC_KEY> half(new_PKCS1_RSA_PUBLIC_KEY());
+  ASSERT_EQ(set_RSA_UNIT_to_P1_PRIV_KEY(record.get(), key()), 0);
+  ASSERT_EQ(set_RSA_UNIT_to_P1_PUB_KEY(half.get(), key()), 0);
+  const Owned<RSA_UNIT> back(get_RSA_UNIT_from_PRIV_KEY(record.get())), open(get_RSA_UNIT_from_PUB_KEY(half.get()));
+  EXPECT_EQ(PKV_Check_RSA(back.get()), 0);
+  EXPECT_EQ(PKV_Cmp_RSA(open.get(), key()), 0);
+  EXPECT_FALSE(PKV_Is_RSA_Private(open.get()));
+  // A public key has no private numbers to give, and a record without one of its numbers is no key.
+  EXPECT_EQ(set_RSA_UNIT_to_P1_PRIV_KEY(record.get(), open.get()), F_SET_RSA_UNIT_TO_P1_PRIV_KEY | 0x2B);
+  EXPECT_NE(record->qInv, nullptr);
+  PKV_Free_BIGINT(record->qInv);
+  record->qInv = nullptr;
+  EXPECT_EQ(get_RSA_UNIT_from_PRIV_KEY(record.get()), nullptr);
+  ASN1_UNIT *out = nullptr;
+  EXPECT_EQ(PKCS1_RSA_PRIVATE_KEY_to_Seq(record.get(), &out), F_P1_PRIV_KEY_INFO_TO_SEQ | ERR_ASN1_ENCODING);
+  EXPECT_EQ(set_RSA_UNIT_to_P1_PUB_KEY(nullptr, key()), F_SET_RSA_UNIT_TO_P1_PUB_KEY | 0x49);
+  EXPECT_EQ(get_RSA_UNIT_from_PUB_KEY(nullptr), nullptr);
+}
+
+TEST_F(Pkcs1, WriteTextWithTheirLabels) {
+  const Owned<PKCS1_RSA_PRIVATE_KEY> record(new_PKCS1_RSA_PRIVATE_KEY());
+  const Owned<PKCS1_RSA_PUBLIC_KEY> half(new_PKCS1_RSA_PUBLIC_KEY());
+  ASSERT_EQ(set_RSA_UNIT_to_P1_PRIV_KEY(record.get(), key()), 0);
+  ASSERT_EQ(set_RSA_UNIT_to_P1_PUB_KEY(half.get(), key()), 0);
+  using Write = std::function<int(char **)>;
+  const std::pair<const char *, Write> cases[] = {
+      {"PKV_RSA PRIVATE KEY", [&](char **out) { return writePEM_PKCS1_RSA_PRIVATE_KEY_to_Binary(record.get(), out); }},
+      {"RSA PRIVATE KEY",
+       [&](char **out) { return writePEM_PKCS1_RSA_PRIVATE_KEY_to_Binary_RFC7468(record.get(), out); }},
+      {"PKV_RSA PUBLIC KEY", [&](char **out) { return writePEM_PKCS1_RSA_PUBLIC_KEY_to_Binary(half.get(), out); }},
+      {"RSA PUBLIC KEY", [&](char **out) { return writePEM_PKCS1_RSA_PUBLIC_KEY_to_Binary_RFC7468(half.get(), out); }}};
+  for (const auto &[label, write] : cases) {
+    char *text = nullptr;
+    const int length = write(&text);
+    const std::unique_ptr<char, Release> owner(text);
+    ASSERT_GT(length, 2) << label;
+    EXPECT_EQ(std::string_view(text).substr(11, std::strlen(label) + 5), std::string(label) + "-----");
+    const bool secret = std::strstr(label, "PRIVATE");
+    PKCS1_RSA_PRIVATE_KEY *whole = nullptr;
+    PKCS1_RSA_PUBLIC_KEY *open = nullptr;
+    EXPECT_EQ(readPEM_PKCS1_RSA_PRIVATE_KEY_from_Binary(&whole, text, length) == 0, secret) << label;
+    EXPECT_EQ(readPEM_PKCS1_RSA_PUBLIC_KEY_from_Binary(&open, text, length) == 0, !secret) << label;
+    if (!std::strncmp(label, "RSA", 3)) {
+      ASSERT_TRUE(write_file(temporary_path("key.pem"), text, size_t(length)));
+      int status = 0;
+      run("openssl rsa -in " + temporary_path("key.pem") + (secret ? " -check" : " -RSAPublicKey_in") + " -noout 2>&1",
+          &status);
+      EXPECT_EQ(status, 0) << label;
+    }
+    free_PKCS1_RSA_PRIVATE_KEY(whole);
+    free_PKCS1_RSA_PUBLIC_KEY(open);
+  }
+}
+
+TEST(Pkcs1Keys, RefuseOtherShapes) {
+  const struct {
+    const char *why, *content;
+  } cases[] = {{"version 1", "020101 020103 020103 020103 020103 020103 020103 020103 020103"},
+               {"eight elements", "020100 020103 020103 020103 020103 020103 020103 020103"},
+               {"ten elements", "020100 020103 020103 020103 020103 020103 020103 020103 020103 020103"},
+               {"long version", "02020000 020103 020103 020103 020103 020103 020103 020103 020103"},
+               {"a string", "020100 040103 020103 020103 020103 020103 020103 020103 020103"}};
+  for (const auto &c : cases) {
+    int code = 0;
+    EXPECT_FALSE(read_private(TLV(0x30, c.content), &code)) << c.why;
+    EXPECT_EQ(code, F_SEQ_TO_P1_PRIV_KEY_INFO | ERR_ASN1_DECODING) << c.why;
+  }
+}
+
+// Parameters: what they mean, and what is written for them.
+
+const std::string kSha256 = "300d06096086480165030402010500", kSha256Absent = "300b0609608648016503040201";
+const std::string kSha1 = "300906052b0e03021a0500";
+std::string hex_tlv(uint8_t tag, const std::string &content) { return to_hex(TLV(tag, hex(content))); }
+std::string mgf1(const std::string &hash) { return hex_tlv(0x30, "06092a864886f70d010108" + hash); }
+
+TEST(RsaParameters, OfPssMeanWhatTheySay) {
+  const std::string bad_mgf = hex_tlv(0x30, "06092a864886f70d010109" + kSha256);
+  constexpr int kDecoding = F_SEQ_TO_RSASSA_PSS_PARAM | ERR_ASN1_DECODING, kUnknown = F_SEQ_TO_RSASSA_PSS_PARAM | 0x48;
+  const struct {
+    std::string content;
+    int decode, meaning;
+    int digest, mask, salt;
+    std::string written;  // when it is not the content
+  } cases[] = {
+      {"", 0, 0, PKV_DIGEST_SHA1, PKV_DIGEST_SHA1, 20, {}},
+      {hex_tlv(0xA0, kSha256) + hex_tlv(0xA1, mgf1(kSha256)) + "a203020120",
+       0,
+       0,
+       PKV_DIGEST_SHA256,
+       PKV_DIGEST_SHA256,
+       32,
+       {}},
+      {hex_tlv(0xA0, kSha256Absent) + hex_tlv(0xA1, mgf1(kSha256Absent)),
+       0,
+       0,
+       PKV_DIGEST_SHA256,
+       PKV_DIGEST_SHA256,
+       20,
+       {}},
+      {hex_tlv(0xA1, mgf1(kSha256)), 0, 0, PKV_DIGEST_SHA1, PKV_DIGEST_SHA256, 20, {}},
+      {"a203020100", 0, 0, PKV_DIGEST_SHA1, PKV_DIGEST_SHA1, 0, {}},
+      {hex_tlv(0xA0, kSha1) + hex_tlv(0xA1, mgf1(kSha1)) + "a203020114a303020101", 0, 0, PKV_DIGEST_SHA1,
+       PKV_DIGEST_SHA1, 20, "-"},
+      {"a20602040fffffff", 0, 0, PKV_DIGEST_SHA1, PKV_DIGEST_SHA1, 0x0FFFFFFF, {}},
+      {"a20702050100000000", 0, kDecoding, 0, 0, 0, {}},
+      {hex_tlv(0xA0, "300706052b0e03021b"), 0, kUnknown, 0, 0, 0, {}},
+      {hex_tlv(0xA0, "300d06092a864886f70d01010b0500"), 0, kUnknown, 0, 0, 0, {}},  // a signature algorithm
+      {hex_tlv(0xA1, bad_mgf), 0, kUnknown, 0, 0, 0, {}},
+      {hex_tlv(0xA1, hex_tlv(0x30, "06092a864886f70d010108")), 0, kDecoding, 0, 0, 0, {}},
+      {hex_tlv(0xA1, hex_tlv(0x30, "06092a864886f70d0101080500")), 0, kDecoding, 0, 0, 0, {}},
+      {"a2030201ff", kDecoding, 0, 0, 0, 0, {}},                     // a negative salt
+      {"a303020102", kDecoding, 0, 0, 0, 0, {}},                     // another trailer
+      {"a303020101a203020120", kDecoding, 0, 0, 0, 0, {}},           // out of order
+      {"a203020120a203020120", kDecoding, 0, 0, 0, 0, {}},           // twice
+      {"a206020120020120", kDecoding, 0, 0, 0, 0, {}},               // two in one wrapper
+      {"8203020120", kDecoding, 0, 0, 0, 0, {}},                     // a primitive wrapper
+      {hex_tlv(0xA0, kSha256) + "0500", kDecoding, 0, 0, 0, 0, {}},  // something left over
+  };
+  for (const auto &c : cases) {
+    RSASSA_PSS_PARAM *read = nullptr;
+    const Unit in = unit(TLV(0x30, c.content));
+    ASSERT_EQ(Seq_to_RSASSA_PSS_PARAM(in.get(), &read), c.decode) << c.content;
+    if (c.decode) continue;
+    const Owned<RSASSA_PSS_PARAM> param(read);
+    int digest = 0, mask = 0, salt = 0;
+    EXPECT_EQ(get_RSASSA_PSS_PARAM_values(read, &digest, &mask, &salt), c.meaning) << c.content;
+    EXPECT_EQ(std::tuple(digest, mask, salt), std::tuple(c.digest, c.mask, c.salt)) << c.content;
+    ASN1_UNIT *out = nullptr;
+    EXPECT_EQ(RSASSA_PSS_PARAM_to_Seq(read, &out), 0) << c.content;
+    const Unit owner(out);
+    EXPECT_EQ(flat(out), hex_tlv(0x30, c.written == "-" ? "" : c.content));
+  }
+}
+
+TEST(RsaParameters, AreMadeFromTheProvidersTerms) {
+  const Owned<RSASSA_PSS_PARAM> pss(new_RSASSA_PSS_PARAM());
+  const Owned<RSAES_OAEP_PARAM> oaep(new_RSAES_OAEP_PARAM());
+  const unsigned char label[] = {0xAB, 0xCD};
+  int digest = 0, mask = 0, length = 0;
+  const unsigned char *lent = nullptr;
+  ASN1_UNIT *out = nullptr;
+  ASSERT_EQ(set_RSASSA_PSS_PARAM_values(pss.get(), PKV_DIGEST_SHA256, PKV_DIGEST_SHA1, 32), 0);
+  ASSERT_EQ(RSASSA_PSS_PARAM_to_Seq(pss.get(), &out), 0);
+  EXPECT_EQ(flat(out), hex_tlv(0x30, hex_tlv(0xA0, kSha256) + "a203020120"));
+  free_ASN1_UNIT(out);
+  ASSERT_EQ(set_RSAES_OAEP_PARAM_values(oaep.get(), PKV_DIGEST_SHA1, PKV_DIGEST_SHA256, label, 2), 0);
+  ASSERT_EQ(RSAES_OAEP_PARAM_to_Seq(oaep.get(), &out), 0);
+  EXPECT_EQ(flat(out), hex_tlv(0x30, hex_tlv(0xA1, mgf1(kSha256)) +
+                                         hex_tlv(0xA2, hex_tlv(0x30, "06092a864886f70d0101090402abcd"))));
+  free_ASN1_UNIT(out);
+  ASSERT_EQ(get_RSAES_OAEP_PARAM_values(oaep.get(), &digest, &mask, &lent, &length), 0);
+  EXPECT_EQ(std::tuple(digest, mask, to_hex(lent, size_t(length))),
+            std::tuple(int(PKV_DIGEST_SHA1), int(PKV_DIGEST_SHA256), std::string("abcd")));
+  EXPECT_EQ(set_RSAES_OAEP_PARAM_pSourceAlgorithm(oaep.get(), oaep->maskGenAlgorithm), 0);
+  EXPECT_EQ(get_RSAES_OAEP_PARAM_values(oaep.get(), &digest, &mask, &lent, &length), F_SEQ_TO_RSAES_OAEP_PARAM | 0x48);
+  // Null members are the defaults.
+  EXPECT_EQ(set_RSAES_OAEP_PARAM_maskGenAlgorithm(oaep.get(), nullptr), 0);
+  EXPECT_EQ(set_RSAES_OAEP_PARAM_pSourceAlgorithm(oaep.get(), nullptr), 0);
+  ASSERT_EQ(get_RSAES_OAEP_PARAM_values(oaep.get(), &digest, &mask, nullptr, &length), 0);
+  EXPECT_EQ(std::tuple(mask, length), std::tuple(int(PKV_DIGEST_SHA1), 0));
+
+  EXPECT_EQ(set_RSASSA_PSS_PARAM_values(pss.get(), 7, PKV_DIGEST_SHA1, 20),
+            F_SET_RSASSA_PSS_PARAM_HASHALGORITHM | 0x48);
+  EXPECT_EQ(set_RSASSA_PSS_PARAM_values(pss.get(), PKV_DIGEST_SHA1, PKV_DIGEST_SHA1, -1),
+            F_SET_RSASSA_PSS_PARAM_HASHALGORITHM | 0x2B);
+  EXPECT_EQ(set_RSASSA_PSS_PARAM_hashAlgorithm(nullptr, nullptr), F_SET_RSASSA_PSS_PARAM_HASHALGORITHM | 0x49);
+  EXPECT_EQ(set_RSASSA_PSS_PARAM_trailerField(pss.get(), 2), F_SET_RSASSA_PSS_PARAM_TRAILERFIELD | 0x2B);
+  EXPECT_EQ(set_RSASSA_PSS_PARAM_trailerField(nullptr, 1), F_SET_RSASSA_PSS_PARAM_TRAILERFIELD | 0x49);
+  EXPECT_EQ(set_RSASSA_PSS_PARAM_saltLength(pss.get(), -1), 1);
+  EXPECT_EQ(set_RSASSA_PSS_PARAM_saltLength(pss.get(), 0), 0);
+  EXPECT_EQ(get_RSASSA_PSS_PARAM_values(pss.get(), nullptr, nullptr, &length), 0);
+  EXPECT_EQ(length, 0);
+}
+
+}  // namespace
