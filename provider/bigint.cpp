@@ -11,25 +11,33 @@
 namespace velcrypto {
 namespace {
 
-constexpr int kMaxOctets = INT_MAX / 8;  // so that a bit length is an int
-constexpr int kDefaultRoom = 40;         // of numbers made empty: serials and words
-constexpr int kMaxDigits = 20000;        // conversion takes quadratic time
-constexpr int kMaxDecimalBits = 66439;   // no number of kMaxDigits digits has more
+constexpr int kMaxOctets = INT_MAX / 8;         // so that a bit length is an int
+constexpr unsigned kRoomMask = (1u << 30) - 1;  // says that kMaxOctets fits `room`
+constexpr int kDefaultRoom = 40;                // of numbers made empty: serials and words
+constexpr int kMaxDigits = 20000;               // conversion takes quadratic time
+constexpr int kMaxDecimalBits = 66439;          // no number of kMaxDigits digits has more
 
 uint8_t *inner_octets(const BIGINT *n) noexcept { return reinterpret_cast<uint8_t *>(const_cast<BIGINT *>(n) + 1); }
 
 BIGINT *allocate(int room) noexcept {
   auto *n = static_cast<BIGINT *>(PKV_Malloc(sizeof(BIGINT) + size_t(room), __builtin_FILE(), __builtin_LINE()));
-  if (n) *n = BIGINT{inner_octets(n), 0, room, 0};
+  if (n) *n = BIGINT{inner_octets(n), 0, unsigned(room) & kRoomMask, false, false};
   return n;
 }
 
-void wipe_octets(BIGINT *n) noexcept {
-  PKV_Wipe(inner_octets(n), size_t(n->room));
-  if (n->octets == inner_octets(n)) return;
-  PKV_Wipe(n->octets, size_t(n->length));
-  PKV_Free(n->octets, __builtin_FILE(), __builtin_LINE());
+// Leaves octets that do not stand behind the struct.
+void leave_outside(BIGINT *n) noexcept {
+  if (!n->borrowed && n->octets != inner_octets(n)) {
+    PKV_Wipe(n->octets, size_t(n->length));
+    PKV_Free(n->octets, __builtin_FILE(), __builtin_LINE());
+  }
+  n->borrowed = false;
   n->octets = inner_octets(n);
+}
+
+void wipe_octets(BIGINT *n) noexcept {
+  PKV_Wipe(inner_octets(n), n->room);
+  leave_outside(n);
 }
 
 struct Magnitude {
@@ -58,17 +66,14 @@ int assign_outside(BIGINT *n, Magnitude value) noexcept {
 void assign_inside(BIGINT *n, Magnitude value) noexcept {
   uint8_t *inner = inner_octets(n);
   if (value.length) std::memmove(inner, value.octets, size_t(value.length));
-  PKV_Wipe(inner + value.length, size_t(n->room - value.length));
-  if (n->octets == inner) return;
-  PKV_Wipe(n->octets, size_t(n->length));
-  PKV_Free(n->octets, __builtin_FILE(), __builtin_LINE());
-  n->octets = inner;
+  PKV_Wipe(inner + value.length, size_t(n->room) - size_t(value.length));
+  leave_outside(n);
 }
 
 int assign(BIGINT *n, const uint8_t *octets, int length, bool negative) noexcept {
   const Magnitude value = without_leading_zeros(octets, length);
   if (value.length > kMaxOctets) return PKV_ERR_BAD_VALUE;
-  if (value.length <= n->room) {
+  if (value.length <= int(n->room)) {
     assign_inside(n, value);
   } else if (int code = assign_outside(n, value)) {
     return code;
@@ -143,6 +148,24 @@ void PKV_Free_BIGINT(BIGINT *n) noexcept {
   if (!n) return;
   wipe_octets(n);
   PKV_Free(n, __builtin_FILE(), __builtin_LINE());
+}
+
+size_t PKV_Get_BIGINT_Size(void) noexcept { return sizeof(BIGINT); }
+
+BIGINT *PKV_Place_BIGINT(void *place, const unsigned char *octets, int length) noexcept {
+  if (!place || check_octets(octets, length) || length > kMaxOctets) return nullptr;
+  auto *n = static_cast<BIGINT *>(place);
+  const Magnitude value = without_leading_zeros(octets, length);
+  uint8_t *start = value.length ? const_cast<uint8_t *>(value.octets) : inner_octets(n);  // only read while borrowed
+  *n = BIGINT{start, value.length, 0, false, true};
+  return n;
+}
+
+void PKV_Clear_BIGINT(BIGINT *n) noexcept {
+  if (!n) return;
+  wipe_octets(n);
+  n->length = 0;
+  n->negative = false;
 }
 
 BIGINT *PKV_Dup_BIGINT(const BIGINT *n) noexcept {

@@ -80,6 +80,13 @@ VELPKI_API BIGINT *PKV_New_BIGINT(void) VELPKI_NOEXCEPT; /* zero */
  */
 VELPKI_API BIGINT *PKV_New_BIGINT_Binary(const unsigned char *octets, int length) VELPKI_NOEXCEPT;
 VELPKI_API void PKV_Free_BIGINT(BIGINT *n) VELPKI_NOEXCEPT; /* wipes */
+/* Numbers inside a record that holds very many of them: PKV_Place_BIGINT makes one in PKV_Get_BIGINT_Size octets of the
+ * caller's, aligned as a pointer, without allocating. It reads its value from the caller's octets, which must outlive
+ * it, until it is changed; from then on it has octets of its own. PKV_Clear_BIGINT wipes and releases those and sets
+ * the number to zero; a placed number is never released with PKV_Free_BIGINT. Null as PKV_New_BIGINT_Binary. */
+VELPKI_API size_t PKV_Get_BIGINT_Size(void) VELPKI_NOEXCEPT;
+VELPKI_API BIGINT *PKV_Place_BIGINT(void *place, const unsigned char *octets, int length) VELPKI_NOEXCEPT;
+VELPKI_API void PKV_Clear_BIGINT(BIGINT *n) VELPKI_NOEXCEPT;
 VELPKI_API BIGINT *PKV_Dup_BIGINT(const BIGINT *n) VELPKI_NOEXCEPT;
 VELPKI_API int PKV_Copy_BIGINT(BIGINT *to, const BIGINT *from) VELPKI_NOEXCEPT;
 /* PKV_Binary_To_BIGINT sets `n` to the unsigned big-endian value of the octets. */

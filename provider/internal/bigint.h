@@ -7,12 +7,14 @@
 #include "provider/internal/memory.h"
 
 // One flat block: the octets stand behind the struct while they fit in `room`, and in a block of their own after a
-// number grew past it. `length` octets at `octets`, most significant first, the first one not zero.
+// number grew past it. `length` octets at `octets`, most significant first, the first one not zero. A placed number
+// begins with octets that belong to its caller.
 struct pkv_bigint {
   uint8_t *octets;
   int length;
-  int room;      // octets that stand behind the struct
-  int negative;  // 0 or 1; 0 for zero
+  unsigned room : 30;  // octets that stand behind the struct
+  bool negative : 1;   // never for zero
+  bool borrowed : 1;   // the octets are the caller's: neither wiped nor released
 };
 
 namespace velcrypto {

@@ -16,7 +16,7 @@ namespace velcrypto {
 struct Number {
   const uint8_t *octets = nullptr;
   int length = 0;
-  int negative = 0;
+  bool negative = false;
 };
 inline Number number_of(const BIGINT *n) noexcept {
   if (!n) return {};
@@ -68,7 +68,7 @@ struct KeyPart {
   uint8_t *place(size_t which, const Number &one, uint8_t *at) noexcept {
     if (!one.octets) return at;
     if (one.length) std::memcpy(at, one.octets, size_t(one.length));
-    numbers[which] = {at, one.length, 0, one.negative};
+    numbers[which] = {at, one.length, 0, one.negative, false};
     return at + one.length;
   }
 };

@@ -125,6 +125,26 @@ TEST(Bigint, OctetsWordsBitsAndNulls) {
   EXPECT_EQ(call(PKV_Copy_BIGINT, n, none), PKV_ERR_NULL);
 }
 
+// A placed number reads the caller's octets until it changes, and never writes to them.
+TEST(Bigint, PlacedNumbers) {
+  alignas(void *) uint8_t place[64];
+  ASSERT_LE(PKV_Get_BIGINT_Size(), sizeof place);
+  const Bytes octets = hex("00a1b2c3");
+  BIGINT *n = PKV_Place_BIGINT(place, octets.data(), int(octets.size()));
+  ASSERT_NE(n, nullptr);
+  EXPECT_EQ(digits_of(n), "a1b2c3");
+  EXPECT_EQ(PKV_Set_BIGINT_Negative(n, 1), 0);
+  EXPECT_EQ(PKV_Add_BIGINT(n, n, number("a1b2c4").get()), 0);
+  EXPECT_EQ(digits_of(n), "01");
+  PKV_Clear_BIGINT(n);
+  EXPECT_EQ(digits_of(n), "");
+  EXPECT_EQ(PKV_Copy_BIGINT(n, number(std::string(80, '7')).get()), 0);
+  PKV_Clear_BIGINT(n);
+  EXPECT_EQ(to_hex(octets), "00a1b2c3");
+  EXPECT_NE(PKV_Get_BIGINT_Octets(PKV_Place_BIGINT(place, nullptr, 0), nullptr), nullptr);
+  EXPECT_TRUE(!PKV_Place_BIGINT(place, nullptr, 1) && !PKV_Place_BIGINT(nullptr, octets.data(), 1));
+}
+
 TEST(Bigint, ExhaustedMemoryChangesNothing) {
   const Number n = decimal("77"), big = number(std::string(400, 'f'));
   const auto work = [&] {
