@@ -24,15 +24,6 @@ bool read_version(Cursor &in, unsigned char &version) noexcept {
   return true;
 }
 
-// AlgorithmIdentifier of which only the OID is kept.
-bool read_algorithm_oid(Cursor &in, OBJECT_IDENTIFIER *&out) noexcept {
-  Tlv child;
-  if (!in.next(TYPE_SEQUENCE, child)) return false;
-  Cursor algorithm(child);
-  algorithm.oid(out);
-  return in.absorb(algorithm);
-}
-
 // Validity ::= SEQUENCE { notBefore Time, notAfter Time }
 bool read_validity(Cursor &in, X509_TBS_CERT &out) noexcept {
   Tlv child;
@@ -71,6 +62,15 @@ bool read_standard_tail(Cursor &in, X509_TBS_CERT &out) noexcept {
 }
 
 }  // namespace
+
+// AlgorithmIdentifier of which only the OID is kept.
+bool read_algorithm_oid(Cursor &in, OBJECT_IDENTIFIER *&out) noexcept {
+  Tlv child;
+  if (!in.next(TYPE_SEQUENCE, child)) return false;
+  Cursor algorithm(child);
+  algorithm.oid(out);
+  return in.absorb(algorithm);
+}
 
 // Time ::= CHOICE { utcTime UTCTime, generalTime GeneralizedTime }
 bool read_time(Cursor &in, X509_TIME *&out) noexcept {

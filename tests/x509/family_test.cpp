@@ -9,6 +9,13 @@ namespace {
 
 const std::vector<Family> &families() {
   static const CertificateParts parts;
+  static const CrlParts crl;
+  static const CrlParts v1 = [] {
+    CrlParts p;
+    p.version = p.next_update = p.tail = {};
+    p.revoked = TLV(0x30, p.entry("80") + p.entry("ff7f"));
+    return p;
+  }();
   static const Bytes oid = TLV(0x06, "550403");
   static const Bytes attribute = TLV(0x30, oid + TLV(0x31, TLV(0x0C, "41") + TLV(0x30, "020105")));
   static const Bytes extension = TLV(0x30, TLV(0x06, "551d13") + TLV(0x01, "ff") + TLV(0x04, "3000"));
@@ -27,6 +34,13 @@ const std::vector<Family> &families() {
       FAMILY(X509_CERT_PAIR, TLV(0x30, TLV(0xA0, parts.der()) + TLV(0xA1, parts.der())), dup_X509_CERT_PAIR),
       FAMILY(X509_AUX, TLV(0x30, TLV(0x0C, "41") + TLV(0x80, "0102")), dup_X509_AUX),
       FAMILY(ISSUER_AND_SERIAL_NUMBER, TLV(0x30, parts.issuer + parts.serial), nullptr),
+      FAMILY(X509_CRL_INFO, crl.tbs(), dup_X509_CRL_INFO),
+      FAMILY(X509_CRL, crl.der(), dup_X509_CRL),
+      FAMILY(X509_CRLS, TLV(0x30, crl.der() + crl.der()), nullptr),
+      family<STACK>("X509_REVOKED", crl.revoked, Seq_to_X509_REVOKED, X509_REVOKED_to_Seq, nullptr,
+                    free_X509_REVOKED_LIST),
+      family<X509_CRL>("X509_CRL_RFC5280", v1.der(), Seq_to_X509_CRL_RFC5280, X509_CRL_to_Seq_RFC5280, dup_X509_CRL,
+                       free_X509_CRL),
       family<X509_NAME>("X509_NAME_RFC5280",
                         TLV(0x30, TLV(0x31, TLV(0x30, oid + TLV(0x0C, "41")) + TLV(0x30, oid + TLV(0x12, "42")))),
                         Seq_to_X509_NAME_RFC5280, X509_NAME_to_Seq_RFC5280, dup_X509_NAME, free_X509_NAME),

@@ -5,6 +5,7 @@
 #include <velpki/asn1_objects.h>
 #include <velpki/issuer_and_serial_number.h>
 #include <velpki/x509.h>
+#include <velpki/x509_crl.h>
 
 #include "support/asn1.h"
 
@@ -12,6 +13,8 @@ namespace test {
 
 struct ReleaseX509 {
   void operator()(X509_CERT *p) const { free_X509_CERT(p); }
+  void operator()(X509_CRL *p) const { free_X509_CRL(p); }
+  void operator()(X509_REVOKED *p) const { free_X509_REVOKED(p); }
   void operator()(STACK *p) const { free_X509_NAME(p); }
   void operator()(X509_PUBKEY *p) const { free_X509_PUBKEY(p); }
   void operator()(ASYMMETRIC_KEY *p) const { free_ASYMMETRIC_KEY(p); }
@@ -26,6 +29,7 @@ struct ReleaseX509 {
 template <class T>
 using Owned = std::unique_ptr<T, ReleaseX509>;
 using Certificate = Owned<X509_CERT>;
+using Crl = Owned<X509_CRL>;
 using Name = Owned<STACK>;
 
 // The pieces of a small certificate, each of which a test may replace.
@@ -41,6 +45,27 @@ struct CertificateParts {
   Bytes outer = signature, value = TLV(0x03, Bytes{0} + Bytes(128, 0x5A));
 
   Bytes tbs() const { return TLV(0x30, version + serial + signature + issuer + validity + subject + spki + tail); }
+  Bytes der() const { return TLV(0x30, tbs() + outer + value); }
+};
+
+// The same of a small revocation list: serial numbers 1, 80 (as 0080) and 0, the second with a reason.
+struct CrlParts {
+  static Bytes entry(std::string_view serial, const Bytes &extensions = {}) {
+    return TLV(0x30, TLV(0x02, serial) + TLV(0x17, "3235303130313030303030305a") + extensions);
+  }
+  static Bytes extension(std::string_view oid, const Bytes &value, bool critical = false) {
+    return TLV(0x30, TLV(0x06, oid) + (critical ? TLV(0x01, "ff") : Bytes()) + TLV(0x04, value));
+  }
+  Bytes version = TLV(0x02, "01"), signature = TLV(0x30, "06092a864886f70d01010b0500");
+  Bytes issuer = CertificateParts().issuer;
+  Bytes this_update = TLV(0x17, "3236303130313030303030305a"),
+        next_update = TLV(0x18, "32303330303130313030303030305a");
+  Bytes entries = entry("01") + entry("0080", TLV(0x30, extension("551d15", TLV(0x0A, "01")))) + entry("00");
+  Bytes revoked = TLV(0x30, entries);
+  Bytes tail = TLV(0xA0, TLV(0x30, extension("551d14", TLV(0x02, "05"))));
+  Bytes outer = signature, value = TLV(0x03, Bytes{0} + Bytes(128, 0x5A));
+
+  Bytes tbs() const { return TLV(0x30, version + signature + issuer + this_update + next_update + revoked + tail); }
   Bytes der() const { return TLV(0x30, tbs() + outer + value); }
 };
 

@@ -3,8 +3,9 @@
 
 #include "x509/internal/x509.h"
 
-// One block: the octets stand behind the struct.
+// One block: the octets stand behind the struct. They never change, so copies of a record share them.
 struct x509_received {
+  int shares;      // further holders
   int length;      // of the whole record
   int tbs_offset;  // where the part that is signed stands in it
   int tbs_length;
@@ -20,6 +21,8 @@ inline Octets received_tbs(const X509_RECEIVED &received) noexcept {
 }
 // A copy of a decoded record's octets; `tbs` lies in its content.
 X509_RECEIVED *new_received(const Tlv &record, Octets tbs) noexcept;
+// The same value in the copy, so that what is decoded may point there.
+Tlv in_received(const Tlv &record, const X509_RECEIVED &received) noexcept;
 // What get_..._received functions lend: null, and 0 in `*length`, where nothing is kept.
 const unsigned char *lend_received(const X509_RECEIVED *received, int tbs, int *length) noexcept;
 

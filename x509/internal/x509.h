@@ -89,6 +89,8 @@ int encode(const X509_CERT &cert, DerWriter &out) noexcept;
 // A Time (RFC 5280 4.1.2.5) as the child of a cursor or writer.
 bool read_time(Cursor &in, X509_TIME *&out) noexcept;
 void write_time(const X509_TIME &time, DerWriter &out) noexcept;
+// An AlgorithmIdentifier of which only the OID is kept.
+bool read_algorithm_oid(Cursor &in, OBJECT_IDENTIFIER *&out) noexcept;
 // The instant of a time, or null when its type or text is none.
 owned<ASN1_TIME> time_of(const X509_TIME &time) noexcept;
 

@@ -1,0 +1,313 @@
+// X509_REVOKED: entries of a revocation list, and the blocks that they stand in.
+#include "x509/internal/crl.h"
+
+#include <climits>
+
+namespace velpki {
+
+// The head of a block of entries. It is released with the last of them.
+struct RevokedGroup {
+  int living;             // entries not released, and one while the group is open
+  int room;               // slots
+  X509_CRL_KEPT *kept;    // of the CRL that the entries belong to, or null
+  X509_RECEIVED *octets;  // what placed serial numbers point into, or null
+};
+
+namespace {
+
+constexpr size_t kShortDate = 15;  // GeneralizedTime with seconds, in UTC
+
+// What stands at a slot. The serial number's record follows; its size is the provider's.
+struct Entry {
+  X509_REVOKED record;
+  X509_TIME date;
+  ASN1_STRING date_text;  // its octets follow, as those of every string
+  uint8_t date_octets[kShortDate + 1];
+};
+
+size_t stride() noexcept {
+  constexpr size_t kAlignment = alignof(Entry);
+  return (sizeof(Entry) + PKV_Get_BIGINT_Size() + kAlignment - 1) / kAlignment * kAlignment;
+}
+
+void *slot_of(RevokedGroup &group, int slot) noexcept {
+  return reinterpret_cast<uint8_t *>(&group + 1) + size_t(slot) * stride();
+}
+// Every X509_REVOKED was made at a slot and is the first member of what stands there.
+Entry &entry_of(X509_REVOKED &record) noexcept { return *reinterpret_cast<Entry *>(&record); }
+RevokedGroup &group_of(const X509_REVOKED &record) noexcept {
+  auto *first = reinterpret_cast<uint8_t *>(const_cast<X509_REVOKED *>(&record)) - size_t(record.place) * stride();
+  return *(reinterpret_cast<RevokedGroup *>(first) - 1);
+}
+void *number_place(Entry &entry) noexcept { return &entry + 1; }
+
+void release_hold(RevokedGroup &group) noexcept {
+  if (__atomic_sub_fetch(&group.living, 1, __ATOMIC_ACQ_REL) > 0) return;
+  let_go(group.kept);
+  if (group.octets) Flat<X509_RECEIVED>::release(group.octets);
+  release(&group);
+}
+
+void drop_serial(Entry &entry) noexcept {
+  if (entry.record.userCertificate == number_place(entry))
+    PKV_Clear_BIGINT(entry.record.userCertificate);
+  else
+    PKV_Free_BIGINT(entry.record.userCertificate);
+  entry.record.userCertificate = nullptr;
+}
+
+void drop_date(Entry &entry) noexcept {
+  if (entry.record.revocationDate != &entry.date)
+    free_X509_TIME(entry.record.revocationDate);
+  else if (entry.date.time != &entry.date_text)
+    free_ASN1_STRING(entry.date.time);
+  else
+    clean_ASN1_STRING(&entry.date_text);
+  entry.record.revocationDate = nullptr;
+}
+
+void drop_members(Entry &entry) noexcept {
+  drop_serial(entry);
+  drop_date(entry);
+  if (entry.record.crlEntryExtensions) free_X509_EXTENSIONS(entry.record.crlEntryExtensions);
+  entry.record.crlEntryExtensions = nullptr;
+}
+
+// An entry is about to change: what its CRL keeps no longer describes it.
+X509_REVOKED *changing(X509_REVOKED *entry) noexcept {
+  if (entry) drop_content(group_of(*entry).kept);
+  return entry;
+}
+
+int compare_entries(const void *a, const void *b) noexcept {
+  const auto *left = *static_cast<const X509_REVOKED *const *>(a),
+             *right = *static_cast<const X509_REVOKED *const *>(b);
+  return PKV_Cmp_BIGINT(get_X509_REVOKED_userCert(left), get_X509_REVOKED_userCert(right));
+}
+
+}  // namespace
+
+RevokedGroup *open_group(int count, const X509_RECEIVED *octets, X509_CRL_KEPT *kept) noexcept {
+  if (size_t(count) > (size_t(PTRDIFF_MAX) - sizeof(RevokedGroup)) / stride()) return nullptr;
+  auto *group = static_cast<RevokedGroup *>(allocate(sizeof(RevokedGroup) + size_t(count) * stride()));
+  if (group) *group = {1, count, hold(kept), octets ? Flat<X509_RECEIVED>::copy(octets) : nullptr};
+  return group;
+}
+
+void close_group(RevokedGroup *group) noexcept {
+  if (group) release_hold(*group);
+}
+
+X509_REVOKED *take_entry(RevokedGroup &group, int slot) noexcept {
+  if (slot >= group.room) return nullptr;
+  Entry *entry = static_cast<Entry *>(slot_of(group, slot));
+  *entry = {};
+  entry->record.place = slot;
+  ++group.living;
+  return &entry->record;
+}
+
+// A negative number's magnitude does not stand in the octets.
+Read place_serial(X509_REVOKED &entry, const Tlv &number) noexcept {
+  if (number.content.empty()) return Read::malformed;
+  if (number.rules.standard && number.content[0] & 0x80) return read_integer(number, entry.userCertificate);
+  entry.userCertificate =
+      PKV_Place_BIGINT(number_place(entry_of(entry)), number.content.data(), int(number.content.size()));
+  return entry.userCertificate ? Read::ok : Read::malformed;
+}
+
+Read place_date(X509_REVOKED &record, int type, Octets text) noexcept {
+  Entry &entry = entry_of(record);
+  const int number = type == X509_TIME_UTC ? TYPE_UTC_TIME : TYPE_GENERALIZED_TIME;
+  const int ends_in_z = !text.empty() && text.back() == 'Z';
+  entry.date.type = type;
+  if (text.size() > kShortDate) {
+    entry.date.time = new_string(number, text, ends_in_z);
+    if (!entry.date.time) return Read::no_memory;
+  } else {
+    entry.date.time = &entry.date_text;
+    entry.date_text = {number, entry.date_octets, int(text.size()), ends_in_z};
+    copy_octets(entry.date_octets, text);
+    entry.date_octets[text.size()] = 0;
+  }
+  record.revocationDate = &entry.date;
+  return Read::ok;
+}
+
+// Concurrent first look-ups link the same entry to the same CRL.
+bool link_entry(X509_REVOKED &entry, X509_CRL_KEPT *kept) noexcept {
+  RevokedGroup &group = group_of(entry);
+  X509_CRL_KEPT *found = __atomic_load_n(&group.kept, __ATOMIC_ACQUIRE);
+  if (found || !kept) return found == kept;
+  hold(kept);
+  if (__atomic_compare_exchange_n(&group.kept, &found, kept, false, __ATOMIC_ACQ_REL, __ATOMIC_ACQUIRE)) return true;
+  let_go(kept);
+  return found == kept;
+}
+
+X509_CRL_KEPT *kept_of(const X509_REVOKED &entry) noexcept { return group_of(entry).kept; }
+
+STACK *new_revoked_list() noexcept { return new_STACK_compare_func(compare_entries); }
+
+}  // namespace velpki
+
+using namespace velpki;
+
+X509_REVOKED *new_X509_REVOKED(void) noexcept {
+  RevokedGroup *group = open_group(1, nullptr, nullptr);
+  X509_REVOKED *entry = group ? take_entry(*group, 0) : nullptr;
+  close_group(group);
+  return entry;
+}
+
+void clean_X509_REVOKED(X509_REVOKED *p) noexcept {
+  if (!changing(p)) return;
+  drop_members(entry_of(*p));
+  p->sequence = 0;
+}
+
+void free_X509_REVOKED(X509_REVOKED *p) noexcept {
+  if (!p) return;
+  drop_members(entry_of(*p));
+  release_hold(group_of(*p));
+}
+
+X509_REVOKED *dup_X509_REVOKED(const X509_REVOKED *p) noexcept {
+  owned<X509_REVOKED> fresh(p ? new_X509_REVOKED() : nullptr);
+  if (!fresh) return nullptr;
+  if (p->userCertificate && set_X509_REVOKED_userCert(fresh.get(), p->userCertificate)) return nullptr;
+  if (p->revocationDate && set_X509_REVOKED_revocationDate(fresh.get(), p->revocationDate)) return nullptr;
+  fresh->crlEntryExtensions = dup_X509_EXTENSIONS(p->crlEntryExtensions);
+  if (p->crlEntryExtensions && !fresh->crlEntryExtensions) return nullptr;
+  fresh->sequence = p->sequence;
+  return fresh.release();
+}
+
+void free_X509_REVOKED_LIST(STACK *list) noexcept { destroy_list<X509_REVOKED>(list); }
+
+BIGINT *get_X509_REVOKED_userCert(const X509_REVOKED *entry) noexcept {
+  return entry ? entry->userCertificate : nullptr;
+}
+X509_TIME *get_X509_REVOKED_revocationDate(const X509_REVOKED *entry) noexcept {
+  return entry ? entry->revocationDate : nullptr;
+}
+
+int set_X509_REVOKED_userCert(X509_REVOKED *entry, const BIGINT *serial) noexcept {
+  BIGINT *copy = entry && serial ? PKV_Dup_BIGINT(serial) : nullptr;
+  if (!copy) return 1;
+  changing(entry);
+  drop_serial(entry_of(*entry));
+  entry->userCertificate = copy;
+  return 0;
+}
+
+int set_X509_REVOKED_revocationDate(X509_REVOKED *entry, const X509_TIME *time) noexcept {
+  X509_TIME *copy = entry && time ? dup_X509_TIME(time) : nullptr;
+  if (!copy) return 1;
+  changing(entry);
+  drop_date(entry_of(*entry));
+  if (copy->time && size_t(copy->time->length) <= kShortDate) {
+    place_date(*entry, copy->type, octets(*copy->time));
+    free_X509_TIME(copy);
+  } else {
+    entry->revocationDate = copy;
+  }
+  return 0;
+}
+
+// Lists.
+
+int get_X509_REVOKED_count(const STACK *revoked) noexcept { return get_STACK_count(revoked); }
+X509_REVOKED *get_X509_REVOKED(const STACK *revoked, int index) noexcept {
+  return element<X509_REVOKED>(revoked, index);
+}
+
+// The list does not know its CRL, but its entries do.
+int add_X509_REVOKED_child(STACK **list, const X509_REVOKED *entry, int position) noexcept {
+  owned<X509_REVOKED> copy(list ? dup_X509_REVOKED(entry) : nullptr);
+  STACK *const fresh = copy && !*list ? new_revoked_list() : nullptr;
+  STACK *const target = copy && *list ? *list : fresh;
+  const X509_REVOKED *first = element<X509_REVOKED>(target, 0);
+  X509_CRL_KEPT *kept = first ? kept_of(*first) : nullptr;
+  if (!target || !insert_STACK_value(target, copy.get(), position)) return free_STACK(fresh), 1;
+  drop_content(kept);
+  link_entry(*copy.release(), kept);
+  *list = target;
+  return 0;
+}
+
+// Extensions.
+
+int get_X509_REVOKED_ext_count(const X509_REVOKED *entry) noexcept {
+  if (!entry) return -1;
+  return entry->crlEntryExtensions ? entry->crlEntryExtensions->count : 0;
+}
+int get_X509_REVOKED_ext_by_OID(const X509_REVOKED *entry, const OBJECT_IDENTIFIER *oid, int last) noexcept {
+  return get_X509_EXTENSION_index_by_OID(entry ? entry->crlEntryExtensions : nullptr, oid, last);
+}
+int get_X509_REVOKED_ext_index_by_OID_index(const X509_REVOKED *entry, int oid_index, int last) noexcept {
+  return get_X509_EXTENSION_index_by_OID_index(entry ? entry->crlEntryExtensions : nullptr, oid_index, last);
+}
+X509_EXTENSION *get_X509_REVOKED_ext(const X509_REVOKED *entry, int index) noexcept {
+  return get_X509_EXTENSION(entry ? entry->crlEntryExtensions : nullptr, index);
+}
+void remove_X509_REVOKED_ext(X509_REVOKED *entry, int index) noexcept {
+  if (changing(entry)) remove_X509_EXTENSION(entry->crlEntryExtensions, index);
+}
+int add_X509_REVOKED_ext(X509_REVOKED *entry, const X509_EXTENSION *extension, int position) noexcept {
+  return changing(entry) ? add_X509_EXTENSION(&entry->crlEntryExtensions, extension, position) : 1;
+}
+
+namespace velpki {
+
+namespace {
+
+constexpr std::string_view kCrlReason = "2.5.29.21";
+constexpr int kNoReason = -1, kBadReason = -2;
+
+bool is_reason(const X509_EXTENSION *extension) noexcept {
+  return extension && extension->object && extension->value && text(*extension->object) == kCrlReason;
+}
+
+bool read_reason(const X509_EXTENSION &extension, Rules rules, Tlv &out) noexcept {
+  return Tlv::parse(octets(*extension.value), rules, out);
+}
+
+// A larger number must not wrap around into another reason.
+int saturated(Octets content) noexcept {
+  int64_t value = 0;
+  for (const uint8_t octet : content) {
+    value = value << 8 | octet;
+    if (value > INT_MAX) return INT_MAX;
+  }
+  return int(value);
+}
+
+// CRLReason ::= ENUMERATED { unspecified (0) ... aACompromise (10) }, without 7.
+int strict_reason(const X509_EXTENSION &extension) noexcept {
+  Tlv value;
+  const bool read = read_reason(extension, kStandardRules, value) && value.identifier == TYPE_ENUMERATED &&
+                    int(value.whole.size()) == extension.value->length && value.content.size() == 1;
+  const int reason = read ? value.content[0] : kBadReason;
+  return reason > 10 || reason == 7 ? kBadReason : reason;
+}
+
+}  // namespace
+
+}  // namespace velpki
+
+int get_X509_REVOKED_CRLreason(const X509_REVOKED *entry, int index) noexcept {
+  const X509_EXTENSION *extension = get_X509_REVOKED_ext(entry, index);
+  Tlv value;
+  return is_reason(extension) && read_reason(*extension, {}, value) ? saturated(value.content) : 0;
+}
+
+int get_X509_REVOKED_CRLreason_strict(const X509_REVOKED *entry) noexcept {
+  const X509_EXTENSION *found = nullptr;
+  for (const X509_EXTENSION *each : elements<X509_EXTENSION>(entry ? entry->crlEntryExtensions : nullptr)) {
+    if (!is_reason(each)) continue;
+    if (found) return kBadReason;
+    found = each;
+  }
+  return found ? strict_reason(*found) : kNoReason;
+}
