@@ -123,6 +123,24 @@ int encode(const P7_CONTENT_INFO &info, DerWriter &out) noexcept {
   return type->write(info.content, out);
 }
 
+int MessageContent::load(const P7_CONTENT_INFO &p7) noexcept {
+  P7_CONTENT_INFO **place = inner_content(&p7);
+  const P7_CONTENT_INFO *inner = place ? *place : nullptr;
+  const ContentType *type = inner && inner->content ? content_type(inner->kind) : nullptr;
+  if (!type) return 0;
+  present_ = true;
+  if (type->row == PKCS7_DATA) {
+    octets_ = velpki::octets(*static_cast<const ASN1_STRING *>(inner->content));
+    return 0;
+  }
+  if (const int code = type->write(inner->content, encoded_)) return code;
+  Tlv tlv;
+  Rules rules;
+  if (!Tlv::parse(encoded_.written(), rules, tlv)) return fail(F_P7_CONTENT_INFO_TO_SEQ, ERR_ASN1_ENCODING);
+  octets_ = tlv.content;
+  return 0;
+}
+
 namespace {
 
 constexpr Codec<P7_CONTENT_INFO> kCodec{F_SEQ_TO_P7_CONTENT_INFO, F_P7_CONTENT_INFO_TO_SEQ, decode, encode, "PKCS7"};

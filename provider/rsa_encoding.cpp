@@ -131,20 +131,36 @@ int emsa_pss_encode(const RsaSignatureScheme &scheme, std::span<const uint8_t> d
   return 0;
 }
 
+namespace {
+
+// Of any salt the layout says where its octet 01 may stand first, and the octets how long it is.
+void find_salt(std::span<const uint8_t> unmasked, PssLayout &at) noexcept {
+  const auto first = std::find_if(unmasked.begin(), unmasked.end(), [](uint8_t octet) { return octet != 0; });
+  const size_t place = size_t(first - unmasked.begin());
+  at.padding = std::min(place, unmasked.size() - 1);
+  at.salt = at.start + at.padding + 1;
+}
+
+}  // namespace
+
 int emsa_pss_verify(const RsaSignatureScheme &scheme, std::span<const uint8_t> digest, int bits,
                     std::span<uint8_t> em) noexcept {
   PssLayout at;
-  if (int error = lay_out(scheme, digest.size(), em.size(), bits, at)) return error;
+  const bool any_salt = scheme.salt_length == PKV_RSA_ANY_SALT;
+  const RsaSignatureScheme least{scheme.digest_id, scheme.scheme, scheme.mgf_digest_id,
+                                 any_salt ? 0 : scheme.salt_length};
+  if (int error = lay_out(least, digest.size(), em.size(), bits, at)) return error;
   const auto masked = em.subspan(at.start, at.hash - at.start);
   if ((at.start && em[0]) || (masked[0] & ~at.top_mask) || em.back() != 0xBC) return PKV_ERR_MISMATCH;
   const auto hash = em.subspan(at.hash, digest.size());
   if (int error = mgf1_xor(scheme.mgf_digest_id, hash, masked)) return error;
   masked[0] &= at.top_mask;
+  if (any_salt) find_salt(masked, at);
   const auto padding = masked.first(at.padding);
   if (std::any_of(padding.begin(), padding.end(), [](uint8_t octet) { return octet != 0; })) return PKV_ERR_MISMATCH;
   if (em[at.salt - 1] != 1) return PKV_ERR_MISMATCH;
   uint8_t expected[PKV_MAX_DIGEST_LENGTH];
-  const auto salt = em.subspan(at.salt, size_t(scheme.salt_length));
+  const auto salt = em.subspan(at.salt, at.hash - at.salt);
   if (int error = pss_hash(scheme.digest_id, digest, salt, expected)) return error;
   return std::equal(hash.begin(), hash.end(), expected) ? 0 : PKV_ERR_MISMATCH;
 }

@@ -184,6 +184,18 @@ int PKV_RSASSA_VERIFY(const RSA_UNIT *key, int digest_id, int scheme, const unsi
   return verify_message(key, usual_scheme(digest_id, scheme), data, length, signature, signature_length);
 }
 
+int PKV_RSASSA_DIGEST_VERIFY(const RSA_UNIT *key, int digest_id, int scheme, int mgf_digest_id, int salt_length,
+                             const unsigned char *digest, int digest_length, const unsigned char *signature,
+                             int signature_length) noexcept {
+  if (!key || !digest) return PKV_ERR_NULL;
+  if (int error = check_octets(signature, signature_length)) return error;
+  const int salt = salt_length == PKV_RSA_ANY_SALT ? 0 : salt_length;
+  if (int error = check_scheme({digest_id, scheme, mgf_digest_id, salt})) return error;
+  if (digest_length != PKV_Get_DIGEST_Length(digest_id)) return PKV_ERR_BAD_VALUE;
+  return verify_digest(*key, {digest_id, scheme, mgf_digest_id, salt_length}, {digest, size_t(digest_length)},
+                       {signature, size_t(signature_length)});
+}
+
 int PKV_RSASSA_PSS_SIGN(const RSA_UNIT *key, int digest_id, int mgf_digest_id, int salt_length,
                         const unsigned char *data, int length, unsigned char *signature,
                         int *signature_length) noexcept {

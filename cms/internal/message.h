@@ -1,6 +1,7 @@
 // What the codecs of PKCS#7 and CMS messages are written with.
 #pragma once
 
+#include "x509/internal/crl.h"
 #include "x509/internal/x509.h"
 
 namespace velpki {
@@ -76,7 +77,7 @@ int compare_issuer_and_serial(const X509_CERT *cert, const X509_NAME *issuer, co
 // The first certificate of the list that has them; null when there is none.
 X509_CERT *find_certificate(const STACK *certificates, const X509_NAME *issuer, const BIGINT *serial) noexcept;
 
-// SET OF AlgorithmIdentifier, and the [n] IMPLICIT sets of certificates and of attributes.
+// SET OF AlgorithmIdentifier, and the [n] IMPLICIT sets of certificates and CRLs, which are absent when empty.
 int decode_algorithms(const Tlv &tlv, STACK &list) noexcept;
 int encode_algorithms(const STACK &list, DerWriter &out) noexcept;
 int decode_certificates(const Tlv &tlv, STACK &list) noexcept;

@@ -72,4 +72,33 @@ inline P7_ENCRYPTED_DATA *encrypted_data(const P7_CONTENT_INFO *p7) noexcept {
   return content_of<P7_ENCRYPTED_DATA>(p7, PKCS7_ENCRYPTED_DATA);
 }
 
+// Where a message of some type keeps what several types have; null for the others.
+P7_SIGNER_INFOS *signer_infos(const P7_CONTENT_INFO *p7) noexcept;
+X509_CERTIFICATES *certificates_of(const P7_CONTENT_INFO *p7) noexcept;
+P7_RECIPIENT_INFOS **recipient_list(const P7_CONTENT_INFO *p7) noexcept;
+P7_ENCRYPTED_CONTENT_INFO **encrypted_content(const P7_CONTENT_INFO *p7) noexcept;
+P7_CONTENT_INFO **inner_content(const P7_CONTENT_INFO *p7) noexcept;
+
+// The registry row of the message's type; 0 for none.
+int content_row(const P7_CONTENT_INFO *p7) noexcept;
+// A content info of type data with a copy of the octets; null when memory is exhausted.
+owned<P7_CONTENT_INFO> new_data(Octets octets) noexcept;
+
+// The content that a message signs: the octets of data, of any other type those of its value without tag and length.
+class MessageContent {
+ public:
+  // 0, or the code of a content that cannot be encoded.
+  int load(const P7_CONTENT_INFO &p7) noexcept;
+  bool present() const noexcept { return present_; }
+  Octets octets() const noexcept { return octets_; }
+
+ private:
+  bool present_ = false;
+  Octets octets_;
+  DerWriter encoded_;
+};
+
+// Names a certificate by its issuer and serial number; false when it lacks either, or memory ends.
+bool set_issuer_and_serial(P7_ISSUER_AND_SERIAL_NUMBER *&out, const X509_CERT &cert) noexcept;
+
 }  // namespace velpki

@@ -5,9 +5,9 @@
 
 // One block: the octets stand behind the struct. A signer has a signature in progress or was decoded, never both.
 struct p7_signer_state {
-  int received;  // octets of the SignerInfo that was decoded; 0 for none
+  int received;  // octets of the content of the SignerInfo that was decoded; 0 for none
   bool started;  // the key of the signer runs a signature
-  bool fed;      // and was given the content as it came
+  bool skipped;  // content that came was not fed to it
 };
 
 namespace velpki {

@@ -11,7 +11,8 @@
 #define VELPKI_PKCS7_H
 
 #include <velpki/asn1_objects.h>
-#include <velpki/x509.h>
+#include <velpki/pkcs1.h>
+#include <velpki/x509_crl.h>
 
 VELPKI_BEGIN
 
@@ -78,7 +79,7 @@ typedef struct {
   X509_ALGO_IDENTIFIERS *digestAlgorithms;
   P7_CONTENT_INFO *contentInfo;
   X509_CERTIFICATES *certificates; /* null when absent */
-  STACK *crls;                     /* of X509_CRL; null when absent */
+  X509_CRLS *crls;                 /* null when absent */
   P7_SIGNER_INFOS *signerInfos;
   int detached;
 } P7_SIGNED_DATA;
@@ -96,7 +97,7 @@ typedef struct {
   X509_ALGO_IDENTIFIERS *digestAlgorithms;
   P7_ENCRYPTED_CONTENT_INFO *encryptedContentInfo;
   X509_CERTIFICATES *certificates; /* null when absent */
-  STACK *crls;                     /* of X509_CRL; null when absent */
+  X509_CRLS *crls;                 /* null when absent */
   P7_SIGNER_INFOS *signerInfos;
 } P7_SIGNED_AND_ENVELOPED_DATA;
 
@@ -184,6 +185,204 @@ VELPKI_API P7_CONTENT_INFO *new_P7_CONTENT_INFO(void) VELPKI_NOEXCEPT;
 VELPKI_API void free_P7_CONTENT_INFO(P7_CONTENT_INFO *p) VELPKI_NOEXCEPT;
 VELPKI_API int P7_CONTENT_INFO_to_Seq(const P7_CONTENT_INFO *in, ASN1_UNIT **out) VELPKI_NOEXCEPT;
 VELPKI_API int Seq_to_P7_CONTENT_INFO(ASN1_UNIT *in, P7_CONTENT_INFO **out) VELPKI_NOEXCEPT;
+
+/* Building. What is said to take over belongs to the message afterwards, on success only; an object that the message
+ * already holds is refused. Certificates, keys, algorithms and attributes are copied. Functions that return int give 0,
+ * or 1, unless they name codes. Messages are released with free_P7_CONTENT_INFO, on failures too. */
+
+/* set_PKCS7_Type makes the empty content of a type (21 to 26), with its version: 1 for signed and signed-and-enveloped
+ * data, else 0. What the message held is released. */
+VELPKI_API int set_PKCS7_Type(P7_CONTENT_INFO *p7, int type_index) VELPKI_NOEXCEPT;
+/* set_PKCS7_Content takes over the inner content of signed or digested data (1 for other types, and where it would
+ * contain itself); new_PKCS7_Content makes an empty one of a type. */
+VELPKI_API int set_PKCS7_Content(P7_CONTENT_INFO *p7, P7_CONTENT_INFO *content) VELPKI_NOEXCEPT;
+VELPKI_API int new_PKCS7_Content(P7_CONTENT_INFO *p7, int type_index) VELPKI_NOEXCEPT;
+/* A content info of type data with a copy of the octets, stored at `*p7` or made there. F_GET_PKCS7_DATA with 49, 2B (a
+ * negative length) or 3C. */
+VELPKI_API int gen_PKCS7_DATA_from_Binary(P7_CONTENT_INFO **p7, const unsigned char *bytes, int length) VELPKI_NOEXCEPT;
+/* set_P7_version sets the version of the content and of every signer and recipient in it. */
+VELPKI_API int set_P7_version(P7_CONTENT_INFO *p7, int version) VELPKI_NOEXCEPT;
+
+/* set_PKCS7_P7_SIGNER_INFO fills a signer: version 1, the certificate's issuer and serial number, a copy of the private
+ * key (which may be null), the digest of a registry row, and the signature algorithm: "id-RSASSA-PSS" for padding 2,
+ * and for padding 1 that of the digest with RSA, or "rsaEncryption" for a digest that has none. All parameters are
+ * NULL. Codes: F_SET_PKCS7_P7_SIGNER_INFO with 49 (a padding other than 1 and 2, too; null, a certificate without
+ * issuer or serial number), 48 (a key that is neither RSA nor KCDSA, a row without identifier) or 3C.
+ * @warning `pss` is not looked at: the parameters stay NULL and the salt has the digest's length, which other programs
+ * read as SHA-1 with 20 octets. set_PKCS7_P7_SIGNER_INFO_ex writes the parameters, null meaning the digest for
+ * everything, and signs with them. */
+VELPKI_API int set_PKCS7_P7_SIGNER_INFO(P7_SIGNER_INFO *si, X509_CERT *cert, ASYMMETRIC_KEY *key, int digest_index,
+                                        int padding, RSASSA_PSS_PARAM *pss) VELPKI_NOEXCEPT;
+VELPKI_API int set_PKCS7_P7_SIGNER_INFO_ex(P7_SIGNER_INFO *si, const X509_CERT *cert, const ASYMMETRIC_KEY *key,
+                                           int digest_index, int padding, const RSASSA_PSS_PARAM *pss) VELPKI_NOEXCEPT;
+/* add_PKCS7_Signer takes a signer over, into signed or signed-and-enveloped data, and appends a copy of its digest
+ * algorithm to the message's, once for each signer. */
+VELPKI_API int add_PKCS7_Signer(P7_CONTENT_INFO *p7, P7_SIGNER_INFO *si) VELPKI_NOEXCEPT;
+/* Both steps; the signer is lent, null on failure. The short form has padding 1. */
+VELPKI_API P7_SIGNER_INFO *add_PKCS7_Signature(P7_CONTENT_INFO *p7, X509_CERT *cert, ASYMMETRIC_KEY *key,
+                                               int digest_index) VELPKI_NOEXCEPT;
+VELPKI_API P7_SIGNER_INFO *add_PKCS7_Signature_withEncryptedAlgorithm(P7_CONTENT_INFO *p7, X509_CERT *cert,
+                                                                      ASYMMETRIC_KEY *key, int digest_index,
+                                                                      int padding,
+                                                                      RSASSA_PSS_PARAM *pss) VELPKI_NOEXCEPT;
+VELPKI_API P7_SIGNER_INFO *add_PKCS7_Signature_ex(P7_CONTENT_INFO *p7, const X509_CERT *cert, const ASYMMETRIC_KEY *key,
+                                                  int digest_index, int padding,
+                                                  const RSASSA_PSS_PARAM *pss) VELPKI_NOEXCEPT;
+/* Attributes, each with one value: the octets of a value of the universal type (dotted text for 6, a magnitude for 2);
+ * with bit 0x20, and for 16 and 17, the content of a constructed one. Nothing is added by itself: content type, message
+ * digest and signing time are the caller's to add before final_PKCS7_Sign. Sets keep the order of the calls; see
+ * sign_PKCS7_ex. */
+VELPKI_API int add_PKCS7_Signed_Attribute(P7_SIGNER_INFO *si, int oid_index, int type, const unsigned char *bytes,
+                                          int length) VELPKI_NOEXCEPT;
+VELPKI_API int add_PKCS7_Unauthenticated_Attribute(P7_SIGNER_INFO *si, int oid_index, int type,
+                                                   const unsigned char *bytes, int length) VELPKI_NOEXCEPT;
+/* Append a copy to the certificates or CRLs of signed or signed-and-enveloped data.
+ * @warning When the copy cannot be appended, add_PKCS7_Certificate releases the caller's certificate and returns 1; any
+ * other failure, which returns 1 too, leaves it. add_PKCS7_Certificate_ex leaves it always. */
+VELPKI_API int add_PKCS7_Certificate(P7_CONTENT_INFO *p7, X509_CERT *cert) VELPKI_NOEXCEPT;
+VELPKI_API int add_PKCS7_Certificate_ex(P7_CONTENT_INFO *p7, const X509_CERT *cert) VELPKI_NOEXCEPT;
+VELPKI_API int add_PKCS7_Crl(P7_CONTENT_INFO *p7, X509_CRL *crl) VELPKI_NOEXCEPT;
+/* add_PKCS7_P7_RECIPIENT_INFO takes a recipient over, into enveloped or signed-and-enveloped data. */
+VELPKI_API int add_PKCS7_P7_RECIPIENT_INFO(P7_CONTENT_INFO *p7, P7_RECIPIENT_INFO *ri) VELPKI_NOEXCEPT;
+
+/* Signing. Codes: F_P7_SIGN with 49 (null, no content, final without init), 48 (a content that is not signed or
+ * signed-and-enveloped data, a key that is neither RSA nor KCDSA), 2B (no signers, an unknown algorithm, a negative
+ * length), 3C, or the provider's. */
+
+/* init_PKCS7_Sign starts every signer that has no signature yet; the others are left as they are by all three steps, so
+ * signing twice adds nothing. update_PKCS7_Sign keeps the first octets that it is given as the content of signed data
+ * that is not detached and ignores later ones; detached or signed-and-enveloped content goes to the signers in any
+ * number of pieces and is not stored. final_PKCS7_Sign gives each signer the version of the content and signs:
+ *  - where the version is not 0 and there are authenticated attributes, their SET OF, in list order. The content is
+ *    bound by the message digest that the caller put there. An RSA signer but one of PSS then names "rsaEncryption";
+ *  - else the content. With version 0 every RSA signer then names "rsaEncryption".
+ * KCDSA signers name "kcdsa1" and have a KCDSASignatureValue.
+ * Further codes of final: 5F (attributes that cannot be encoded), 54 (an empty half of a KCDSA signature), 4B190012 (a
+ * KCDSA signature that cannot be encoded).
+ * @warning A signer without a usable key is 4B1C0048, with attributes to sign 001C0048, a value without module.
+ * @warning A signer of PSS and version 0 names an algorithm that its signature is not of, and never verifies. */
+VELPKI_API int init_PKCS7_Sign(P7_CONTENT_INFO *p7, int detached) VELPKI_NOEXCEPT;
+VELPKI_API int update_PKCS7_Sign(P7_CONTENT_INFO *p7, const unsigned char *data, int length) VELPKI_NOEXCEPT;
+VELPKI_API int final_PKCS7_Sign(P7_CONTENT_INFO *p7) VELPKI_NOEXCEPT;
+/* The three in one. */
+VELPKI_API int sign_PKCS7(P7_CONTENT_INFO *p7, const unsigned char *data, int length, int detached) VELPKI_NOEXCEPT;
+
+/* Verifying. */
+
+/* verify_PKCS7 verifies every signer with the certificate of the message that its issuer and serial number name, or,
+ * given a certificate, the signers that name it. `data` is the content where the message has none. 0 when nothing
+ * failed, else the first failure: F_P7_VERIFY with 49 (null, no content), 48 (another type), 5E (the message digest
+ * differs), 0E (no KCDSA signature); 1 for a certificate that is missing, an unknown algorithm, missing data and
+ * attributes that cannot be encoded; or the provider's code (PKV_ERR_MISMATCH for a signature that is not valid).
+ * @warning A message without signers or without certificates verifies, also with a certificate given, and so does one
+ * of which no signer names the certificate given. The certificate itself is not checked, nor is what the attributes
+ * say but for the message digest, which may be missing (then nothing binds the content) and may be longer than the
+ * digest. The attributes are encoded anew. Given data is ignored where the message has content. See
+ * verify_PKCS7_strict. */
+VELPKI_API int verify_PKCS7(P7_CONTENT_INFO *p7, X509_CERT *cert, const unsigned char *data,
+                            int length) VELPKI_NOEXCEPT;
+/* verify_PKCS7_data verifies one signer with a key: F_P7_VERIFY with 48 also for missing data. The scheme is the low
+ * octet of `padding`, 0 meaning 1. */
+VELPKI_API int verify_PKCS7_data(P7_CONTENT_INFO *p7, P7_SIGNER_INFO *si, ASYMMETRIC_KEY *key, int padding,
+                                 int digest_id, const unsigned char *data, int length) VELPKI_NOEXCEPT;
+
+/* Enveloping and encrypting. Codes: F_P7_ENCRYPT with 49 (null, no content, no recipients, a padding that is none, a
+ * missing key or IV, update or final without init, a buffer that is null or too small), 48 (a content without
+ * encryption, an algorithm that is no cipher, a recipient whose key is not RSA), 3A (the content cannot grow), 3C, or
+ * the provider's. */
+
+/* set_PKCS7_P7_RECIPIENT_INFO fills a recipient: version 0, the certificate's issuer and serial number, its RSA key,
+ * and the key encryption algorithm: "id-RSAES-OAEP" for padding 8 or 16, with the parameters given or their defaults,
+ * else "rsaEncryption". Codes: F_SET_PKCS7_P7_RECIPIENT_INFO with 49 (null, a certificate without issuer or serial
+ * number), 48 (a key that is not RSA) or 3C. The add_ forms put it into the message and lend it, null on failure; the
+ * short one has padding 0. */
+VELPKI_API int set_PKCS7_P7_RECIPIENT_INFO(P7_RECIPIENT_INFO *ri, X509_CERT *cert, int padding,
+                                           RSAES_OAEP_PARAM *oaep) VELPKI_NOEXCEPT;
+VELPKI_API P7_RECIPIENT_INFO *add_PKCS7_Recipient(P7_CONTENT_INFO *p7, X509_CERT *cert) VELPKI_NOEXCEPT;
+VELPKI_API P7_RECIPIENT_INFO *add_PKCS7_Recipient_withEncryptedAlgorithm(P7_CONTENT_INFO *p7, X509_CERT *cert,
+                                                                         int padding,
+                                                                         RSAES_OAEP_PARAM *oaep) VELPKI_NOEXCEPT;
+/* These fill the encrypted content info: type, algorithm and, unless null, the octets. 0, or 1. The algorithm serves
+ * where an encryption is given none. */
+VELPKI_API int set_PKCS7_P7_ENCRYPTED_CONTENT_INFO(P7_ENCRYPTED_CONTENT_INFO *eci, int type_index,
+                                                   X509_ALGO_IDENTIFIER *algorithm, const unsigned char *content,
+                                                   int length) VELPKI_NOEXCEPT;
+VELPKI_API int set_PKCS7_Cipher(P7_CONTENT_INFO *p7, X509_ALGO_IDENTIFIER *algorithm) VELPKI_NOEXCEPT;
+/* The octets of the encrypted content, 0 when it is elsewhere; -1 for null and other types. */
+VELPKI_API int get_PKCS7_ENCRYPTED_CONTENT_length(const P7_CONTENT_INFO *p7) VELPKI_NOEXCEPT;
+
+/* init_PKCS7_Encrypt starts the cipher with a key and IV of its lengths, writes the IV as OCTET STRING into the
+ * algorithm's parameters, and encrypts the key for every recipient: `padding` is 32 for PKCS#1 v1.5 (0 too), 8 or 16
+ * for OAEP with the parameters of each recipient. Encrypted data has no recipients; a cipher unit that it has already
+ * is used in place of key and IV, and its parameters are written only where they are NULL and the algorithm is not
+ * password-based. Signed-and-enveloped data is never detached. `reserved` is not looked at.
+ * @warning A cipher without IV writes an empty OCTET STRING, 04 00.
+ * update_PKCS7_encrypt and final_PKCS7_Encrypt append the ciphertext to the message and, where the caller's buffer
+ * (capacity in `*out_length`) has room for it, copy it there; `*out_length` receives the octets copied. Detached
+ * ciphertext goes to the buffer only, which must have room for the input, and for what waits in the cipher beside it.
+ */
+VELPKI_API int init_PKCS7_Encrypt(P7_CONTENT_INFO *p7, void *reserved, X509_ALGO_IDENTIFIER *algorithm, int detached,
+                                  const unsigned char *key, const unsigned char *iv, int padding) VELPKI_NOEXCEPT;
+VELPKI_API int update_PKCS7_encrypt(P7_CONTENT_INFO *p7, const unsigned char *in, int in_length, unsigned char *out,
+                                    int *out_length) VELPKI_NOEXCEPT;
+VELPKI_API int final_PKCS7_Encrypt(P7_CONTENT_INFO *p7, unsigned char *out, int *out_length) VELPKI_NOEXCEPT;
+/* The three in one, with a random key and IV or those given. */
+VELPKI_API int encrypt_PKCS7(P7_CONTENT_INFO *p7, void *reserved, X509_ALGO_IDENTIFIER *algorithm,
+                             const unsigned char *data, int length, int padding) VELPKI_NOEXCEPT;
+VELPKI_API int encrypt_PKCS7_userKEY(P7_CONTENT_INFO *p7, void *reserved, X509_ALGO_IDENTIFIER *algorithm,
+                                     const unsigned char *data, int length, const unsigned char *key,
+                                     const unsigned char *iv, int padding) VELPKI_NOEXCEPT;
+
+/* Signed-and-enveloped data: sign, then encrypt. Codes of both. */
+VELPKI_API int sign_encrypt_PKCS7(P7_CONTENT_INFO *p7, void *reserved, X509_ALGO_IDENTIFIER *algorithm,
+                                  const unsigned char *data, int length, int padding) VELPKI_NOEXCEPT;
+VELPKI_API int sign_encrypt_PKCS7_userKEY(P7_CONTENT_INFO *p7, void *reserved, X509_ALGO_IDENTIFIER *algorithm,
+                                          const unsigned char *data, int length, const unsigned char *key,
+                                          const unsigned char *iv, int padding) VELPKI_NOEXCEPT;
+/* The _SP forms then encrypt each encrypted digest under the content's key and IV, as RFC 2315 11 demands, and name
+ * "rsaEncryption" for every signer. A padding that is none is checked first: F_P7_ENCRYPT with 2B.
+ * @warning A digest that needs more than 160 octets with the final block fails with F_P7_ENCRYPT and 2B, before any is
+ * replaced; the message is signed and encrypted then. That is every RSA key of more than 1152 bits under a cipher of 16
+ * octets a block. sign_encrypt_PKCS7_userKEY_SP_ex takes digests of any length, and makes key and IV where `key` is
+ * null. */
+VELPKI_API int sign_encrypt_PKCS7_SP(P7_CONTENT_INFO *p7, void *reserved, X509_ALGO_IDENTIFIER *algorithm,
+                                     const unsigned char *data, int length, int padding) VELPKI_NOEXCEPT;
+VELPKI_API int sign_encrypt_PKCS7_userKEY_SP(P7_CONTENT_INFO *p7, void *reserved, X509_ALGO_IDENTIFIER *algorithm,
+                                             const unsigned char *data, int length, const unsigned char *key,
+                                             const unsigned char *iv, int padding) VELPKI_NOEXCEPT;
+VELPKI_API int sign_encrypt_PKCS7_userKEY_SP_ex(P7_CONTENT_INFO *p7, const X509_ALGO_IDENTIFIER *algorithm,
+                                                const unsigned char *data, int length, const unsigned char *key,
+                                                const unsigned char *iv, int padding) VELPKI_NOEXCEPT;
+
+/* Decrypting. What these refuse themselves is 1; the provider's codes pass. Nothing is written on failure. */
+
+/* decrypt_PKCS7_enveloped_CEK decrypts the content-encryption key with an RSA private key: that of the first recipient
+ * that names the certificate or, without one, of the first recipient, whose certificate the message must have. A key is
+ * written only when it has the length that the content's cipher wants.
+ * @warning `*out_key_length` is not read: the buffer must have room for the key, at most 32 octets. The _n form takes
+ * the capacity there. With PKCS#1 v1.5 a caller who tells strangers that this failed helps them to decrypt
+ * (Bleichenbacher's attack); decrypt_PKCS7_strict does not. */
+VELPKI_API int decrypt_PKCS7_enveloped_CEK(P7_CONTENT_INFO *p7, X509_CERT *cert, ASYMMETRIC_KEY *key,
+                                           unsigned char *out_key, int *out_key_length, int padding) VELPKI_NOEXCEPT;
+VELPKI_API int decrypt_PKCS7_enveloped_CEK_n(const P7_CONTENT_INFO *p7, const X509_CERT *cert,
+                                             const ASYMMETRIC_KEY *key, unsigned char *out_key, int *out_key_length,
+                                             int padding) VELPKI_NOEXCEPT;
+/* decrypt_PKCS7 decrypts the content of enveloped, signed-and-enveloped or encrypted data under a content-encryption
+ * key of the cipher's length; a null IV is that of the algorithm's parameters, or zeros where they are NULL.
+ * @warning `*out_length` is not read: the buffer must have room for get_PKCS7_ENCRYPTED_CONTENT_length octets. The _n
+ * form takes the capacity there. */
+VELPKI_API int decrypt_PKCS7(P7_CONTENT_INFO *p7, const unsigned char *key, const unsigned char *iv, unsigned char *out,
+                             int *out_length) VELPKI_NOEXCEPT;
+VELPKI_API int decrypt_PKCS7_n(const P7_CONTENT_INFO *p7, const unsigned char *key, const unsigned char *iv,
+                               unsigned char *out, int *out_length) VELPKI_NOEXCEPT;
+/* verify_decrypt_PKCS7 decrypts signed-and-enveloped data and verifies what comes out, with the same buffer rule.
+ * @warning As verify_PKCS7; and it expects signatures that are not encrypted themselves. */
+VELPKI_API int verify_decrypt_PKCS7(P7_CONTENT_INFO *p7, X509_CERT *cert, const unsigned char *key, unsigned char *out,
+                                    int *out_length) VELPKI_NOEXCEPT;
+
+/* digest_PKCS7 puts a copy of the data into digested data, with its digest and the digest's algorithm, which gets no
+ * parameters. 1 for another type and an unknown digest. */
+VELPKI_API int digest_PKCS7(P7_CONTENT_INFO *p7, int digest_id, const unsigned char *data, int length) VELPKI_NOEXCEPT;
 
 /* Readers and writers. The label is "PKCS7". See asn1_io.h for results. */
 

@@ -290,6 +290,13 @@ VELPKI_API int PKV_RSASSA_PSS_SIGN(const RSA_UNIT *key, int digest_id, int mgf_d
 VELPKI_API int PKV_RSASSA_PSS_VERIFY(const RSA_UNIT *key, int digest_id, int mgf_digest_id, int salt_length,
                                      const unsigned char *data, int length, const unsigned char *signature,
                                      int signature_length) VELPKI_NOEXCEPT;
+/* PKV_RSASSA_DIGEST_VERIFY verifies over octets whose digest is known, so that several signatures over the same ones
+ * need it once. The MGF1 digest and the salt length are for PSS; PKV_RSA_ANY_SALT takes the length that the signature
+ * itself shows. */
+enum { PKV_RSA_ANY_SALT = -1 };
+VELPKI_API int PKV_RSASSA_DIGEST_VERIFY(const RSA_UNIT *key, int digest_id, int scheme, int mgf_digest_id,
+                                        int salt_length, const unsigned char *digest, int digest_length,
+                                        const unsigned char *signature, int signature_length) VELPKI_NOEXCEPT;
 /* Encryption. `scheme` is PKV_RSA_PKCS1_CRYPT, PKV_RSA_OAEP or PKV_RSA_OAEP_SET (the same); OAEP uses SHA-1, MGF1 with
  * SHA-1 and an empty label unless set after Init. Every failure of a decryption (padding, range, length of the result)
  * is the same PKV_ERR_FAILED after the same work, and writes nothing. */

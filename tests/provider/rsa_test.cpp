@@ -57,6 +57,17 @@ TEST(Rsa, VerifiesVectors) {
     EXPECT_EQ(0 == call(PKV_RSASSA_PSS_VERIFY, key, digest, mgf, group["sLen"].number(), one["msg"].octets(),
                         one["sig"].octets()),
               known && should_pass(one));
+    if (!known || !should_pass(one)) return;
+    const Bytes message = one["msg"].octets(), signature = one["sig"].octets();
+    uint8_t octets[PKV_MAX_DIGEST_LENGTH];
+    int length = 0;
+    ASSERT_EQ(PKV_DIGEST(digest, message.data(), int(message.size()), octets, &length), 0);
+    for (const bool damaged : {false, true}) {
+      octets[0] ^= damaged;
+      EXPECT_EQ(PKV_RSASSA_DIGEST_VERIFY(key.get(), digest, PKV_RSA_PSS, mgf, PKV_RSA_ANY_SALT, octets, length,
+                                         signature.data(), int(signature.size())),
+                damaged ? PKV_ERR_MISMATCH : 0);
+    }
   });
 }
 
