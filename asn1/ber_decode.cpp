@@ -93,8 +93,12 @@ BIGINT *decodeToBERInteger_strict(const unsigned char *encoded, int available) n
   return decode_bounded<BIGINT>(encoded, available, strict_integer_of);
 }
 OBJECT_IDENTIFIER *decodeToBERObjectIdentifier_RFC5280(const unsigned char *encoded, int available) noexcept {
-  return decode_bounded<OBJECT_IDENTIFIER>(
-      encoded, available, +[](const Tlv &tlv) noexcept { return new_oid_any_size(tlv.content); }, kStandardRules);
+  const auto decode = +[](const Tlv &tlv) noexcept {
+    OBJECT_IDENTIFIER *oid = nullptr;
+    read_oid_any_size(tlv.content, oid);
+    return oid;
+  };
+  return decode_bounded<OBJECT_IDENTIFIER>(encoded, available, decode, kStandardRules);
 }
 ASN1_UNIT *decodeToBERSequence_strict(const unsigned char *encoded, int available) noexcept {
   return decode_bounded<ASN1_UNIT>(encoded, available, unit_of, kStandardRules);

@@ -17,8 +17,8 @@ Read Cursor::read_oid_by_rules(const Tlv &child, OBJECT_IDENTIFIER *&out) noexce
   const Read outcome = read_oid(child.content, out);
   if (outcome != Read::malformed && (outcome != Read::ok || out->data[out->length - 1] != '.')) return outcome;
   if (outcome == Read::ok) free_OBJECT_IDENTIFIER(out);
-  out = new_oid_any_size(child.content);
-  return out ? Read::ok : Read::malformed;
+  out = nullptr;
+  return read_oid_any_size(child.content, out);
 }
 
 bool Cursor::integer(BIGINT *&out) noexcept {

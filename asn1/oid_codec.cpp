@@ -110,8 +110,8 @@ bool take_piece(std::string_view &text, std::string_view &piece) noexcept {
   return true;
 }
 
-void write_subidentifier(uint32_t value, DerWriter &out) noexcept {
-  uint8_t groups[5];
+void write_subidentifier(uint64_t value, DerWriter &out) noexcept {
+  uint8_t groups[10];
   size_t at = sizeof groups;
   groups[--at] = uint8_t(value & 0x7F);
   while (value >>= 7) groups[--at] = uint8_t(0x80 | (value & 0x7F));
@@ -129,7 +129,7 @@ bool write_oid_content(std::string_view text, DerWriter &out) noexcept {
     if (!read_arc(piece, arc)) return false;
     const int64_t value = arc + shift;
     if (value < 0 || value > kLargestArc) return false;
-    write_subidentifier(uint32_t(value), out);
+    write_subidentifier(uint64_t(value), out);
   }
   return true;
 }
@@ -145,13 +145,18 @@ Number small_number(unsigned value, bool negative = false) noexcept {
   return number;
 }
 
-// The groups of one subidentifier, of any length and without padding, as a number.
-Number take_big_subidentifier(Octets &content) noexcept {
+// The groups of one subidentifier off the front; false for one that is unfinished or padded.
+bool take_groups(Octets &content, Octets &groups) noexcept {
   size_t length = 0;
   while (length < content.size() && content[length] & 0x80) ++length;
-  if (length == content.size() || content[0] == 0x80) return nullptr;
-  const Octets groups = content.first(length + 1);
+  if (length == content.size() || content[0] == 0x80) return false;
+  groups = content.first(length + 1);
   content = content.subspan(length + 1);
+  return true;
+}
+
+// Groups of seven bits, of any number, as a number.
+Number number_of(Octets groups) noexcept {
   const size_t size = (groups.size() * 7 + 7) / 8;
   const owned<uint8_t> octets = new_octets(size);
   if (!octets) return nullptr;
@@ -204,9 +209,9 @@ bool is_decimal(std::string_view piece) noexcept {
   return !piece.empty() && piece.find_first_not_of("0123456789") == piece.npos;
 }
 
-// A piece of decimal digits as a number. The piece is copied, because the conversion wants a terminated text.
+// A piece of decimal digits as a number; null when memory ends. The piece is copied, because the conversion wants a
+// terminated text.
 Number big_arc(std::string_view piece) noexcept {
-  if (!is_decimal(piece)) return nullptr;
   const owned<uint8_t> copy = new_octets(piece.size() + 1);
   Number number(PKV_New_BIGINT());
   if (!copy || !number) return nullptr;
@@ -216,32 +221,52 @@ Number big_arc(std::string_view piece) noexcept {
   return number;
 }
 
+constexpr size_t kSmallDigits = 18, kMostDigits = 20000;
+
+// The value of at most kSmallDigits digits.
+uint64_t small_arc(std::string_view piece) noexcept {
+  uint64_t value = 0;
+  for (const char digit : piece) value = value * 10 + uint64_t(digit - '0');
+  return value;
+}
+
+// One subidentifier: the arc, and what the arc before it adds. False for text that is no arc.
+bool write_any_arc(std::string_view piece, unsigned shift, DerWriter &out) noexcept {
+  if (!is_decimal(piece) || piece.size() > kMostDigits) return false;
+  if (piece.size() <= kSmallDigits) return write_subidentifier(small_arc(piece) + shift, out), true;
+  const Number arc = big_arc(piece), more = small_number(shift), sum(PKV_New_BIGINT());
+  if (!arc || !more || !sum || PKV_Add_BIGINT(sum.get(), arc.get(), more.get())) return out.run_out(), true;
+  write_big_subidentifier(sum.get(), out);
+  return true;
+}
+
 }  // namespace
 
-OBJECT_IDENTIFIER *new_oid_any_size(Octets content) noexcept {
+Read read_oid_any_size(Octets content, OBJECT_IDENTIFIER *&out) noexcept {
+  if (content.empty()) return Read::malformed;
   DerWriter text;
   for (bool first = true; !content.empty(); first = false) {
-    const Number value = take_big_subidentifier(content);
+    Octets groups;
+    if (!take_groups(content, groups)) return Read::malformed;
+    const Number value = number_of(groups);
     if (!first) text.octet('.');
-    if (!value || !(first ? write_first_arcs(value.get(), text) : write_decimal(value.get(), text))) return nullptr;
+    if (!value || !(first ? write_first_arcs(value.get(), text) : write_decimal(value.get(), text))) {
+      return Read::no_memory;
+    }
   }
-  return text.failed() || text.size() == 0 ? nullptr : new_string(TYPE_OBJECT_IDENTIFIER, text.written());
+  OBJECT_IDENTIFIER *oid = text.failed() ? nullptr : new_string(TYPE_OBJECT_IDENTIFIER, text.written());
+  if (oid) out = oid;
+  return oid ? Read::ok : Read::no_memory;
 }
 
 bool write_oid_content_any_size(std::string_view text, DerWriter &out) noexcept {
   std::string_view piece;
   if (!take_piece(text, piece) || piece.size() != 1 || piece[0] < '0' || piece[0] > '2') return false;
   const unsigned first = unsigned(piece[0] - '0');
-  if (!take_piece(text, piece) || (first < 2 && piece.size() > 2)) return false;
-  const Number second = big_arc(piece), shift = small_number(first * 40), sum(PKV_New_BIGINT());
-  if (!second || !shift || !sum || (first < 2 && PKV_Get_BIGINT_Word(second.get()) >= 40)) return false;
-  if (PKV_Add_BIGINT(sum.get(), second.get(), shift.get())) return false;
-  write_big_subidentifier(sum.get(), out);
-  while (take_piece(text, piece)) {
-    const Number arc = big_arc(piece);
-    if (!arc) return false;
-    write_big_subidentifier(arc.get(), out);
-  }
+  if (!take_piece(text, piece) || (first < 2 && (piece.size() > 2 || small_arc(piece) >= 40))) return false;
+  if (!write_any_arc(piece, first * 40, out)) return false;
+  while (take_piece(text, piece))
+    if (!write_any_arc(piece, 0, out)) return false;
   return true;
 }
 

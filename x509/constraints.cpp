@@ -29,8 +29,7 @@ bool read_ca(Cursor &in, int &ca) noexcept {
   if (!in.next(TYPE_BOOLEAN, flag)) return false;
   if (flag.content.empty()) return in.stop(Read::malformed);
   ca = flag.content[0];
-  const bool canonical = flag.content.size() == 1 && (ca == 0 || ca == 0xFF);
-  return !in.rules().standard || canonical || in.stop(Read::malformed);
+  return !in.rules().standard || flag.content.size() == 1 || in.stop(Read::malformed);
 }
 
 // The value of a length, INT_MAX for everything above.
@@ -57,8 +56,8 @@ int decode(const Tlv &tlv, BASIC_CONSTRAINTS &out) noexcept {
   Cursor in(tlv);
   const bool standard = in.rules().standard;
   const bool read = standard && !in.at(TYPE_BOOLEAN) ? true : read_ca(in, out.ca);
-  if (read && !in.at_end() && read_path_length(in, out.pathLenConstraint) && standard) {
-    if (!out.ca || !in.at_end()) in.stop(Read::malformed);
+  if (read && !in.at_end() && read_path_length(in, out.pathLenConstraint) && standard && !in.at_end()) {
+    in.stop(Read::malformed);
   }
   return in.result(F_SEQ_TO_BASIC_CONSTRAINTS);
 }
@@ -150,13 +149,22 @@ void write_house_bounds(const GENERAL_SUBTREE &tree, DerWriter &out) noexcept {
   if (tree.maximum) out.integer(tree.maximum);
 }
 
+// What read_lost_base left, else null.
+const OTHERNAME *lost_base(const GENERAL_NAME &base) noexcept {
+  const auto *name = base.type == GENERAL_NAME_OTHER ? static_cast<const OTHERNAME *>(base.value) : nullptr;
+  return name && !name->type_id ? name : nullptr;
+}
+
 // House form overwrites identifiers: the base's becomes [0], and the tree's own the tag of the last member.
 int encode(const GENERAL_SUBTREE &tree, DerWriter &out) noexcept {
   const bool standard = out.rules().standard;
   if (!tree.base) return fail(F_GENERAL_SUBTREE_TO_SEQ, ERR_ASN1_ENCODING);
   const auto scope = out.constructed(standard ? tag::kSequence : tag::explicit_context(tree.maximum ? 1 : 0));
   const size_t base = out.size();
-  if (const int code = encode(*tree.base, out)) return code;
+  if (const OTHERNAME *lost = standard ? nullptr : lost_base(*tree.base))
+    out.octets_as(tag::explicit_context(0), lost->value);
+  else if (const int code = encode(*tree.base, out))
+    return code;
   if (!standard) out.retag(base, tag::explicit_context(0));
   standard ? write_standard_bounds(tree, out) : write_house_bounds(tree, out);
   return out.result(F_GENERAL_SUBTREE_TO_SEQ);

@@ -129,6 +129,7 @@ int encode(const DIST_POINT &point, DerWriter &out) noexcept {
   if (point.distpoint)
     if (const int code = write_name(*point.distpoint, out)) return code;
   write_reasons(1, point.reasons, out);
+  if (out.failed()) return out.result(F_DIST_POINT_TO_SEQ);
   if (point.CRLissuer && point.CRLissuer->count > 0)
     if (const int code = encode_general_names(*point.CRLissuer, out, tag::explicit_context(2))) return code;
   return out.result(F_DIST_POINT_TO_SEQ);

@@ -25,7 +25,8 @@ int decode(const Tlv &tlv, ACCESS_DESCRIPTION &out) noexcept {
 int encode(const ACCESS_DESCRIPTION &description, DerWriter &out) noexcept {
   const auto sequence = out.sequence();
   out.oid(description.accessMethod);
-  if (!description.accessLocation) return fail(F_ACCESS_DESCRIPTION_TO_SEQ, ERR_ASN1_ENCODING);
+  if (!description.accessLocation) out.refuse();
+  if (out.failed()) return out.result(F_ACCESS_DESCRIPTION_TO_SEQ);
   if (const int code = encode(*description.accessLocation, out)) return code;
   return out.result(F_ACCESS_DESCRIPTION_TO_SEQ);
 }

@@ -32,6 +32,7 @@ namespace {
 int encode(const AUTHORITY_KEYID &id, DerWriter &out) noexcept {
   const auto sequence = out.sequence();
   if (id.keyIdentifier) out.octets_as(tag::implicit_context(0), id.keyIdentifier);
+  if (out.failed()) return out.result(F_AUTHORITY_KEYID_TO_SEQ);
   if (id.authorityCertIssuer)
     if (const int code = encode_general_names(*id.authorityCertIssuer, out, tag::explicit_context(1))) return code;
   if (id.authorityCertSerialNumber) out.integer(id.authorityCertSerialNumber, tag::implicit_context(2));

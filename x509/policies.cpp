@@ -63,6 +63,7 @@ int decode(const Tlv &tlv, NOTICE_REFERENCE &out) noexcept {
 int encode(const NOTICE_REFERENCE &reference, DerWriter &out) noexcept {
   const auto sequence = out.sequence();
   out.string(reference.organization);
+  if (out.failed()) return out.result(F_NOTICE_REFERENCE_TO_SEQ);
   if (const int code = encode_numbers(reference.noticeNumbers ? *reference.noticeNumbers : STACK{}, out)) return code;
   return out.result(F_NOTICE_REFERENCE_TO_SEQ);
 }
@@ -197,6 +198,7 @@ int write_qualifier(const POLICY_QUALIFIER_INFO &info, DerWriter &out) noexcept 
 int encode(const POLICY_QUALIFIER_INFO &info, DerWriter &out) noexcept {
   const auto sequence = out.sequence();
   out.oid(info.policyQualifierId);
+  if (out.failed()) return out.result(F_POLICY_QUALIFIER_INFO_TO_SEQ);
   if (const int code = write_qualifier(info, out)) return code;
   return out.result(F_POLICY_QUALIFIER_INFO_TO_SEQ);
 }
@@ -214,8 +216,12 @@ int decode(const Tlv &tlv, POLICY_INFO &out) noexcept {
   Cursor in(tlv);
   Tlv qualifiers;
   if (in.oid(out.policyIdentifier) && !in.at_end() && in.next(TYPE_SEQUENCE, qualifiers)) {
-    if (!in.at_end()) in.stop(Read::malformed);
-    if (in.made(out.policyQualifiers = new_STACK())) in.pass(decode_qualifiers(qualifiers, *out.policyQualifiers));
+    if (!in.at_end())
+      in.stop(Read::malformed);
+    else if (in.rules().standard && qualifiers.content.empty())
+      return 0;  // seen in real certificates, and the same as none
+    else if (in.made(out.policyQualifiers = new_STACK()))
+      in.pass(decode_qualifiers(qualifiers, *out.policyQualifiers));
   }
   return in.result(F_SEQ_TO_POLICY_INFO);
 }
@@ -223,6 +229,7 @@ int decode(const Tlv &tlv, POLICY_INFO &out) noexcept {
 int encode(const POLICY_INFO &info, DerWriter &out) noexcept {
   const auto sequence = out.sequence();
   out.oid(info.policyIdentifier);
+  if (out.failed()) return out.result(F_POLICY_INFO_TO_SEQ);
   if (info.policyQualifiers)
     if (const int code = encode_qualifiers(*info.policyQualifiers, out)) return code;
   return out.result(F_POLICY_INFO_TO_SEQ);

@@ -5,7 +5,7 @@
 
 #include <string_view>
 
-#include "asn1/internal/memory.h"
+#include "asn1/internal/string.h"
 
 namespace velpki {
 
@@ -21,8 +21,9 @@ size_t oid_text(Octets content, char (&out)[kOidTextRoom]) noexcept;
 bool write_oid_content(std::string_view text, DerWriter &out) noexcept;
 
 // The forms without those limits: arcs of any size (up to 20,000 digits), at least two, the first 0 to 2 and the second
-// below 40 under 0 and 1; content without padding (X.690 8.19.2). Null or false when that is not so or memory ends.
-OBJECT_IDENTIFIER *new_oid_any_size(Octets content) noexcept;
+// below 40 under 0 and 1; content without padding (X.690 8.19.2). False is for text that is none; what memory cannot
+// hold shows in the writer.
+Read read_oid_any_size(Octets content, OBJECT_IDENTIFIER *&out) noexcept;
 bool write_oid_content_any_size(std::string_view text, DerWriter &out) noexcept;
 
 }  // namespace velpki

@@ -65,8 +65,9 @@ class DerWriter {
   // Puts the values written since `from` into the order of DER's SET OF (X.690 11.6).
   void sort_values(size_t from) noexcept;
 
-  // What cannot be encoded is refused by whoever sees it.
+  // What cannot be encoded is refused by whoever sees it, and so is told where memory ran out.
   void refuse() noexcept { fail(Read::malformed); }
+  void run_out() noexcept { fail(Read::no_memory); }
   [[nodiscard]] Read status() const noexcept { return status_; }
   [[nodiscard]] bool failed() const noexcept { return status_ != Read::ok; }
   // 0, or the function's code for the failure: exhausted memory, or ERR_ASN1_ENCODING.

@@ -299,7 +299,7 @@ VELPKI_API int Seq_to_POLICY_CONSTRAINTS_RFC5280(ASN1_UNIT *in, POLICY_CONSTRAIN
 /* @warning House form writes `pathLenConstraint & 0xFF` in one octet, so a length above 127 does not read back; and it
  * reads no value without the BOOLEAN: the empty SEQUENCE of a certificate that is no CA, which it also writes, is
  * ERR_ASN1_DECODING. Lengths above INT_MAX read as INT_MAX. The _RFC5280 pair reads cA as false where it is absent,
- * refuses a path length without cA, and writes any length. */
+ * and writes a length of any size, with cA only. */
 VELPKI_API BASIC_CONSTRAINTS *new_BASIC_CONSTRAINTS(void) VELPKI_NOEXCEPT;
 VELPKI_API void free_BASIC_CONSTRAINTS(BASIC_CONSTRAINTS *p) VELPKI_NOEXCEPT;
 VELPKI_API BASIC_CONSTRAINTS *dup_BASIC_CONSTRAINTS(const BASIC_CONSTRAINTS *p) VELPKI_NOEXCEPT;
