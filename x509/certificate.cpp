@@ -50,16 +50,6 @@ int set_field(int function, X509_CERT *cert, T *X509_TBS_CERT::*member, const T 
   return tbs && replace(*tbs, member, value) ? 0 : fail(function, kNoMemory);
 }
 
-// Lists have one C type, so the element's type comes with the call.
-template <class E>
-bool replace_list(X509_TBS_CERT &tbs, STACK *X509_TBS_CERT::*member, const STACK *value) noexcept {
-  STACK *copy = copy_list<E>(value);
-  if (!copy) return false;
-  destroy_list<E>(tbs.*member);
-  tbs.*member = copy;
-  return true;
-}
-
 int set_name(int function, X509_CERT *cert, STACK *X509_TBS_CERT::*member, const X509_NAME *name) noexcept {
   if (!cert || !name) return fail(function, kNullArgument);
   X509_TBS_CERT *tbs = changing(cert);

@@ -59,7 +59,8 @@ bool critical_is_canonical(const Tlv &extension) noexcept {
   return critical.content.size() == 1 && critical.content[0] == 0xFF;
 }
 
-// Whether two extensions have the same OID, in n log n: a stranger's list may be long.
+}  // namespace
+
 bool has_duplicates(const STACK &extensions, bool &no_memory) noexcept {
   STACK *sorted = new_STACK_compare_func(+[](const void *a, const void *b) {
     const auto *left = *static_cast<const X509_EXTENSION *const *>(a),
@@ -75,6 +76,8 @@ bool has_duplicates(const STACK &extensions, bool &no_memory) noexcept {
   free_STACK(sorted);
   return found;
 }
+
+namespace {
 
 int decode_extensions_strict(const Tlv &tlv, STACK &extensions) noexcept {
   if (const int code = decode_extensions(tlv, extensions)) return code;

@@ -59,17 +59,17 @@ int write_der(const Codec<R> &codec, const R *record, DerWriter &writer) noexcep
   return writer.result(codec.to_function);
 }
 template <class R>
-int write_der(const Codec<R> &codec, const R *record, unsigned char **out) noexcept {
+int write_der(const Codec<R> &codec, const R *record, unsigned char **out, Rules rules = {}) noexcept {
   if (!out) return kBadInput;
-  DerWriter writer({}, codec.content);
+  DerWriter writer(rules, codec.content);
   if (const int code = write_der(codec, record, writer)) return code;
   const size_t length = writer.size();
   return give(writer.release(), length, out);
 }
 template <class R>
-int write_pem(const Codec<R> &codec, const R *record, char **out) noexcept {
+int write_pem(const Codec<R> &codec, const R *record, char **out, Rules rules = {}) noexcept {
   if (!out) return kBadInput;
-  DerWriter writer({}, codec.content);
+  DerWriter writer(rules, codec.content);
   if (const int code = write_der(codec, record, writer)) return code;
   return give_pem(writer.written(), codec.label, out);
 }

@@ -202,6 +202,16 @@ bool replace(R &record, T *R::*member, const T *value) noexcept {
   return true;
 }
 
+// The same for a list of E.
+template <class E, class R>
+bool replace_list(R &record, STACK *R::*member, const STACK *value) noexcept {
+  STACK *copy = copy_list<E>(value);
+  if (!copy) return false;
+  destroy_list<E>(record.*member);
+  record.*member = copy;
+  return true;
+}
+
 // Declares that Flat<T> uses the flat functions of T. It stands in a header, after their declarations.
 #define VELPKI_FLAT(T)                                                   \
   template <>                                                            \

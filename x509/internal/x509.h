@@ -55,6 +55,8 @@ inline Tlv view_of(const ASN1_STRING &string) noexcept {
 // Registry rows that this library's code names.
 namespace row {
 inline constexpr int kRsaEncryption = 6;
+inline constexpr int kMsExtensionRequest = 171;
+inline constexpr int kExtensionRequest = 172;
 inline constexpr int kEcPublicKey = 408;
 inline constexpr int kPrime256v1 = 415;
 inline constexpr int kKcdsa1 = 782;
@@ -78,6 +80,8 @@ int decode(const Tlv &tlv, X509_EXTENSION &out) noexcept;
 int encode(const X509_EXTENSION &extension, DerWriter &out) noexcept;
 int decode_extensions(const Tlv &tlv, STACK &extensions) noexcept;
 int encode_extensions(const STACK &extensions, DerWriter &out) noexcept;
+// Whether two extensions have the same OID, in n log n: a stranger's list may be long.
+bool has_duplicates(const STACK &extensions, bool &no_memory) noexcept;
 int decode(const Tlv &tlv, X509_PUBKEY &out) noexcept;
 int encode(const X509_PUBKEY &pubkey, DerWriter &out) noexcept;
 int decode(const Tlv &tlv, X509_TBS_CERT &out) noexcept;
