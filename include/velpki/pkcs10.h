@@ -106,8 +106,8 @@ VELPKI_API int verify_SIG_PKCS10_X509_REQ_RFC5280(const PKCS10_X509_REQ *req) VE
  * version other than 0; ERR_DUPLICATE_EXTENSION for an extension requested twice; ERR_ASN1_DECODING for an
  * extensionRequest that could not be read or an allowed extension whose value is not its type's in standard form;
  * ERR_AUTHORITY_REQUESTED for an allowed keyUsage with keyCertSign or cRLSign, and an extKeyUsage with OCSPSigning or
- * anyExtendedKeyUsage; ERR_TBS_CERT_SUBJECT for an empty subject without a subjectAltName among what was taken (which
- * is made critical, RFC 5280 4.1.2.6).
+ * anyExtendedKeyUsage; ERR_TBS_CERT_SUBJECT for an empty subject without a subjectAltName in the certificate (which is
+ * made critical, RFC 5280 4.1.2.6).
  * @warning Names, in the subject and in subjectAltName, are what the requester claims: check them before signing. */
 VELPKI_API int set_X509_CERT_from_PKCS10_X509_REQ(X509_CERT *cert, const PKCS10_X509_REQ *req,
                                                   const OBJECT_IDENTIFIERS *allowed) VELPKI_NOEXCEPT;

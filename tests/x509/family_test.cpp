@@ -19,6 +19,9 @@ const std::vector<Family> &families() {
   static const Bytes oid = TLV(0x06, "550403");
   static const Bytes attribute = TLV(0x30, oid + TLV(0x31, TLV(0x0C, "41") + TLV(0x30, "020105")));
   static const Bytes extension = TLV(0x30, TLV(0x06, "551d13") + TLV(0x01, "ff") + TLV(0x04, "3000"));
+  static const Bytes wanted = TLV(0x30, hex("06092a864886f70d01090e") + TLV(0x31, TLV(0x30, extension)));
+  static const Bytes info = TLV(0x30, hex("020100") + parts.subject + parts.spki + TLV(0xA0, attribute + wanted));
+  static const Bytes request = TLV(0x30, info + parts.signature + parts.value);
   static const std::vector<Family> all = {
       FAMILY(X509_NAME, parts.issuer, dup_X509_NAME),
       FAMILY(X509_ALGO_IDENTIFIER, parts.signature, dup_X509_ALGO_IDENTIFIER),
@@ -32,6 +35,10 @@ const std::vector<Family> &families() {
       FAMILY(X509_CERT, parts.der(), dup_X509_CERT),
       FAMILY(X509_CERTIFICATES, TLV(0x30, parts.der() + parts.der()), nullptr),
       FAMILY(X509_CERT_PAIR, TLV(0x30, TLV(0xA0, parts.der()) + TLV(0xA1, parts.der())), dup_X509_CERT_PAIR),
+      FAMILY(PKCS10_X509_REQ_INFO, info, dup_PKCS10_X509_REQ_INFO),
+      FAMILY(PKCS10_X509_REQ, request, dup_PKCS10_X509_REQ),
+      family<PKCS10_X509_REQ>("PKCS10_X509_REQ_RFC5280", request, Seq_to_PKCS10_X509_REQ_RFC5280,
+                              PKCS10_X509_REQ_to_Seq_RFC5280, dup_PKCS10_X509_REQ, free_PKCS10_X509_REQ),
       FAMILY(X509_AUX, TLV(0x30, TLV(0x0C, "41") + TLV(0x80, "0102")), dup_X509_AUX),
       FAMILY(ISSUER_AND_SERIAL_NUMBER, TLV(0x30, parts.issuer + parts.serial), nullptr),
       FAMILY(X509_CRL_INFO, crl.tbs(), dup_X509_CRL_INFO),

@@ -4,6 +4,7 @@
 #include <velpki/asn1_error.h>
 #include <velpki/asn1_objects.h>
 #include <velpki/issuer_and_serial_number.h>
+#include <velpki/pkcs10.h>
 #include <velpki/x509.h>
 #include <velpki/x509_crl.h>
 
@@ -15,6 +16,7 @@ struct ReleaseX509 {
   void operator()(X509_CERT *p) const { free_X509_CERT(p); }
   void operator()(X509_CRL *p) const { free_X509_CRL(p); }
   void operator()(X509_REVOKED *p) const { free_X509_REVOKED(p); }
+  void operator()(PKCS10_X509_REQ *p) const { free_PKCS10_X509_REQ(p); }
   void operator()(STACK *p) const { free_X509_NAME(p); }
   void operator()(X509_PUBKEY *p) const { free_X509_PUBKEY(p); }
   void operator()(ASYMMETRIC_KEY *p) const { free_ASYMMETRIC_KEY(p); }
@@ -81,5 +83,11 @@ inline std::string written(X509_CERT *cert) {
   const Block owner(out);
   return out ? to_hex(out, size_t(length)) : "-";
 }
+
+// The DER of a file in either format.
+Bytes der_of(const std::string &path, const std::string &format);
+// The OIDs of a list, each critical one with "!".
+std::string extension_list(const X509_EXTENSIONS *extensions);
+std::string digest_hex(const Bytes &octets);
 
 }  // namespace test
