@@ -6,6 +6,8 @@
 #include <velpki/der.h>
 #include <velpki/issuer_and_serial_number.h>
 #include <velpki/pem.h>
+#include <velpki/pkcs1.h>
+#include <velpki/pkcs10.h>
 #include <velpki/x509.h>
 
 #include <climits>
@@ -210,6 +212,44 @@ void certificates(const uint8_t *data, int size) {
   free_X509_CERT(standard);
 }
 
+// A request goes through everything that looks into it; what becomes of it is a certificate that can be written.
+void requests(const uint8_t *data, int size) {
+  PKCS10_X509_REQ *req = nullptr, *standard = nullptr;
+  if (readDER_PKCS10_X509_REQ_from_Binary(&req, data, size) == 0) verify_SIG_PKCS10_X509_REQ(req);
+  if (readDER_PKCS10_X509_REQ_from_Binary_RFC5280(&standard, data, size) == 0) {
+    X509_CERT *cert = new_X509_CERT();
+    OBJECT_IDENTIFIERS *allowed = new_OBJECT_IDENTIFIERS();
+    for (const char *oid : {"2.5.29.14", "2.5.29.15", "2.5.29.17", "2.5.29.32", "2.5.29.37"})
+      push_STACK_value(allowed, new_OBJECT_IDENTIFIER(oid, int(std::strlen(oid))));
+    const int code = set_X509_CERT_from_PKCS10_X509_REQ(cert, standard, allowed);
+    require(code != 0 || verify_SIG_PKCS10_X509_REQ_RFC5280(standard) == 0, "what is taken was verified");
+    free_OBJECT_IDENTIFIERS(allowed);
+    free_X509_CERT(cert);
+  }
+  free_PKCS10_X509_REQ(req);
+  free_PKCS10_X509_REQ(standard);
+}
+
+// What parameters mean can be written again and means the same.
+void rsa_parameters(const uint8_t *data, int size) {
+  ASN1_UNIT *unit = decodeToBERSequence_n(data, size);
+  RSASSA_PSS_PARAM *pss = nullptr, *made = new_RSASSA_PSS_PARAM();
+  RSAES_OAEP_PARAM *oaep = nullptr;
+  int digest, mask, salt, back = -1, length;
+  const unsigned char *label;
+  if (unit && Seq_to_RSASSA_PSS_PARAM(unit, &pss) == 0 && !get_RSASSA_PSS_PARAM_values(pss, &digest, &mask, &salt)) {
+    require(set_RSASSA_PSS_PARAM_values(made, digest, mask, salt) == 0, "values can be set");
+    require(get_RSASSA_PSS_PARAM_values(made, nullptr, nullptr, &back) == 0 && back == salt, "and are the same");
+  }
+  if (unit && Seq_to_RSAES_OAEP_PARAM(unit, &oaep) == 0) {
+    get_RSAES_OAEP_PARAM_values(oaep, &digest, &mask, &label, &length);
+  }
+  free_ASN1_UNIT(unit);
+  free_RSASSA_PSS_PARAM(pss);
+  free_RSASSA_PSS_PARAM(made);
+  free_RSAES_OAEP_PARAM(oaep);
+}
+
 void signature_values(const uint8_t *data, int size) {
   unsigned char r[66], s[66];
   int r_length = sizeof r, s_length = sizeof s;
@@ -232,6 +272,14 @@ const Target kTargets[] = {
     {"pem", texts},
     {"cp949", conversions},
     {"certificate", certificates},
+    {"request", requests},
+    {"pkcs10", KEY_FAMILY(PKCS10_X509_REQ, dup_PKCS10_X509_REQ)},
+    {"pkcs10_rfc5280", STANDARD_FAMILY(PKCS10_X509_REQ, dup_PKCS10_X509_REQ)},
+    {"pkcs1_private", FAMILY(PKCS1_RSA_PRIVATE_KEY, dup_PKCS1_RSA_PRIVATE_KEY)},
+    {"pkcs1_public", FAMILY(PKCS1_RSA_PUBLIC_KEY, dup_PKCS1_RSA_PUBLIC_KEY)},
+    {"pss_param", FAMILY(RSASSA_PSS_PARAM, dup_RSASSA_PSS_PARAM)},
+    {"oaep_param", FAMILY(RSAES_OAEP_PARAM, dup_RSAES_OAEP_PARAM)},
+    {"rsa_parameters", rsa_parameters},
     {"signature_value", signature_values},
     {"x509_cert", KEY_FAMILY(X509_CERT, dup_X509_CERT)},
     {"x509_cert_rfc5280", STANDARD_FAMILY(X509_CERT, dup_X509_CERT)},

@@ -116,6 +116,17 @@ TEST(MalformedVectors, AreRefusedWithoutAccident) {
       captured_stdout([](const void *c) { print_X509(static_cast<const X509_CERT *>(c)); }, cert);
     }
     if (readPEM_X509_CERT_from_Binary(&standard, reinterpret_cast<const char *>(at), length) == 0) ++taken;
+    PKCS10_X509_REQ *plain_request = nullptr, *request = nullptr;
+    if (readDER_PKCS10_X509_REQ_from_Binary(&plain_request, at, length) == 0) {
+      if (ASN1_UNIT *out = nullptr; PKCS10_X509_REQ_to_Seq(plain_request, &out) == 0) free_ASN1_UNIT(out);
+      verify_SIG_PKCS10_X509_REQ(plain_request);
+    }
+    if (readDER_PKCS10_X509_REQ_from_Binary_RFC5280(&request, at, length) == 0) {
+      verify_SIG_PKCS10_X509_REQ_RFC5280(request);
+    }
+    if (row.at("expect") == "refuse" && row.at("format") != "PEM") EXPECT_FALSE(plain_request || request);
+    free_PKCS10_X509_REQ(plain_request);
+    free_PKCS10_X509_REQ(request);
     PKV_Free(der, __FILE__, __LINE__);
     free_X509_CERT(cert);
     free_X509_CERT(standard);
