@@ -1,0 +1,61 @@
+// Extension values: the first octet of the input chooses the type and the form, the rest is its encoding.
+#include <velpki/x509v3.h>
+
+#include <iterator>
+
+#include "target.h"
+
+namespace {
+
+using Run = void (*)(const uint8_t *, int);
+
+// A house value need not read back: names lose their wrapper or their kind.
+#define HOUSE(T) \
+  [](const uint8_t *d, int n) { family<T>(d, n, Seq_to_##T, T##_to_Seq, dup_##T, free_##T, Readable::perhaps); }
+#define STANDARD(T) STANDARD_FAMILY(T, dup_##T)
+#define BOTH(T) HOUSE(T), STANDARD(T)
+
+constexpr Run kTypes[] = {
+    BOTH(GENERAL_NAME),
+    BOTH(GENERAL_NAMES),
+    BOTH(OTHERNAME),
+    BOTH(EDIPARTYNAME),
+    BOTH(AUTHORITY_KEYID),
+    BOTH(BASIC_CONSTRAINTS),
+    BOTH(POLICY_CONSTRAINTS),
+    BOTH(GENERAL_SUBTREE),
+    BOTH(NAME_CONSTRAINTS),
+    BOTH(DIST_POINT),
+    BOTH(CRL_DIST_POINTS),
+    BOTH(NOTICE_NUMBERS),
+    BOTH(NOTICE_REFERENCE),
+    BOTH(USER_NOTICE),
+    BOTH(POLICY_QUALIFIERS),
+    BOTH(POLICY_INFO),
+    BOTH(CERTIFICATE_POLICIES),
+    BOTH(POLICY_MAPPINGS),
+    BOTH(ACCESS_DESCRIPTION),
+    STANDARD_FAMILY(AUTHORITY_INFO_ACCESS, nullptr),
+    STANDARD_FAMILY(EXTENDED_KEY_USAGE, nullptr),
+    [](const uint8_t *d, int n) {
+      family<ISSUING_DIST_POINT>(d, n, Seq_to_issuing_DIST_POINT, issuing_DIST_POINT_to_Seq, nullptr,
+                                 free_ISSUING_DIST_POINT, Readable::perhaps);
+    },
+    [](const uint8_t *d, int n) {
+      family<ISSUING_DIST_POINT>(d, n, Seq_to_issuing_DIST_POINT_RFC5280, issuing_DIST_POINT_to_Seq_RFC5280, nullptr,
+                                 free_ISSUING_DIST_POINT, Readable::perhaps);
+    },
+    [](const uint8_t *d, int n) {
+      family<X509_SIGN>(d, n, Seq_to_X509_SIGN, X509_SIGN_to_Seq, nullptr, free_X509_SIGN, Readable::perhaps);
+    },
+};
+
+void extension_value(const uint8_t *data, int size) {
+  if (size > 1) kTypes[data[0] % std::size(kTypes)](data + 1, size - 1);
+}
+
+constexpr Target kTargets[] = {{"extension_value", extension_value}};
+
+}  // namespace
+
+Targets extension_targets() { return kTargets; }
