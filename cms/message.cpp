@@ -40,12 +40,12 @@ bool MessageReader::octets(ASN1_STRING *&out) noexcept {
 }
 
 bool MessageReader::optional_implicit_octets(int n, ASN1_STRING *&out) noexcept {
-  while (at(tag::implicit_context(n)) || at(tag::explicit_context(n))) {
+  while (at_optional(tag::implicit_context(n), out) || at_optional(tag::explicit_context(n), out)) {
     Tlv child;
     free_ASN1_STRING(std::exchange(out, nullptr));
     if (!next(child) || !keep(read_joined_octets(child, out))) return false;
   }
-  return true;
+  return reason() == Read::ok;
 }
 
 bool set_version(BIGINT *&version, unsigned word) noexcept {

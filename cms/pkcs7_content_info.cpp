@@ -6,18 +6,6 @@ namespace velpki {
 
 namespace {
 
-void *make_octets() noexcept { return new_string(TYPE_OCTET_STRING, {}); }
-void release_octets(void *content) noexcept { free_ASN1_STRING(static_cast<ASN1_STRING *>(content)); }
-void read_octets(MessageReader &in, void *&out) noexcept {
-  ASN1_STRING *string = nullptr;
-  in.octets(string);
-  out = string;
-}
-int write_octets(const void *content, DerWriter &out) noexcept {
-  out.octets_as(TYPE_OCTET_STRING, static_cast<const ASN1_STRING *>(content));
-  return 0;
-}
-
 void release_unit(void *content) noexcept { free_ASN1_UNIT(static_cast<ASN1_UNIT *>(content)); }
 void read_unit_content(MessageReader &in, void *&out) noexcept {
   ASN1_UNIT *unit = nullptr;
@@ -29,22 +17,8 @@ int write_unit(const void *content, DerWriter &out) noexcept {
   return 0;
 }
 
-template <class R>
-constexpr ContentType record_type(int row, int version) noexcept {
-  return {row,
-          version,
-          []() noexcept -> void * { return Flat<R>::make(); },
-          [](void *content) noexcept { Flat<R>::release(static_cast<R *>(content)); },
-          [](MessageReader &in, void *&out) noexcept {
-            R *record = nullptr;
-            in.record(record);
-            out = record;
-          },
-          [](const void *content, DerWriter &out) noexcept { return encode(*static_cast<const R *>(content), out); }};
-}
-
 constexpr ContentType kTypes[] = {
-    {PKCS7_DATA, -1, make_octets, release_octets, read_octets, write_octets},
+    octets_type(PKCS7_DATA),
     record_type<P7_SIGNED_DATA>(PKCS7_SIGNED_DATA, 1),
     record_type<P7_ENVELOPED_DATA>(PKCS7_ENVELOPED_DATA, 0),
     record_type<P7_SIGNED_AND_ENVELOPED_DATA>(PKCS7_SIGNED_AND_ENVELOPED_DATA, 1),

@@ -19,21 +19,28 @@ inline constexpr auto owned_fields<P7_ENCRYPTED_DATA> = std::tuple(own(&P7_ENCRY
 
 // EncryptedContentInfo ::= SEQUENCE { contentType OBJECT IDENTIFIER, contentEncryptionAlgorithm AlgorithmIdentifier,
 //   encryptedContent [0] IMPLICIT OCTET STRING OPTIONAL }
-int decode(const Tlv &tlv, P7_ENCRYPTED_CONTENT_INFO &out) noexcept {
+int decode_encrypted_content(const Tlv &tlv, P7_ENCRYPTED_CONTENT_INFO &out, int function) noexcept {
   MessageReader in(tlv);
-  if (in.oid(out.contentType) && in.record(out.contentEncryptionAlgorithm)) {
-    in.optional_implicit_octets(0, out.encryptedContent);
+  if (in.oid(out.contentType) && in.record(out.contentEncryptionAlgorithm) &&
+      in.optional_implicit_octets(0, out.encryptedContent)) {
+    in.end();
   }
-  return in.result(F_SEQ_TO_P7_ENCRYPTED_CONTENT_INFO);
+  return in.result(function);
+}
+int decode(const Tlv &tlv, P7_ENCRYPTED_CONTENT_INFO &out) noexcept {
+  return decode_encrypted_content(tlv, out, F_SEQ_TO_P7_ENCRYPTED_CONTENT_INFO);
 }
 
-int encode(const P7_ENCRYPTED_CONTENT_INFO &info, DerWriter &out) noexcept {
-  if (!info.contentEncryptionAlgorithm) return fail(F_P7_ENCRYPTED_CONTENT_INFO_TO_SEQ, ERR_ASN1_ENCODING);
+int encode_encrypted_content(const P7_ENCRYPTED_CONTENT_INFO &info, DerWriter &out, int function) noexcept {
+  if (!info.contentEncryptionAlgorithm) return fail(function, ERR_ASN1_ENCODING);
   const auto sequence = out.sequence();
   out.oid(info.contentType);
   if (const int code = encode(*info.contentEncryptionAlgorithm, out)) return code;
   write_optional_octets(0, info.encryptedContent, out);
   return 0;
+}
+int encode(const P7_ENCRYPTED_CONTENT_INFO &info, DerWriter &out) noexcept {
+  return encode_encrypted_content(info, out, F_P7_ENCRYPTED_CONTENT_INFO_TO_SEQ);
 }
 
 // EnvelopedData ::= SEQUENCE { version INTEGER, recipientInfos RecipientInfos, encryptedContentInfo }

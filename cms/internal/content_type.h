@@ -1,4 +1,4 @@
-// The table of content types: how the content of a P7_CONTENT_INFO is made, released, read and written.
+// Content types: how the content of a message is made, released, read and written. PKCS#7 and CMS have a table each.
 #pragma once
 
 #include "cms/internal/pkcs7.h"
@@ -14,8 +14,39 @@ struct ContentType {
   int (*write)(const void *content, DerWriter &out) noexcept;
 };
 
-// Null for a row that is no content type.
+// The type whose content is an OCTET STRING, and those whose content is a record.
+constexpr ContentType octets_type(int row) noexcept {
+  return {row,
+          -1,
+          []() noexcept -> void * { return new_string(TYPE_OCTET_STRING, {}); },
+          [](void *content) noexcept { free_ASN1_STRING(static_cast<ASN1_STRING *>(content)); },
+          [](MessageReader &in, void *&out) noexcept {
+            ASN1_STRING *string = nullptr;
+            in.octets(string);
+            out = string;
+          },
+          [](const void *content, DerWriter &out) noexcept {
+            out.octets_as(TYPE_OCTET_STRING, static_cast<const ASN1_STRING *>(content));
+            return 0;
+          }};
+}
+template <class R>
+constexpr ContentType record_type(int row, int version) noexcept {
+  return {row,
+          version,
+          []() noexcept -> void * { return Flat<R>::make(); },
+          [](void *content) noexcept { Flat<R>::release(static_cast<R *>(content)); },
+          [](MessageReader &in, void *&out) noexcept {
+            R *record = nullptr;
+            in.record(record);
+            out = record;
+          },
+          [](const void *content, DerWriter &out) noexcept { return encode(*static_cast<const R *>(content), out); }};
+}
+
+// Null for a row that is no content type of PKCS#7, or of CMS.
 const ContentType *content_type(int row) noexcept;
+const ContentType *cms_content_type(int row) noexcept;
 
 // A record whose content has a version, as `kind` of P7_CONTENT_INFO names it.
 BIGINT **version_of(const P7_CONTENT_INFO &p7) noexcept;

@@ -32,15 +32,22 @@ class MessageReader : public Cursor {
     if (!at(identifier)) return stop(Read::malformed);
     return next(child) && made(out = new_STACK()) && inner(decode(child, *out));
   }
-  // The same where it may be absent, or be repeated: the last one counts.
+  // Whether an optional element stands here that was read before already or not: house form lets the last one count,
+  // standard form refuses a second.
+  bool at_optional(uint8_t identifier, bool before) noexcept {
+    return at(identifier) && (!before || !rules().standard || stop(Read::malformed));
+  }
+  // The same where it may be absent, or be repeated.
   template <class E>
   bool optional_list(uint8_t identifier, STACK *&out, int (*decode)(const Tlv &, STACK &) noexcept) noexcept {
-    while (at(identifier)) {
+    while (at_optional(identifier, out)) {
       if (out) destroy_list<E>(std::exchange(out, nullptr));
       if (!list(identifier, out, decode)) return false;
     }
-    return true;
+    return reason() == Read::ok;
   }
+  // The end of a record: standard form wants nothing after the known elements.
+  bool end() noexcept { return reason() == Read::ok && (!rules().standard || at_end() || stop(Read::malformed)); }
   // OCTET STRING, its segments joined.
   bool octets(ASN1_STRING *&out) noexcept;
   bool optional_implicit_octets(int n, ASN1_STRING *&out) noexcept;

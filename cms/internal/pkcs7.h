@@ -34,6 +34,9 @@ int decode(const Tlv &tlv, P7_RECIPIENT_INFO &out) noexcept;
 int encode(const P7_RECIPIENT_INFO &recipient, DerWriter &out) noexcept;
 int decode_recipient_infos(const Tlv &tlv, STACK &out) noexcept;
 int encode_recipient_infos(const STACK &recipients, DerWriter &out) noexcept;
+// PKCS#7 and CMS have the same record with different codes.
+int decode_encrypted_content(const Tlv &tlv, P7_ENCRYPTED_CONTENT_INFO &out, int function) noexcept;
+int encode_encrypted_content(const P7_ENCRYPTED_CONTENT_INFO &info, DerWriter &out, int function) noexcept;
 int decode(const Tlv &tlv, P7_ENCRYPTED_CONTENT_INFO &out) noexcept;
 int encode(const P7_ENCRYPTED_CONTENT_INFO &info, DerWriter &out) noexcept;
 int decode(const Tlv &tlv, P7_SIGNED_DATA &out) noexcept;

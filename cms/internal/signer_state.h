@@ -12,7 +12,8 @@ struct p7_signer_state {
 
 namespace velpki {
 
-inline Octets received_of(const P7_SIGNER_INFO &signer) noexcept {
+template <class Signer>
+Octets received_of(const Signer &signer) noexcept {
   if (!signer.state) return {};
   return {reinterpret_cast<const uint8_t *>(signer.state + 1), size_t(signer.state->received)};
 }
