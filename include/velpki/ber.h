@@ -140,6 +140,15 @@ VELPKI_API void *getBERChildAt_strict(const ASN1_UNIT *unit, int index, int iden
  * on null. @warning After the first child the cursor is still 0, so the second call must pass index 1. */
 VELPKI_API void *getBERChildOffset(const ASN1_UNIT *unit, int index, int type, int *cursor) VELPKI_NOEXCEPT;
 
+/* normalize_BER rewrites one value of any BER into a new block, released with PKV_Free, and returns its octets: all
+ * lengths definite and of the fewest octets, strings that are constructed of segments in one piece, everything else as
+ * it was. What it makes of a value that is in that form already is that value. It takes time in proportion to the
+ * octets. -1, with nothing stored, for null and exhausted memory, and for octets that are not exactly one value:
+ * end-of-contents octets that are missing or stray, segments of another type, unused bits before the last segment,
+ * nesting deeper than 64, octets left over. An implicitly tagged string that is constructed cannot be told from other
+ * constructed values; its segments stay. */
+VELPKI_API int normalize_BER(const unsigned char *octets, int length, unsigned char **out) VELPKI_NOEXCEPT;
+
 /* printBERData writes one line to standard output: tag, length octets and content in hexadecimal. */
 VELPKI_API void printBERData(const ASN1_UNIT *unit) VELPKI_NOEXCEPT;
 

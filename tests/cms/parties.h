@@ -1,0 +1,108 @@
+// Keys and certificates of signers and recipients, made by openssl once for the whole program, and files beside them.
+#pragma once
+
+#include <velpki/pkcs1.h>
+
+#include "samples.h"
+
+namespace test {
+
+struct ReleaseMessage {
+  void operator()(P7_CONTENT_INFO *p) const { free_P7_CONTENT_INFO(p); }
+};
+using Message = std::unique_ptr<P7_CONTENT_INFO, ReleaseMessage>;
+
+inline bool has_openssl() { return !run("openssl version").empty(); }
+#define VELPKI_NEED_OPENSSL \
+  if (!test::has_openssl()) GTEST_SKIP() << "no openssl command"
+
+// Files live as long as the program; what is read from them, as long as a test.
+struct Party {
+  std::string certificate_path, key_path;
+
+  explicit Party(const std::string &name, const std::string &bits = "2048")
+      : certificate_path(temporary_path(name + ".pem")), key_path(temporary_path(name + ".key")) {
+    run("openssl genrsa -traditional -out " + key_path + " " + bits + " 2>/dev/null && openssl req -x509 -new -key " +
+        key_path + " -days 30 -sha256 -set_serial 0x" + to_hex(Bytes(name.begin(), name.end())) +
+        " -subj '/O=velPKI/CN=" + name + "' -out " + certificate_path + " 2>/dev/null");
+  }
+  Certificate certificate() const {
+    X509_CERT *cert = nullptr;
+    readPEM_X509_CERT_from_File(&cert, certificate_path.c_str());
+    return Certificate(cert);
+  }
+  Owned<ASYMMETRIC_KEY> key() const {
+    PKCS1_RSA_PRIVATE_KEY *record = nullptr;
+    readPEM_PKCS1_RSA_PRIVATE_KEY_from_File(&record, key_path.c_str());
+    const Owned<RSA_UNIT> rsa(get_RSA_UNIT_from_PRIV_KEY(record));
+    free_PKCS1_RSA_PRIVATE_KEY(record);
+    return Owned<ASYMMETRIC_KEY>(RSA_UNIT_to_ASYMMETRIC_KEY(rsa.get()));
+  }
+};
+// Two signers or recipients, and one whose digest fits where little room is.
+inline const Party &first_party() {
+  static const Party party("first");
+  return party;
+}
+inline const Party &second_party() {
+  static const Party party("second");
+  return party;
+}
+inline const Party &small_party() {
+  static const Party party("small", "1024");
+  return party;
+}
+
+inline const Bytes &document() {
+  static const Bytes octets = [] {
+    Bytes out;
+    for (int i = 0; i < 5000; ++i) out.push_back(uint8_t(i * 7 + i / 256));
+    return out;
+  }();
+  return octets;
+}
+inline std::string document_path() {
+  static const std::string path = temporary_path("document");
+  static const bool written = write_file(path, document().data(), document().size());
+  return written ? path : "";
+}
+
+inline Message message_of(int type) {
+  Message p7(new_P7_CONTENT_INFO());
+  if (set_PKCS7_Type(p7.get(), type)) p7.reset();
+  return p7;
+}
+inline Message read_message(const Bytes &der, int *code = nullptr) {
+  P7_CONTENT_INFO *p7 = nullptr;
+  const int result = readDER_P7_CONTENT_INFO_from_Binary(&p7, der.data(), int(der.size()));
+  if (code) *code = result;
+  return Message(p7);
+}
+inline Bytes written(P7_CONTENT_INFO *p7) {
+  unsigned char *out = nullptr;
+  const int length = writeDER_P7_CONTENT_INFO_to_Binary(p7, &out);
+  const Block owner(out);
+  return out ? Bytes(out, out + length) : Bytes();
+}
+// As a peer gets it.
+inline Message sent(const Message &p7) { return read_message(written(p7.get())); }
+
+inline Owned<X509_ALGO_IDENTIFIER> algorithm(int row) {
+  Owned<X509_ALGO_IDENTIFIER> made(new_X509_ALGO_IDENTIFIER());
+  const String oid(index_to_OBJECT_IDENTIFIER(row));
+  set_X509_ALGO_IDENTIFIER_value(made.get(), oid.get(), nullptr);
+  return made;
+}
+
+// The attributes that a signer of the document needs.
+inline void add_attributes(P7_SIGNER_INFO *signer, int digest_id, const Bytes &content = document()) {
+  uint8_t digest[PKV_MAX_DIGEST_LENGTH];
+  int length = 0;
+  PKV_DIGEST(digest_id, content.data(), int(content.size()), digest, &length);
+  const std::string type = "1.2.840.113549.1.7.1";
+  add_PKCS7_Signed_Attribute(signer, 50, TYPE_OBJECT_IDENTIFIER, reinterpret_cast<const uint8_t *>(type.data()),
+                             int(type.size()));
+  add_PKCS7_Signed_Attribute(signer, 51, TYPE_OCTET_STRING, digest, length);
+}
+
+}  // namespace test
