@@ -77,13 +77,4 @@ int encode_algorithms(const STACK &list, DerWriter &out) noexcept {
   return encode_list<X509_ALGO_IDENTIFIER>(list, out, tag::kSet, F_X509_ALGO_IDENTIFIERS_TO_SEQ, encode);
 }
 
-int decode_certificates(const Tlv &tlv, STACK &list) noexcept {
-  return decode_list<X509_CERT>(tlv, list, F_SEQ_TO_X509_CERT, decode);
-}
-
-int encode_certificates(const STACK *list, uint8_t identifier, DerWriter &out) noexcept {
-  if (!list || list->count == 0) return 0;
-  return encode_list<X509_CERT>(*list, out, identifier, F_X509_CERT_TO_SEQ, encode);
-}
-
 }  // namespace velpki

@@ -2,6 +2,7 @@
 #include "cms/internal/content_type.h"
 #include "cms/internal/signature.h"
 #include "cms/internal/signer_state.h"
+#include "x509/internal/crl.h"
 
 namespace velpki {
 

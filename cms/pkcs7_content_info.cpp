@@ -25,7 +25,14 @@ constexpr ContentType kTypes[] = {
     record_type<P7_DIGESTED_DATA>(PKCS7_DIGESTED_DATA, 0),
     record_type<P7_ENCRYPTED_DATA>(PKCS7_ENCRYPTED_DATA, 0),
     {PKCS7_TRUST_LIST, -1, nullptr, release_unit, read_unit_content, write_unit},
+    {PKCS7_OTHER, -1, nullptr, release_unit, read_unit_content, write_unit},
 };
+
+// The kind of content that a type has.
+int kind_of(const OBJECT_IDENTIFIER *type) noexcept {
+  const int row = index_from_OBJECT_IDENTIFIER(type);
+  return content_type(row) ? row : int(PKCS7_OTHER);
+}
 
 }  // namespace
 
@@ -62,13 +69,14 @@ namespace {
 
 // content [0] EXPLICIT ANY DEFINED BY contentType OPTIONAL
 void read_content(MessageReader &in, const ContentType &type, P7_CONTENT_INFO &out) noexcept {
-  while (in.at(tag::explicit_context(0))) {
+  while (in.at_optional(tag::explicit_context(0), out.content)) {
     Tlv wrapper;
     drop_content(out);
     if (!in.next(wrapper)) return;
     MessageReader inside(wrapper);
     out.kind = type.row;
     type.read(inside, out.content);
+    inside.end();
     if (!in.join(inside)) return;
   }
 }
@@ -79,9 +87,10 @@ void read_content(MessageReader &in, const ContentType &type, P7_CONTENT_INFO &o
 int decode(const Tlv &tlv, P7_CONTENT_INFO &out) noexcept {
   MessageReader in(tlv);
   if (!in.oid(out.contentType)) return in.result(F_SEQ_TO_P7_CONTENT_INFO);
-  const ContentType *type = content_type(index_from_OBJECT_IDENTIFIER(out.contentType));
-  if (!type) return fail(F_SEQ_TO_P7_CONTENT_INFO, kUnsupported);
-  read_content(in, *type, out);
+  const int kind = kind_of(out.contentType);
+  if (kind == PKCS7_OTHER && !in.rules().standard) return fail(F_SEQ_TO_P7_CONTENT_INFO, kUnsupported);
+  read_content(in, *content_type(kind), out);
+  in.end();
   return in.result(F_SEQ_TO_P7_CONTENT_INFO);
 }
 
@@ -90,7 +99,7 @@ int encode(const P7_CONTENT_INFO &info, DerWriter &out) noexcept {
   out.oid(info.contentType);
   if (!info.content) return 0;
   const ContentType *type = content_type(info.kind);
-  if (!type || index_from_OBJECT_IDENTIFIER(info.contentType) != info.kind) {
+  if (!type || kind_of(info.contentType) != info.kind) {
     return fail(F_P7_CONTENT_INFO_TO_SEQ, ERR_ASN1_ENCODING);
   }
   const auto wrapper = out.explicit_context(0);
@@ -141,4 +150,24 @@ int Seq_to_P7_CONTENT_INFO(ASN1_UNIT *in, P7_CONTENT_INFO **out) noexcept {
   return from_seq(F_SEQ_TO_P7_CONTENT_INFO, in, out, decode);
 }
 
+int P7_CONTENT_INFO_to_Seq_RFC5280(const P7_CONTENT_INFO *in, ASN1_UNIT **out) noexcept {
+  return to_seq(F_P7_CONTENT_INFO_TO_SEQ, in, out, encode, kStandardRules);
+}
+int Seq_to_P7_CONTENT_INFO_RFC5280(ASN1_UNIT *in, P7_CONTENT_INFO **out) noexcept {
+  return from_seq(F_SEQ_TO_P7_CONTENT_INFO, in, out, decode, kStandardRules);
+}
+
 VELPKI_IO(P7_CONTENT_INFO, kCodec)
+
+int readBER_P7_CONTENT_INFO_from_Binary(P7_CONTENT_INFO **out, const unsigned char *data, int length) noexcept {
+  return read_ber(kCodec, out, octets_of(data, length));
+}
+int readBER_P7_CONTENT_INFO_from_File(P7_CONTENT_INFO **out, const char *path) noexcept {
+  return read_ber(kCodec, out, read_file(path).octets());
+}
+int writeDER_P7_CONTENT_INFO_to_Binary_RFC5280(const P7_CONTENT_INFO *in, unsigned char **out) noexcept {
+  return write_der(kCodec, in, out, kStandardRules);
+}
+int writePEM_P7_CONTENT_INFO_to_Binary_RFC5280(const P7_CONTENT_INFO *in, char **out) noexcept {
+  return write_pem(kCodec, in, out, kStandardRules);
+}

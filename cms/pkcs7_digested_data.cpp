@@ -16,7 +16,10 @@ inline constexpr auto owned_fields<P7_DIGEST_INFO> = std::tuple(own(&P7_DIGEST_I
 //   digest OCTET STRING }
 int decode(const Tlv &tlv, P7_DIGESTED_DATA &out) noexcept {
   MessageReader in(tlv);
-  if (in.integer(out.version) && in.record(out.digestAlgorithm) && in.record(out.contentInfo)) in.octets(out.digest);
+  if (in.integer(out.version) && in.record(out.digestAlgorithm) && in.record(out.contentInfo) &&
+      in.octets(out.digest)) {
+    in.end();
+  }
   return in.result(F_SEQ_TO_P7_DIGESTED_DATA);
 }
 
@@ -33,7 +36,7 @@ int encode(const P7_DIGESTED_DATA &data, DerWriter &out) noexcept {
 // DigestInfo ::= SEQUENCE { digestAlgorithm AlgorithmIdentifier, digest OCTET STRING }
 int decode(const Tlv &tlv, P7_DIGEST_INFO &out) noexcept {
   MessageReader in(tlv);
-  if (in.record(out.digestAlgorithm)) in.octets(out.digest);
+  if (in.record(out.digestAlgorithm) && in.octets(out.digest)) in.end();
   return in.result(F_SEQ_TO_P7_DIGEST_INFO);
 }
 

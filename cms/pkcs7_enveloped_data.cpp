@@ -46,8 +46,9 @@ int encode(const P7_ENCRYPTED_CONTENT_INFO &info, DerWriter &out) noexcept {
 // EnvelopedData ::= SEQUENCE { version INTEGER, recipientInfos RecipientInfos, encryptedContentInfo }
 int decode(const Tlv &tlv, P7_ENVELOPED_DATA &out) noexcept {
   MessageReader in(tlv);
-  if (in.integer(out.version) && in.list(tag::kSet, out.recipientInfos, decode_recipient_infos)) {
-    in.record(out.encryptedContentInfo);
+  if (in.integer(out.version) && in.list(tag::kSet, out.recipientInfos, decode_recipient_infos) &&
+      in.record(out.encryptedContentInfo)) {
+    in.end();
   }
   return in.result(F_SEQ_TO_P7_ENVELOPED_DATA);
 }
@@ -63,7 +64,7 @@ int encode(const P7_ENVELOPED_DATA &data, DerWriter &out) noexcept {
 // EncryptedData ::= SEQUENCE { version INTEGER, encryptedContentInfo }
 int decode(const Tlv &tlv, P7_ENCRYPTED_DATA &out) noexcept {
   MessageReader in(tlv);
-  if (in.integer(out.version)) in.record(out.encryptedContentInfo);
+  if (in.integer(out.version) && in.record(out.encryptedContentInfo)) in.end();
   return in.result(F_SEQ_TO_P7_ENCRYPTED_DATA);
 }
 

@@ -17,8 +17,8 @@ int decode(const Tlv &tlv, P7_RECIPIENT_INFO &out) noexcept {
   MessageReader in(tlv);
   if (tag::is_context_or_private(tlv.identifier)) in.stop(Read::malformed);
   if (in.reason() == Read::ok && in.integer(out.version) && in.record(out.issuerAndSerialNumber) &&
-      in.record(out.keyEncryptionAlgorithm)) {
-    in.octets(out.encryptedKey);
+      in.record(out.keyEncryptionAlgorithm) && in.octets(out.encryptedKey)) {
+    in.end();
   }
   return in.result(F_SEQ_TO_P7_RECIPIENT_INFO);
 }

@@ -1,4 +1,5 @@
 // The records that hold signers.
+#include "cms/internal/certificate_sets.h"
 #include "cms/internal/pkcs7.h"
 
 namespace velpki {
@@ -7,7 +8,8 @@ template <>
 inline constexpr auto owned_fields<P7_SIGNED_DATA> =
     std::tuple(own(&P7_SIGNED_DATA::version), made_list_of<X509_ALGO_IDENTIFIER>(&P7_SIGNED_DATA::digestAlgorithms),
                own(&P7_SIGNED_DATA::contentInfo), list_of<X509_CERT>(&P7_SIGNED_DATA::certificates),
-               list_of<X509_CRL>(&P7_SIGNED_DATA::crls), made_list_of<P7_SIGNER_INFO>(&P7_SIGNED_DATA::signerInfos));
+               list_of<X509_CRL>(&P7_SIGNED_DATA::crls), made_list_of<P7_SIGNER_INFO>(&P7_SIGNED_DATA::signerInfos),
+               list_of<ASN1_UNIT>(&P7_SIGNED_DATA::otherCertificates), list_of<ASN1_UNIT>(&P7_SIGNED_DATA::otherCrls));
 template <>
 inline constexpr auto owned_fields<P7_SIGNED_AND_ENVELOPED_DATA> =
     std::tuple(own(&P7_SIGNED_AND_ENVELOPED_DATA::version),
@@ -16,24 +18,21 @@ inline constexpr auto owned_fields<P7_SIGNED_AND_ENVELOPED_DATA> =
                own(&P7_SIGNED_AND_ENVELOPED_DATA::encryptedContentInfo),
                list_of<X509_CERT>(&P7_SIGNED_AND_ENVELOPED_DATA::certificates),
                list_of<X509_CRL>(&P7_SIGNED_AND_ENVELOPED_DATA::crls),
-               made_list_of<P7_SIGNER_INFO>(&P7_SIGNED_AND_ENVELOPED_DATA::signerInfos));
+               made_list_of<P7_SIGNER_INFO>(&P7_SIGNED_AND_ENVELOPED_DATA::signerInfos),
+               list_of<ASN1_UNIT>(&P7_SIGNED_AND_ENVELOPED_DATA::otherCertificates),
+               list_of<ASN1_UNIT>(&P7_SIGNED_AND_ENVELOPED_DATA::otherCrls));
 
 namespace {
 
 // certificates [0] IMPLICIT SET OF Certificate OPTIONAL, crls [1] IMPLICIT SET OF CertificateList OPTIONAL, signerInfos
 template <class R>
 bool read_signers(MessageReader &in, R &out) noexcept {
-  return in.optional_list<X509_CERT>(tag::explicit_context(0), out.certificates, decode_certificates) &&
-         in.optional_list<X509_CRL>(tag::explicit_context(1), out.crls, decode_crls) &&
-         in.list(tag::kSet, out.signerInfos, decode_signer_infos);
+  return read_sets(in, out) && in.list(tag::kSet, out.signerInfos, decode_signer_infos) && in.end();
 }
 template <class R>
 int write_signers(const R &data, DerWriter &out) noexcept {
-  if (const int code = encode_certificates(data.certificates, tag::explicit_context(0), out)) return code;
-  if (data.crls && data.crls->count) {
-    if (const int code = encode_crls(*data.crls, out, tag::explicit_context(1))) return code;
-  }
-  return encode_signer_infos(*data.signerInfos, out);
+  const int code = write_sets(data, out);
+  return code ? code : encode_signer_infos(*data.signerInfos, out);
 }
 
 }  // namespace

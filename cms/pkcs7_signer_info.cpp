@@ -27,7 +27,7 @@ P7_SIGNER_STATE *new_signer_state(Octets received) noexcept {
 // IssuerAndSerialNumber ::= SEQUENCE { issuer Name, serialNumber INTEGER }
 int decode(const Tlv &tlv, P7_ISSUER_AND_SERIAL_NUMBER &out) noexcept {
   MessageReader in(tlv);
-  if (in.name(out.issuer)) in.integer(out.serialNumber);
+  if (in.name(out.issuer) && in.integer(out.serialNumber)) in.end();
   return in.result(F_SEQ_TO_P7_IS_AND_SN);
 }
 
@@ -47,7 +47,8 @@ int decode(const Tlv &tlv, P7_SIGNER_INFO &out) noexcept {
   if (in.integer(out.version) && in.record(out.issuerAndSerialNumber) && in.record(out.digestAlgorithm) &&
       in.optional_list<X509_ATTRIBUTE>(tag::explicit_context(0), out.authenticatedAttributes, decode_attributes) &&
       in.record(out.digestEncryptionAlgorithm) && in.octets(out.encryptedDigest) &&
-      in.optional_list<X509_ATTRIBUTE>(tag::explicit_context(1), out.unauthenticatedAttributes, decode_attributes)) {
+      in.optional_list<X509_ATTRIBUTE>(tag::explicit_context(1), out.unauthenticatedAttributes, decode_attributes) &&
+      in.end()) {
     in.made(out.state = new_signer_state(tlv.content));
   }
   return in.result(F_SEQ_TO_P7_SIGNER_INFO);
@@ -68,6 +69,9 @@ int encode_algorithms_and_digest(const P7_SIGNER_INFO &signer, DerWriter &out) n
 }  // namespace
 
 int encode(const P7_SIGNER_INFO &signer, DerWriter &out) noexcept {
+  if (const Octets received = received_of(signer); out.rules().standard && !received.empty()) {
+    return out.primitive(tag::kSequence, received), 0;
+  }
   if (!signer.issuerAndSerialNumber || !signer.digestAlgorithm || !signer.digestEncryptionAlgorithm) {
     return fail(F_P7_SIGNER_INFO_TO_SEQ, ERR_ASN1_ENCODING);
   }

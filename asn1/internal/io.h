@@ -52,6 +52,18 @@ int read_der(const Codec<R> &codec, R **out, Octets octets, Rules rules = {}) no
   if (!out) return fail(codec.from_function, kNullArgument);
   return from_tlv(codec.from_function, tlv, out, codec.decode);
 }
+// A record as others send it, in standard form: DER, any BER, or PEM, told apart by the first octet.
+template <class R>
+int read_ber(const Codec<R> &codec, R **out, Octets octets) noexcept {
+  const Block text = !octets.empty() && octets[0] != tag::kSequence ? decode_pem(octets) : Block();
+  if (text.data) octets = text.octets();
+  if (octets.empty()) return kBadInput;
+  if (is_der(octets)) return read_der(codec, out, octets, kStandardRules);
+  unsigned char *definite = nullptr;
+  const int length = normalize_BER(octets.data(), int(octets.size()), &definite);
+  const owned<uint8_t> owner(definite);
+  return length < 0 ? kNotOneUnit : read_der(codec, out, octets_of(definite, length), kStandardRules);
+}
 template <class R>
 int write_der(const Codec<R> &codec, const R *record, DerWriter &writer) noexcept {
   if (!record) return fail(codec.to_function, kNullArgument);

@@ -3,6 +3,7 @@
 
 #include <velpki/cms.h>
 
+#include "cms/internal/certificate_sets.h"
 #include "cms/internal/pkcs7.h"
 #include "x509/internal/crl.h"
 #include "x509/internal/issuer_and_serial_number.h"
@@ -77,27 +78,6 @@ int write_issuer_and_serial(const ISSUER_AND_SERIAL_NUMBER *record, DerWriter &o
 bool read_identifier(MessageReader &in, SIGNER_IDENTIFIER *&out) noexcept;
 int write_identifier(const SIGNER_IDENTIFIER *identifier, int function, DerWriter &out) noexcept;
 
-// Certificates [0] IMPLICIT and CRLs [1] IMPLICIT, both OPTIONAL, of a record with those four members.
-// In standard form what is no certificate or CRL that can be read is kept as a unit.
-template <class E>
-bool read_choices(MessageReader &in, uint8_t identifier, STACK *&list, STACK *&others) noexcept;
-template <class E>
-int write_choices(uint8_t identifier, const STACK *list, const STACK *others, int function, DerWriter &out) noexcept;
-template <class R>
-bool read_sets(MessageReader &in, R &out) noexcept {
-  return read_choices<X509_CERT>(in, tag::explicit_context(0), out.certificates, out.otherCertificates) &&
-         read_choices<X509_CRL>(in, tag::explicit_context(1), out.crls, out.otherCrls);
-}
-template <class R>
-int write_sets(const R &record, DerWriter &out) noexcept {
-  const int code = write_choices<X509_CERT>(tag::explicit_context(0), record.certificates, record.otherCertificates,
-                                            F_X509_CERT_TO_SEQ, out);
-  return code ? code
-              : write_choices<X509_CRL>(tag::explicit_context(1), record.crls, record.otherCrls, F_X509_CRLS_TO_SEQ,
-                                        out);
-}
-
-inline bool has_elements(const STACK *list) noexcept { return list && list->count > 0; }
 inline bool has_anything(const CMS_ORIGINATOR_INFO *info) noexcept {
   return info && (has_elements(info->certificates) || has_elements(info->crls) ||
                   has_elements(info->otherCertificates) || has_elements(info->otherCrls));

@@ -1,7 +1,6 @@
 // What the codecs of PKCS#7 and CMS messages are written with.
 #pragma once
 
-#include "x509/internal/crl.h"
 #include "x509/internal/x509.h"
 
 namespace velpki {
@@ -84,10 +83,8 @@ int compare_issuer_and_serial(const X509_CERT *cert, const X509_NAME *issuer, co
 // The first certificate of the list that has them; null when there is none.
 X509_CERT *find_certificate(const STACK *certificates, const X509_NAME *issuer, const BIGINT *serial) noexcept;
 
-// SET OF AlgorithmIdentifier, and the [n] IMPLICIT sets of certificates and CRLs, which are absent when empty.
+// SET OF AlgorithmIdentifier.
 int decode_algorithms(const Tlv &tlv, STACK &list) noexcept;
 int encode_algorithms(const STACK &list, DerWriter &out) noexcept;
-int decode_certificates(const Tlv &tlv, STACK &list) noexcept;
-int encode_certificates(const STACK *list, uint8_t identifier, DerWriter &out) noexcept;
 
 }  // namespace velpki

@@ -26,12 +26,13 @@ enum {
   PKCS7_SIGNED_AND_ENVELOPED_DATA = 24,
   PKCS7_DIGESTED_DATA = 25,
   PKCS7_ENCRYPTED_DATA = 26,
-  PKCS7_TRUST_LIST = 837
+  PKCS7_TRUST_LIST = 837,
+  PKCS7_OTHER = -1 /* of any other type; standard form only */
 };
 
 typedef struct {
   OBJECT_IDENTIFIER *contentType;
-  void *content; /* OCTET_STRING for data, the P7_ record of the type, an ASN1_UNIT for a trust list; null: absent */
+  void *content; /* OCTET_STRING for data, the P7_ record of the type, else an ASN1_UNIT; null: absent */
   int kind;      /* the type that `content` is of; 0 when it is null */
 } P7_CONTENT_INFO;
 
@@ -82,6 +83,8 @@ typedef struct {
   X509_CRLS *crls;                 /* null when absent */
   P7_SIGNER_INFOS *signerInfos;
   int detached;
+  STACK *otherCertificates; /* of ASN1_UNIT: what stands among the certificates and is none that can be read; */
+  STACK *otherCrls;         /* the same of CRLs; standard form only */
 } P7_SIGNED_DATA;
 
 typedef struct {
@@ -99,6 +102,8 @@ typedef struct {
   X509_CERTIFICATES *certificates; /* null when absent */
   X509_CRLS *crls;                 /* null when absent */
   P7_SIGNER_INFOS *signerInfos;
+  STACK *otherCertificates; /* as in P7_SIGNED_DATA */
+  STACK *otherCrls;
 } P7_SIGNED_AND_ENVELOPED_DATA;
 
 typedef struct {
@@ -384,6 +389,15 @@ VELPKI_API int verify_decrypt_PKCS7(P7_CONTENT_INFO *p7, X509_CERT *cert, const 
  * parameters. 1 for another type and an unknown digest. */
 VELPKI_API int digest_PKCS7(P7_CONTENT_INFO *p7, int digest_id, const unsigned char *data, int length) VELPKI_NOEXCEPT;
 
+/* The standard form reads what the standards allow: certificates with keys of any kind, CRLs of every version, content
+ * of any type; what it cannot read of certificates and CRLs it keeps as octets. It takes exact identifiers, no element
+ * twice and none left over, and it writes back signers, certificates and CRLs as they were received.
+ * @warning Seq_to_P7_CONTENT_INFO refuses a whole message for one certificate whose key is not RSA, KCDSA or P-256, or
+ * one CRL without a version; P7_CONTENT_INFO_to_Seq encodes anew, and what the house form does not keep (attributes
+ * that are no strings it knows, a second value in a relative name) is lost or fails. */
+VELPKI_API int P7_CONTENT_INFO_to_Seq_RFC5280(const P7_CONTENT_INFO *in, ASN1_UNIT **out) VELPKI_NOEXCEPT;
+VELPKI_API int Seq_to_P7_CONTENT_INFO_RFC5280(ASN1_UNIT *in, P7_CONTENT_INFO **out) VELPKI_NOEXCEPT;
+
 /* Readers and writers. The label is "PKCS7". See asn1_io.h for results. */
 
 VELPKI_API int writeDER_P7_CONTENT_INFO_to_Binary(P7_CONTENT_INFO *in, unsigned char **out) VELPKI_NOEXCEPT;
@@ -395,6 +409,15 @@ VELPKI_API int readDER_P7_CONTENT_INFO_from_Binary(P7_CONTENT_INFO **out, const 
 VELPKI_API int readDER_P7_CONTENT_INFO_from_File(P7_CONTENT_INFO **out, const char *path) VELPKI_NOEXCEPT;
 VELPKI_API int readPEM_P7_CONTENT_INFO_from_Binary(P7_CONTENT_INFO **out, const char *text, int length) VELPKI_NOEXCEPT;
 VELPKI_API int readPEM_P7_CONTENT_INFO_from_File(P7_CONTENT_INFO **out, const char *path) VELPKI_NOEXCEPT;
+/* readBER_ takes a message as others send it: DER, BER with indefinite lengths and segments as streams write it, or
+ * PEM, told apart by the first octet, and reads it in standard form. 0x4E00004F for octets that are not exactly one
+ * value. */
+VELPKI_API int readBER_P7_CONTENT_INFO_from_Binary(P7_CONTENT_INFO **out, const unsigned char *data,
+                                                   int length) VELPKI_NOEXCEPT;
+VELPKI_API int readBER_P7_CONTENT_INFO_from_File(P7_CONTENT_INFO **out, const char *path) VELPKI_NOEXCEPT;
+VELPKI_API int writeDER_P7_CONTENT_INFO_to_Binary_RFC5280(const P7_CONTENT_INFO *in,
+                                                          unsigned char **out) VELPKI_NOEXCEPT;
+VELPKI_API int writePEM_P7_CONTENT_INFO_to_Binary_RFC5280(const P7_CONTENT_INFO *in, char **out) VELPKI_NOEXCEPT;
 
 VELPKI_END
 
