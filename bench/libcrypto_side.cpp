@@ -8,6 +8,7 @@
 #include <openssl/pem.h>
 #include <openssl/rsa.h>
 #include <openssl/x509.h>
+#include <openssl/x509v3.h>
 
 #include <cstdlib>
 
@@ -30,6 +31,24 @@ void decode_and_encode_certificate(const Bytes &der) {
   if (i2d_X509(cert, &out) < 1) std::abort();
   OPENSSL_free(out);
   X509_free(cert);
+}
+
+int decode_certificate_with_extensions(const Bytes &der) {
+  X509 *cert = decoded(der);
+  int read = 0;
+  for (int i = 0; i < X509_get_ext_count(cert); ++i) {
+    X509_EXTENSION *each = X509_get_ext(cert, i);
+    void *value = X509V3_EXT_d2i(each);
+    if (!value) continue;
+    ++read;
+    const X509V3_EXT_METHOD *method = X509V3_EXT_get(each);
+    if (method->it)
+      ASN1_item_free(static_cast<ASN1_VALUE *>(value), ASN1_ITEM_ptr(method->it));
+    else
+      method->ext_free(value);
+  }
+  X509_free(cert);
+  return read;
 }
 
 Names::Names(const Bytes &der) {
