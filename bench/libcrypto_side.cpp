@@ -133,4 +133,25 @@ bool Verifier::verify_sha256(const uint8_t *tbs, size_t tbs_length, const uint8_
   return EVP_PKEY_verify(static_cast<EVP_PKEY_CTX *>(context), signature, signature_length, hash, sizeof hash) == 1;
 }
 
+RevocationList::RevocationList(const Bytes &der) {
+  const unsigned char *at = der.data();
+  list = d2i_X509_CRL(nullptr, &at, long(der.size()));
+  if (!list) std::abort();
+}
+RevocationList::~RevocationList() { X509_CRL_free(static_cast<X509_CRL *>(list)); }
+bool RevocationList::holds(const uint8_t *serial, size_t length) const {
+  ASN1_INTEGER *number = ASN1_INTEGER_new();
+  ASN1_STRING_set(number, serial, int(length));
+  X509_REVOKED *found = nullptr;
+  const int held = X509_CRL_get0_by_serial(static_cast<X509_CRL *>(list), &found, number);
+  ASN1_INTEGER_free(number);
+  return held == 1;
+}
+size_t RevocationList::encode() const {
+  unsigned char *out = nullptr;
+  const int length = i2d_re_X509_CRL_tbs(static_cast<X509_CRL *>(list), &out);
+  OPENSSL_free(out);
+  return size_t(length);
+}
+
 }  // namespace peer

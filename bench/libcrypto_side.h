@@ -34,4 +34,13 @@ struct Verifier {
   void *key, *context, *digest;
 };
 
+// A revocation list: decoded and kept, searched, encoded anew.
+struct RevocationList {
+  explicit RevocationList(const Bytes &der);
+  ~RevocationList();
+  bool holds(const uint8_t *serial, size_t length) const;
+  size_t encode() const;  // the whole list, from its entries
+  void *list;
+};
+
 }  // namespace peer

@@ -1,9 +1,22 @@
 // X509_REVOKED: entries of a revocation list, and the blocks that they stand in.
-#include "x509/internal/crl.h"
+#include <velpki/asn1_error.h>
 
 #include <climits>
 
+#include "x509/internal/crl.h"
+
 namespace velpki {
+
+namespace {
+
+// Most entries have one of few extension lists, a reason code. Those with the same octets share one.
+constexpr size_t kSharedLists = 16;
+struct SharedList {
+  Octets encoded;  // in the group's octets
+  STACK *list;     // null when the slot is free
+};
+
+}  // namespace
 
 // The head of a block of entries. It is released with the last of them.
 struct RevokedGroup {
@@ -11,13 +24,14 @@ struct RevokedGroup {
   int room;               // slots
   X509_CRL_KEPT *kept;    // of the CRL that the entries belong to, or null
   X509_RECEIVED *octets;  // what placed serial numbers point into, or null
+  SharedList shared[kSharedLists];
 };
 
 namespace {
 
 constexpr size_t kShortDate = 15;  // GeneralizedTime with seconds, in UTC
 
-// What stands at a slot. The serial number's record follows; its size is the provider's.
+// What stands at a slot, behind the serial number's record, whose size is the provider's: a search reads both together.
 struct Entry {
   X509_REVOKED record;
   X509_TIME date;
@@ -25,25 +39,29 @@ struct Entry {
   uint8_t date_octets[kShortDate + 1];
 };
 
-size_t stride() noexcept {
-  constexpr size_t kAlignment = alignof(Entry);
-  return (sizeof(Entry) + PKV_Get_BIGINT_Size() + kAlignment - 1) / kAlignment * kAlignment;
-}
+size_t number_size() noexcept { return (PKV_Get_BIGINT_Size() + alignof(Entry) - 1) / alignof(Entry) * alignof(Entry); }
+size_t stride() noexcept { return number_size() + sizeof(Entry); }
 
 void *slot_of(RevokedGroup &group, int slot) noexcept {
-  return reinterpret_cast<uint8_t *>(&group + 1) + size_t(slot) * stride();
+  return reinterpret_cast<uint8_t *>(&group + 1) + size_t(slot) * stride() + number_size();
 }
 // Every X509_REVOKED was made at a slot and is the first member of what stands there.
 Entry &entry_of(X509_REVOKED &record) noexcept { return *reinterpret_cast<Entry *>(&record); }
+void *number_place(Entry &entry) noexcept { return reinterpret_cast<uint8_t *>(&entry) - number_size(); }
 RevokedGroup &group_of(const X509_REVOKED &record) noexcept {
-  auto *first = reinterpret_cast<uint8_t *>(const_cast<X509_REVOKED *>(&record)) - size_t(record.place) * stride();
+  Entry &entry = entry_of(const_cast<X509_REVOKED &>(record));
+  auto *first = static_cast<uint8_t *>(number_place(entry)) - size_t(record.place / 2) * stride();
   return *(reinterpret_cast<RevokedGroup *>(first) - 1);
 }
-void *number_place(Entry &entry) noexcept { return &entry + 1; }
+
+// `place` is the slot's number, doubled, and whether the extensions are the group's.
+bool shares_extensions(const X509_REVOKED &record) noexcept { return record.place & 1; }
 
 void release_hold(RevokedGroup &group) noexcept {
   if (__atomic_sub_fetch(&group.living, 1, __ATOMIC_ACQ_REL) > 0) return;
   let_go(group.kept);
+  for (const SharedList &each : group.shared)
+    if (each.list) free_X509_EXTENSIONS(each.list);
   if (group.octets) Flat<X509_RECEIVED>::release(group.octets);
   release(&group);
 }
@@ -66,11 +84,16 @@ void drop_date(Entry &entry) noexcept {
   entry.record.revocationDate = nullptr;
 }
 
+void set_extensions(X509_REVOKED &record, STACK *list, bool shared) noexcept {
+  if (record.crlEntryExtensions && !shares_extensions(record)) free_X509_EXTENSIONS(record.crlEntryExtensions);
+  record.crlEntryExtensions = list;
+  record.place = (record.place & ~1) | (shared ? 1 : 0);
+}
+
 void drop_members(Entry &entry) noexcept {
   drop_serial(entry);
   drop_date(entry);
-  if (entry.record.crlEntryExtensions) free_X509_EXTENSIONS(entry.record.crlEntryExtensions);
-  entry.record.crlEntryExtensions = nullptr;
+  set_extensions(entry.record, nullptr, false);
 }
 
 // An entry is about to change: what its CRL keeps no longer describes it.
@@ -90,7 +113,7 @@ int compare_entries(const void *a, const void *b) noexcept {
 RevokedGroup *open_group(int count, const X509_RECEIVED *octets, X509_CRL_KEPT *kept) noexcept {
   if (size_t(count) > (size_t(PTRDIFF_MAX) - sizeof(RevokedGroup)) / stride()) return nullptr;
   auto *group = static_cast<RevokedGroup *>(allocate(sizeof(RevokedGroup) + size_t(count) * stride()));
-  if (group) *group = {1, count, hold(kept), octets ? Flat<X509_RECEIVED>::copy(octets) : nullptr};
+  if (group) *group = {1, count, hold(kept), octets ? Flat<X509_RECEIVED>::copy(octets) : nullptr, {}};
   return group;
 }
 
@@ -102,7 +125,7 @@ X509_REVOKED *take_entry(RevokedGroup &group, int slot) noexcept {
   if (slot >= group.room) return nullptr;
   Entry *entry = static_cast<Entry *>(slot_of(group, slot));
   *entry = {};
-  entry->record.place = slot;
+  entry->record.place = slot * 2;
   ++group.living;
   return &entry->record;
 }
@@ -132,6 +155,21 @@ Read place_date(X509_REVOKED &record, int type, Octets text) noexcept {
   }
   record.revocationDate = &entry.date;
   return Read::ok;
+}
+
+int place_extensions(X509_REVOKED &entry, const Tlv &encoded) noexcept {
+  const Octets whole = encoded.whole;
+  SharedList &slot = group_of(entry).shared[(whole.size() + whole.back()) % kSharedLists];
+  const bool same = slot.list && whole.size() == slot.encoded.size() &&
+                    std::memcmp(whole.data(), slot.encoded.data(), whole.size()) == 0;
+  if (same) return set_extensions(entry, slot.list, true), 0;
+  STACK *list = new_STACK();
+  if (!list) return fail(F_SEQ_TO_X509_REVOKED, kNoMemory);
+  if (const int code = decode_extensions(encoded, *list)) return free_X509_EXTENSIONS(list), code;
+  const bool shared = !slot.list;
+  if (shared) slot = {whole, list};
+  set_extensions(entry, list, shared);
+  return 0;
 }
 
 // Concurrent first look-ups link the same entry to the same CRL.
@@ -177,7 +215,7 @@ X509_REVOKED *dup_X509_REVOKED(const X509_REVOKED *p) noexcept {
   if (!fresh) return nullptr;
   if (p->userCertificate && set_X509_REVOKED_userCert(fresh.get(), p->userCertificate)) return nullptr;
   if (p->revocationDate && set_X509_REVOKED_revocationDate(fresh.get(), p->revocationDate)) return nullptr;
-  fresh->crlEntryExtensions = dup_X509_EXTENSIONS(p->crlEntryExtensions);
+  set_extensions(*fresh, dup_X509_EXTENSIONS(p->crlEntryExtensions), false);
   if (p->crlEntryExtensions && !fresh->crlEntryExtensions) return nullptr;
   fresh->sequence = p->sequence;
   return fresh.release();
@@ -251,11 +289,29 @@ int get_X509_REVOKED_ext_index_by_OID_index(const X509_REVOKED *entry, int oid_i
 X509_EXTENSION *get_X509_REVOKED_ext(const X509_REVOKED *entry, int index) noexcept {
   return get_X509_EXTENSION(entry ? entry->crlEntryExtensions : nullptr, index);
 }
+
+namespace velpki {
+
+namespace {
+
+// The entry's extensions for a change: a shared list becomes one of its own.
+bool changing_extensions(X509_REVOKED *entry) noexcept {
+  if (!changing(entry)) return false;
+  if (!shares_extensions(*entry)) return true;
+  STACK *copy = dup_X509_EXTENSIONS(entry->crlEntryExtensions);
+  if (copy) set_extensions(*entry, copy, false);
+  return copy != nullptr;
+}
+
+}  // namespace
+
+}  // namespace velpki
+
 void remove_X509_REVOKED_ext(X509_REVOKED *entry, int index) noexcept {
-  if (changing(entry)) remove_X509_EXTENSION(entry->crlEntryExtensions, index);
+  if (changing_extensions(entry)) remove_X509_EXTENSION(entry->crlEntryExtensions, index);
 }
 int add_X509_REVOKED_ext(X509_REVOKED *entry, const X509_EXTENSION *extension, int position) noexcept {
-  return changing(entry) ? add_X509_EXTENSION(&entry->crlEntryExtensions, extension, position) : 1;
+  return changing_extensions(entry) ? add_X509_EXTENSION(&entry->crlEntryExtensions, extension, position) : 1;
 }
 
 namespace velpki {

@@ -24,8 +24,7 @@ bool read_date(Cursor &in, X509_REVOKED &out) noexcept {
 // A failure inside the extensions has a code of its own.
 int read_extensions(Cursor &in, X509_REVOKED &out) noexcept {
   Tlv list;
-  if (!in.next(list) || !in.made(out.crlEntryExtensions = new_STACK())) return 0;
-  return decode_extensions(list, *out.crlEntryExtensions);
+  return in.next(list) ? place_extensions(out, list) : 0;
 }
 
 // SEQUENCE { userCertificate INTEGER, revocationDate Time, crlEntryExtensions Extensions OPTIONAL }

@@ -51,9 +51,10 @@ RevokedGroup *open_group(int count, const X509_RECEIVED *octets, X509_CRL_KEPT *
 void close_group(RevokedGroup *group) noexcept;
 // The entry at `slot`, empty. Each slot is taken once, and its entry released by free_X509_REVOKED.
 X509_REVOKED *take_entry(RevokedGroup &group, int slot) noexcept;
-// Fill an empty entry of a group. The serial number's octets must lie in the group's `octets`.
+// Fill an empty entry of a group from views into the group's `octets`. Entries with equal extensions share the list.
 Read place_serial(X509_REVOKED &entry, const Tlv &number) noexcept;
 Read place_date(X509_REVOKED &entry, int type, Octets text) noexcept;
+int place_extensions(X509_REVOKED &entry, const Tlv &encoded) noexcept;
 // Makes an entry part of the list of the CRL that keeps `kept`. False when it is part of another's.
 bool link_entry(X509_REVOKED &entry, X509_CRL_KEPT *kept) noexcept;
 X509_CRL_KEPT *kept_of(const X509_REVOKED &entry) noexcept;
