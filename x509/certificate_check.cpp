@@ -12,15 +12,15 @@ owned<ASN1_TIME> time_of(const X509_TIME &time) noexcept {
   return nullptr;
 }
 
-namespace {
-
-constexpr auto validity_failure = [](int reason) { return fail(F_VERIFY_X509_VALIDITY, reason); };
-
 owned<ASN1_TIME> standard_time_of(const X509_TIME &time) noexcept {
   if (time.type == X509_TIME_UTC) return owned<ASN1_TIME>(utcTimeToASN1_TIME_RFC5280(time.time));
   if (time.type == X509_TIME_GENERALIZED) return owned<ASN1_TIME>(generalizedTimeToASN1_TIME_RFC5280(time.time));
   return nullptr;
 }
+
+namespace {
+
+constexpr auto validity_failure = [](int reason) { return fail(F_VERIFY_X509_VALIDITY, reason); };
 
 // The time to compare with: the given one, or now.
 int reference_time(const X509_TIME *time, owned<ASN1_TIME> &out) noexcept {

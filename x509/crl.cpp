@@ -45,6 +45,7 @@ X509_CRL_KEPT *Flat<X509_CRL_KEPT>::copy(const X509_CRL_KEPT *kept) noexcept {
   if (!fresh || !kept->received) return fresh;
   fresh->received = Flat<X509_RECEIVED>::copy(kept->received);
   fresh->received_count = kept->received_count;
+  fresh->standard = kept->standard;
   return fresh;
 }
 

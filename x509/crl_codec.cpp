@@ -11,29 +11,6 @@ namespace {
 constexpr int kMaxVersion = 0xFFFF;
 constexpr int kExtensions = 0;  // context tag of the body
 
-// Decoders of parts return a code of their own; the first failure of either kind is kept here.
-class Body {
- public:
-  Body(const Tlv &tlv, int function) noexcept : in(tlv), function_(function) {}
-  Cursor in;
-
-  bool take(int code) noexcept {
-    if (!code_) code_ = code;
-    return code == 0;
-  }
-  template <class F>
-  bool list(STACK *&out, F decode) noexcept {
-    Tlv child;
-    if (!in.next(TYPE_SEQUENCE, child) || !in.made(out = new_STACK())) return false;
-    return take(decode(child, *out));
-  }
-  [[nodiscard]] int result() const noexcept { return code_ ? code_ : in.result(function_); }
-
- private:
-  int function_;
-  int code_ = 0;
-};
-
 // The identifier itself decides: a context tag is no time.
 bool at_time(const Cursor &in) noexcept { return in.at(TYPE_UTC_TIME) || in.at(TYPE_GENERALIZED_TIME); }
 
@@ -48,26 +25,32 @@ int version_value(Octets content) noexcept {
 }
 
 // Whether there is an INTEGER, and its value. Standard form: an absent version is v1.
-bool read_version(Body &body, int &version) noexcept {
+bool read_version(Cursor &in, int &version) noexcept {
+  constexpr int kBadVersion = F_SEQ_TO_X509_CRLINFO | kBadValue;
   Tlv number;
-  if (body.in.at_end()) return body.in.stop(Read::malformed);
-  if (!body.in.at(TYPE_INTEGER)) {
-    return body.in.rules().standard || body.take(fail(F_SEQ_TO_X509_CRLINFO, kBadValue));
-  }
-  if (!body.in.next(number)) return false;
+  if (in.at_end()) return in.stop(Read::malformed);
+  if (!in.at(TYPE_INTEGER)) return in.rules().standard || in.pass(kBadVersion);
+  if (!in.next(number)) return false;
   version = version_value(number.content);
-  return (version >= 0 && version <= kMaxVersion) || body.take(fail(F_SEQ_TO_X509_CRLINFO, kBadValue));
+  return (version >= 0 && version <= kMaxVersion) || in.pass(kBadVersion);
+}
+
+// A list whose decoder's own code goes up.
+bool read_whole_list(Cursor &in, STACK *&out, int (*decode)(const Tlv &, STACK &) noexcept) noexcept {
+  Tlv child;
+  return in.next(TYPE_SEQUENCE, child) && in.made(out = new_STACK()) && in.pass(decode(child, *out));
 }
 
 // crlExtensions [0] EXPLICIT Extensions OPTIONAL
-bool read_extensions(Body &body, X509_CRL_INFO &out) noexcept {
+bool read_extensions(Cursor &in, X509_CRL_INFO &out) noexcept {
   Tlv wrapper;
-  if (!body.in.at(tag::explicit_context(kExtensions))) return true;
-  if (!body.in.next(wrapper)) return false;
-  Body inner(wrapper, F_SEQ_TO_X509_CRLINFO);
-  if (!inner.in.at_end() || inner.in.rules().standard) inner.list(out.extensions, decode_extensions);
-  if (inner.in.rules().standard && !inner.in.at_end()) inner.in.stop(Read::malformed);
-  return body.take(inner.result());
+  if (!in.at(tag::explicit_context(kExtensions))) return true;
+  if (!in.next(wrapper)) return false;
+  Cursor inner(wrapper);
+  const bool standard = in.rules().standard;
+  if (!inner.at_end() || standard) read_whole_list(inner, out.extensions, decode_extensions);
+  if (standard && !inner.at_end()) inner.stop(Read::malformed);
+  return in.pass(inner.result(F_SEQ_TO_X509_CRLINFO));
 }
 
 // What the list of entries is decoded with.
@@ -77,14 +60,13 @@ struct Holders {
 };
 
 // House form: after an empty list nothing more is looked at.
-bool read_tail(Body &body, const Holders &holders, X509_CRL_INFO &out) noexcept {
+bool read_tail(Cursor &in, const Holders &holders, X509_CRL_INFO &out) noexcept {
   Tlv list;
-  if (body.in.at(tag::kSequence)) {
-    if (!body.in.next(list) || !body.take(decode_revoked(list, holders.octets, holders.kept, out.revoked)))
-      return false;
-    if (out.revoked->count == 0 && !body.in.rules().standard) return true;
+  if (in.at(tag::kSequence)) {
+    if (!in.next(list) || !in.pass(decode_revoked(list, holders.octets, holders.kept, out.revoked))) return false;
+    if (out.revoked->count == 0 && !in.rules().standard) return true;
   }
-  return read_extensions(body, out);
+  return read_extensions(in, out);
 }
 
 // TBSCertList ::= SEQUENCE { version INTEGER OPTIONAL, signature AlgorithmIdentifier, issuer Name, thisUpdate Time,
@@ -92,14 +74,13 @@ bool read_tail(Body &body, const Holders &holders, X509_CRL_INFO &out) noexcept 
 //   crlExtensions [0] EXPLICIT Extensions OPTIONAL }
 // House form: version and nextUpdate must be there.
 int decode_info(const Tlv &tlv, const Holders &holders, X509_CRL_INFO &out) noexcept {
-  Body body(tlv, F_SEQ_TO_X509_CRLINFO);
-  Cursor &in = body.in;
+  Cursor in(tlv);
   const bool standard = in.rules().standard;
-  const bool read = read_version(body, out.version) && read_algorithm_oid(in, out.signature) &&
-                    body.list(out.issuer, decode_name) && read_date(in, out.thisUpdate) &&
-                    ((standard && !at_time(in)) || read_date(in, out.nextUpdate)) && read_tail(body, holders, out);
+  const bool read = read_version(in, out.version) && read_algorithm_oid(in, out.signature) &&
+                    read_whole_list(in, out.issuer, decode_name) && read_date(in, out.thisUpdate) &&
+                    ((standard && !at_time(in)) || read_date(in, out.nextUpdate)) && read_tail(in, holders, out);
   if (read && standard && !in.at_end()) in.stop(Read::malformed);
-  return body.result();
+  return in.result(F_SEQ_TO_X509_CRLINFO);
 }
 
 }  // namespace
@@ -123,6 +104,7 @@ int decode_kept(const Tlv &tlv, X509_CRL &out) noexcept {
   if (!in.made(out.tbs = blank<X509_CRL_INFO>())) return in.result(F_SEQ_TO_X509_CRL);
   if (const int code = decode_info(tbs, {received, out.kept}, *out.tbs)) return code;
   out.kept->received_count = get_STACK_count(out.tbs->revoked);
+  out.kept->standard = tlv.rules.standard;
   if (read_algorithm_oid(in, out.sig_alg) && in.string(TYPE_BIT_STRING, out.sig_value)) {
     if (in.rules().standard && !in.at_end()) in.stop(Read::malformed);
   }

@@ -4,6 +4,8 @@
 // its low bits and bits of its hash above them, so that the entries of other serial numbers are hardly ever looked at.
 // The hash is keyed with random octets for each index: who chooses serial numbers cannot choose where they fall, and an
 // equal serial number ends the search of its insertion. So probing stays short for every list.
+#include <velpki/asn1_error.h>
+
 #include <bit>
 
 #include "x509/internal/crl.h"
@@ -14,6 +16,7 @@ struct x509_crl_index {
   void *const *slots_of_list;
   const void *last;
   int count, sorted;
+  int fault;  // what entries_fault says
 
   uint64_t key[2];
   uint32_t mask;      // slots less one; a power of two less one
@@ -107,12 +110,28 @@ owned<Index> new_index(const STACK &list) noexcept {
   if (room > UINT32_MAX) return nullptr;
   owned<Index> index(static_cast<Index *>(allocate_zeroed(sizeof(Index) + room * sizeof(Slot))));
   if (!index) return nullptr;
-  *index = {&list,       list.data, list.data[list.count - 1], list.count,
-            list.sorted, {},        uint32_t(room - 1),        int(std::bit_width(unsigned(list.count)))};
+  index->list = &list;
+  index->slots_of_list = list.data;
+  index->last = list.data[list.count - 1];
+  index->count = list.count;
+  index->sorted = list.sorted;
+  index->mask = uint32_t(room - 1);
+  index->position_bits = int(std::bit_width(unsigned(list.count)));
   unsigned char random[sizeof index->key];
   if (PKV_Rand_Bytes(random, sizeof random)) return nullptr;
   std::memcpy(index->key, random, sizeof random);
   return index;
+}
+
+// An entry's extensions: certificateIssuer, and critical ones other than a reason code and an invalidity date.
+int fault_of(const STACK *extensions) noexcept {
+  for (const X509_EXTENSION *each : elements<X509_EXTENSION>(extensions)) {
+    if (!each || !each->object) continue;
+    const std::string_view oid = text(*each->object);
+    if (oid == "2.5.29.29") return ERR_CRL_INDIRECT;
+    if (each->critical && oid != "2.5.29.21" && oid != "2.5.29.24") return ERR_UNKNOWN_EXTENSION;
+  }
+  return 0;
 }
 
 // Every entry must belong to the CRL, so that a change of it drops the index.
@@ -120,6 +139,7 @@ bool fill(Index &index, const STACK &list, X509_CRL_KEPT *kept) noexcept {
   for (int i = 0; i < list.count; ++i) {
     auto *entry = static_cast<X509_REVOKED *>(list.data[i]);
     if (!entry || !entry->userCertificate) continue;
+    if (!index.fault) index.fault = fault_of(entry->crlEntryExtensions);
     if (!link_entry(*entry, kept)) return false;
     const Place place = probe(index, list, entry->userCertificate);
     if (place.position < 0) slots(index)[place.at] = place.tag | Slot(i + 1);
@@ -150,15 +170,31 @@ int walk(const STACK &list, const BIGINT *serial) noexcept {
   return -1;
 }
 
+// The index of a list that has any entries; null where it is to be walked.
+const Index *usable_index(const X509_CRL &crl, const STACK &list) noexcept {
+  const Index *index = crl.kept && list.count > kFewEntries ? index_of(*crl.kept, list) : nullptr;
+  return index && describes(*index, list) ? index : nullptr;
+}
+
 // The position of the first entry with the serial number, or -1.
 int position_of(const X509_CRL *crl, const BIGINT *serial) noexcept {
   const STACK *list = get_X509_CRL_revoked(crl);
   if (!list || !serial || list->count == 0) return -1;
-  const Index *index = crl->kept && list->count > kFewEntries ? index_of(*crl->kept, *list) : nullptr;
-  return index && describes(*index, *list) ? probe(*index, *list, serial).position : walk(*list, serial);
+  const Index *index = usable_index(*crl, *list);
+  return index ? probe(*index, *list, serial).position : walk(*list, serial);
 }
 
 }  // namespace
+
+int entries_fault(const X509_CRL &crl) noexcept {
+  const STACK *list = get_X509_CRL_revoked(&crl);
+  if (!list || list->count == 0) return 0;
+  if (const Index *index = usable_index(crl, *list)) return index->fault;
+  int fault = 0;
+  for (const X509_REVOKED *each : elements<X509_REVOKED>(list))
+    if (each && !fault) fault = fault_of(each->crlEntryExtensions);
+  return fault;
+}
 
 }  // namespace velpki
 

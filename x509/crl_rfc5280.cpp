@@ -34,6 +34,7 @@ int gen_SIG_X509_CRL_RFC5280(X509_CRL *crl, const ASYMMETRIC_KEY *key) noexcept 
   drop_content(crl->kept);
   crl->kept->received = made.received.release();
   crl->kept->received_count = get_STACK_count(info.revoked);
+  crl->kept->standard = true;
   return 0;
 }
 

@@ -183,12 +183,25 @@ VELPKI_API int verify_SIG_X509_CRL_RFC5280(const X509_CRL *crl, const X509_PUBKE
 /* verify_CRL_X509_CERT looks for the certificate's serial number: the index of the first entry that has it, -1 for null
  * and for a certificate without one.
  * @warning 0 means the entry at index 0 and also that there is none. Issuer, dates and signature of the CRL are not
- * looked at. find_X509_CRL_revoked is unambiguous. */
+ * looked at. find_X509_CRL_revoked and check_X509_CRL_revocation_strict are unambiguous. */
 VELPKI_API int verify_CRL_X509_CERT(X509_CRL *crl, X509_CERT *cert) VELPKI_NOEXCEPT;
 /* find_X509_CRL_revoked lends the first entry with a serial number, or null. The first call makes an index (a few
  * octets an entry), which later ones use; any number of threads may search one CRL at a time. Where memory does not
  * suffice for the index, or the list was changed by the functions of stack.h, the list is walked. */
 VELPKI_API X509_REVOKED *find_X509_CRL_revoked(const X509_CRL *crl, const BIGINT *serial) VELPKI_NOEXCEPT;
+
+/* check_X509_CRL_revocation_strict answers for one certificate by one CRL (RFC 5280 6.3.3): 0 when the CRL covers it
+ * and does not list it; 0x48000000 with ERR_CERT_REVOKED when it is revoked, with the entry lent in `*entry` (null in
+ * all other cases; `entry` itself may be null). `issuer` is the certificate of the CRL's and the certificate's issuer,
+ * which the caller trusts; `time` null is now. The CRL must have been read by an _RFC5280 function, or signed by one.
+ * All other codes say that the CRL gives no answer: the signature's (verify_SIG_X509_CRL_RFC5280); 0x48000000 with 49,
+ * 2B (a CRL that was not so read), 3C, ERR_INVALID_X509_TIME_TYPE, ERR_CRL_ISSUER, ERR_CRL_SIGN, ERR_CRL_THIS_UPDATE,
+ * ERR_CRL_NEXT_UPDATE (also where it has none), ERR_CRL_DELTA, ERR_CRL_INDIRECT, ERR_UNKNOWN_EXTENSION (critical, of
+ * the CRL or any entry), ERR_DUPLICATE_EXTENSION, ERR_CRL_SCOPE (its issuing distribution point is for others),
+ * ERR_CRL_REASONS (not listed, but it is for some reasons only); and the codes of extension values. An entry with the
+ * reason removeFromCRL is no revocation. */
+VELPKI_API int check_X509_CRL_revocation_strict(const X509_CRL *crl, const X509_CERT *cert, const X509_CERT *issuer,
+                                                const X509_TIME *time, X509_REVOKED **entry) VELPKI_NOEXCEPT;
 
 /* Readers and writers. Label: "X509 CRL". See asn1_io.h for results. */
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <velpki/x509_crl.h>
+#include <velpki/x509v3.h>
 
 #include "x509/internal/received.h"
 #include "x509/internal/x509.h"
@@ -15,10 +16,14 @@ struct x509_crl_kept {
   int shares;               // holders beside the CRL
   X509_RECEIVED *received;  // null when the CRL was built or changed
   int received_count;       // entries in them
+  bool standard;            // the members have all that they say
   x509_crl_index *index;    // null until the first look-up; set by one atomic exchange
 };
 
 namespace velpki {
+
+// The code of functions that have no number of their own.
+inline constexpr int kCrlModule = 0x48000000;
 
 VELPKI_FLAT(X509_REVOKED)
 VELPKI_FLAT(X509_CRL_INFO)
@@ -61,6 +66,13 @@ X509_CRL_KEPT *kept_of(const X509_REVOKED &entry) noexcept;
 
 // A list of entries, ordered by serial number when it is sorted.
 STACK *new_revoked_list() noexcept;
+
+// What speaks against using the list at all: 0, ERR_CRL_INDIRECT or ERR_UNKNOWN_EXTENSION of an entry.
+int entries_fault(const X509_CRL &crl) noexcept;
+
+// Whether a list covers a certificate, by its issuing distribution point: 0 or a code. `partial` tells that it does so
+// for some revocation reasons only.
+int check_scope(const ISSUING_DIST_POINT &scope, const X509_CRL &crl, const X509_CERT &cert, bool &partial) noexcept;
 
 // Codecs. The list's decoder takes a view into `octets`.
 int decode_revoked(const Tlv &tlv, const X509_RECEIVED &octets, X509_CRL_KEPT *kept, STACK *&out) noexcept;
