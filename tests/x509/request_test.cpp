@@ -1,29 +1,11 @@
 // Certification requests: those of others, ours to others, signatures, and certificates made from them.
 #include <algorithm>
 
-#include "keys.h"
+#include "requests.h"
 
 using namespace test;
 
 namespace {
-
-constexpr int kRequest = 0x46000000;
-using Request = Owned<PKCS10_X509_REQ>;
-
-Request read_request(const Bytes &der, bool standard, int *code = nullptr) {
-  PKCS10_X509_REQ *read = nullptr;
-  const auto reader = standard ? readDER_PKCS10_X509_REQ_from_Binary_RFC5280 : readDER_PKCS10_X509_REQ_from_Binary;
-  const int result = reader(&read, der.data(), int(der.size()));
-  if (code) *code = result;
-  return Request(read);
-}
-
-std::string written(const PKCS10_X509_REQ *req, bool standard) {
-  ASN1_UNIT *unit = nullptr;
-  const int code = standard ? PKCS10_X509_REQ_to_Seq_RFC5280(req, &unit) : PKCS10_X509_REQ_to_Seq(req, &unit);
-  const Unit owner(unit);
-  return code ? "-" : flat(unit);
-}
 
 // The OIDs of all attributes, sorted; the one that asks for extensions among them.
 std::vector<std::string> attribute_oids(const PKCS10_X509_REQ *req) {
@@ -35,16 +17,6 @@ std::vector<std::string> attribute_oids(const PKCS10_X509_REQ *req) {
   std::sort(oids.begin(), oids.end());
   return oids;
 }
-std::vector<std::string> split(const std::string &list, char separator) {
-  std::vector<std::string> parts;
-  for (size_t at = 0; at < list.size();) {
-    const size_t end = std::min(list.find(separator, at), list.size());
-    parts.push_back(list.substr(at, end - at));
-    at = end + 1;
-  }
-  return parts;
-}
-
 void compare(const Row &row, const PKCS10_X509_REQ *req) {
   const std::string &file = row.at("file");
   if (row.at("version").empty()) return;  // the manifest's own reader gave up
@@ -94,32 +66,6 @@ TEST(RequestVectors, AgreeWithTheirManifest) {
   std::printf("requests: openssl reads %d, standard form %d, house form %d; %d verified, %d of other algorithms\n",
               peer, standard, house, verified, other_algorithms);
   EXPECT_GT(verified, 40);
-}
-
-class Requests : public WithKeys {};
-
-Owned<X509_EXTENSION> extension(std::string_view oid, std::string_view value, bool critical = false) {
-  return Owned<X509_EXTENSION>(create_X509_EXTENSION_by_OID(nullptr, test::oid(oid).get(), critical,
-                                                            string(TYPE_OCTET_STRING, hex(value)).get()));
-}
-
-const char kSan[] = "30 0d 82 0b 6578616d706c652e636f6d";  // dNSName example.com
-
-// A request with an attribute and a requested extension, for a key; unsigned.
-Request unsigned_request(const ASYMMETRIC_KEY *key, std::string_view algorithm) {
-  Request req(new_PKCS10_X509_REQ());
-  const Name subject(new_X509_NAME());
-  add_X509_NAME_child_OID_index(subject.get(), 13, TYPE_UTF8_STRING,
-                                reinterpret_cast<const unsigned char *>("example.com"), -1, -1);
-  const Owned<X509_ATTRIBUTE> password(create_X509_ATTRIBUTE_OID(nullptr, test::oid("1.2.840.113549.1.9.7").get(),
-                                                                 TYPE_UTF8_STRING,
-                                                                 text_string(TYPE_UTF8_STRING, "secret").get()));
-  EXPECT_EQ(set_PKCS10_X509_REQ_subject(req.get(), subject.get()), 0);
-  EXPECT_EQ(set_PKCS10_X509_REQ_pub_key(req.get(), public_half(key).get()), 0);
-  EXPECT_EQ(add_PKCS10_X509_REQ_attribute(req.get(), password.get(), -1), 0);
-  EXPECT_EQ(add_PKCS10_X509_REQ_extension(req.get(), extension("2.5.29.17", kSan).get(), -1), 0);
-  EXPECT_EQ(set_PKCS10_X509_REQ_sig_alg(req.get(), test::oid(algorithm).get()), 0);
-  return req;
 }
 
 // openssl's view of a request: verification's verdict, and its text.
@@ -287,48 +233,6 @@ TEST(RequestCodec, SplitsExtensionsOff) {
   }
 }
 
-// "OID=value", with a "!" behind the OID of a critical one.
-Owned<X509_EXTENSION> parsed(const std::string &text) {
-  const size_t equals = text.find('=');
-  const bool critical = text[equals - 1] == '!';
-  return extension(text.substr(0, equals - critical), text.substr(equals + 1), critical);
-}
-
-Request signed_request(const Row &row, const ASYMMETRIC_KEY *key) {
-  Request req = unsigned_request(key, "1.2.840.10045.4.3.2");
-  const Name nobody(new_X509_NAME());
-  if (row.at("empty_subject") == "yes") set_PKCS10_X509_REQ_subject(req.get(), nobody.get());
-  set_PKCS10_X509_REQ_extensions(req.get(), nullptr);
-  for (const std::string &each : split(row.at("requested"), ' '))
-    add_PKCS10_X509_REQ_extension(req.get(), parsed(each).get(), -1);
-  EXPECT_EQ(gen_SIG_PKCS10_X509_REQ_RFC5280(req.get(), key), 0);
-  return req;
-}
-
-// What an issuer takes of what is requested, by what it allows and what is present in the certificate before.
-TEST_F(Requests, BecomeCertificatesWithinLimits) {
-  const Owned<ASYMMETRIC_KEY> key = new_ec("prime256v1");
-  for (const Row &row : table("request_extensions")) {
-    const std::string &why = row.at("why");
-    const Request req = signed_request(row, key.get());
-    const Certificate cert(new_X509_CERT());
-    OBJECT_IDENTIFIERS *allowed = new_OBJECT_IDENTIFIERS();
-    X509_EXTENSIONS *present = nullptr;
-    for (const std::string &each : split(row.at("allowed"), ' ')) push_STACK_value(allowed, test::oid(each).release());
-    for (const std::string &each : split(row.at("present"), ' ')) add_X509_EXTENSION(&present, parsed(each).get(), -1);
-    set_X509_extensions(cert.get(), present);
-    free_X509_EXTENSIONS(present);
-    const int reason = std::stoi(row.at("reason"), nullptr, 16);
-    EXPECT_EQ(set_X509_CERT_from_PKCS10_X509_REQ(cert.get(), req.get(), allowed), reason ? kRequest | reason : 0)
-        << why;
-    EXPECT_EQ(extension_list(get_X509_extensions(cert.get())), row.at("result")) << why;
-    EXPECT_EQ(get_X509_subject(cert.get()) != nullptr, reason == 0) << why;
-    EXPECT_EQ(cmp_X509_PUBKEY(get_X509_SPKI(cert.get()), get_PKCS10_X509_REQ_SPKI(req.get())), reason ? 1 : 0) << why;
-    EXPECT_EQ(get_X509_version(cert.get()), reason ? 0 : 2) << why;
-    free_OBJECT_IDENTIFIERS(allowed);
-  }
-}
-
 // A key for PSS verifies nothing else, and what its parameters allow.
 TEST_F(Requests, ObeyTheParametersOfPssKeys) {
   const std::string sha256 = "300d06096086480165030402010500", mgf1 = "301a06092a864886f70d010108" + sha256;
@@ -374,35 +278,6 @@ TEST_F(Requests, ObeyTheParametersOfPssKeys) {
       EXPECT_EQ(verify_SIG_PKCS10_X509_REQ_RFC5280(bare.get()), kRequest | ERR_ALGORITHM_MISMATCH) << c.why;
     }
   }
-}
-
-// Without a valid signature nothing is taken, also where memory ends on the way.
-TEST_F(Requests, AreVerifiedBeforeAnythingIsTaken) {
-  const Owned<ASYMMETRIC_KEY> key = rsa(), other = new_ec("prime256v1");
-  const Request req = unsigned_request(key.get(), "1.2.840.113549.1.1.11");
-  const Certificate cert(new_X509_CERT());
-  EXPECT_EQ(set_X509_CERT_from_PKCS10_X509_REQ(cert.get(), req.get(), nullptr), kRequest | 0x49);  // never signed
-  ASSERT_EQ(gen_SIG_PKCS10_X509_REQ_RFC5280(req.get(), key.get()), 0);
-  for (long n = 0, failed = 1; failed; ++n) {
-    const Certificate taken(new_X509_CERT());
-    fail_allocation(n);
-    failed = set_X509_CERT_from_PKCS10_X509_REQ(taken.get(), req.get(), nullptr);
-    fail_allocation(-1);
-    EXPECT_EQ(get_X509_subject(taken.get()) != nullptr, failed == 0) << n;
-    ASSERT_LT(n, 500);
-  }
-  const Request stolen = read_request(hex(written(req.get(), true)), true);
-  Bytes der = hex(written(req.get(), true));
-  der.back() ^= 1;
-  const Request forged = read_request(der, true);
-  EXPECT_EQ(set_X509_CERT_from_PKCS10_X509_REQ(cert.get(), forged.get(), nullptr), PKV_ERR_MISMATCH);
-  // A request with somebody else's key in it.
-  ASSERT_EQ(set_PKCS10_X509_REQ_pub_key(stolen.get(), public_half(other.get()).get()), 0);
-  EXPECT_EQ(set_X509_CERT_from_PKCS10_X509_REQ(cert.get(), stolen.get(), nullptr), kRequest | 0x48);
-  EXPECT_EQ(get_X509_subject(cert.get()), nullptr);
-  EXPECT_EQ(set_PKCS10_X509_REQ_version(stolen.get(), 1), kRequest | 0x2B);
-  EXPECT_EQ(set_X509_CERT_from_PKCS10_X509_REQ(nullptr, req.get(), nullptr), kRequest | 0x49);
-  EXPECT_EQ(verify_SIG_PKCS10_X509_REQ(nullptr), kRequest | 0x49);
 }
 
 }  // namespace

@@ -16,6 +16,13 @@ int encode(const RSAES_OAEP_PARAM &param, DerWriter &out) noexcept;
 int decode(const Tlv &tlv, RSASSA_PSS_PARAM &out) noexcept;
 int encode(const RSASSA_PSS_PARAM &param, DerWriter &out) noexcept;
 
+// What the members mean, null being the default: 0, or `function` with 48 (an algorithm that is not known),
+// ERR_ASN1_DECODING or 3C.
+inline constexpr int kDefaultDigest = PKV_DIGEST_SHA1, kDefaultSalt = 20;
+int read_hash(const X509_ALGO_IDENTIFIER *identifier, int function, int &digest_id) noexcept;
+int read_mask_gen(const X509_ALGO_IDENTIFIER *identifier, int function, int &digest_id) noexcept;
+int read_label(const X509_ALGO_IDENTIFIER *identifier, int function, Octets &label) noexcept;
+
 // What RSASSA-PSS-params say, in the provider's terms.
 struct PssValues {
   int digest_id;

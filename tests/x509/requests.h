@@ -1,0 +1,64 @@
+// Certification requests that the tests of this folder make and read.
+#pragma once
+
+#include <algorithm>
+
+#include "keys.h"
+
+namespace test {
+
+inline constexpr int kRequest = 0x46000000;
+using Request = Owned<PKCS10_X509_REQ>;
+
+inline Request read_request(const Bytes &der, bool standard, int *code = nullptr) {
+  PKCS10_X509_REQ *read = nullptr;
+  const auto reader = standard ? readDER_PKCS10_X509_REQ_from_Binary_RFC5280 : readDER_PKCS10_X509_REQ_from_Binary;
+  const int result = reader(&read, der.data(), int(der.size()));
+  if (code) *code = result;
+  return Request(read);
+}
+
+inline std::string written(const PKCS10_X509_REQ *req, bool standard) {
+  ASN1_UNIT *unit = nullptr;
+  const int code = standard ? PKCS10_X509_REQ_to_Seq_RFC5280(req, &unit) : PKCS10_X509_REQ_to_Seq(req, &unit);
+  const Unit owner(unit);
+  return code ? "-" : flat(unit);
+}
+
+inline std::vector<std::string> split(const std::string &list, char separator) {
+  std::vector<std::string> parts;
+  for (size_t at = 0; at < list.size();) {
+    const size_t end = std::min(list.find(separator, at), list.size());
+    parts.push_back(list.substr(at, end - at));
+    at = end + 1;
+  }
+  return parts;
+}
+
+class Requests : public WithKeys {};
+
+inline Owned<X509_EXTENSION> extension(std::string_view oid, std::string_view value, bool critical = false) {
+  return Owned<X509_EXTENSION>(create_X509_EXTENSION_by_OID(nullptr, test::oid(oid).get(), critical,
+                                                            string(TYPE_OCTET_STRING, hex(value)).get()));
+}
+
+inline const char kSan[] = "30 0d 82 0b 6578616d706c652e636f6d";  // dNSName example.com
+
+// A request with an attribute and a requested extension, for a key; unsigned.
+inline Request unsigned_request(const ASYMMETRIC_KEY *key, std::string_view algorithm) {
+  Request req(new_PKCS10_X509_REQ());
+  const Name subject(new_X509_NAME());
+  add_X509_NAME_child_OID_index(subject.get(), 13, TYPE_UTF8_STRING,
+                                reinterpret_cast<const unsigned char *>("example.com"), -1, -1);
+  const Owned<X509_ATTRIBUTE> password(create_X509_ATTRIBUTE_OID(nullptr, test::oid("1.2.840.113549.1.9.7").get(),
+                                                                 TYPE_UTF8_STRING,
+                                                                 text_string(TYPE_UTF8_STRING, "secret").get()));
+  EXPECT_EQ(set_PKCS10_X509_REQ_subject(req.get(), subject.get()), 0);
+  EXPECT_EQ(set_PKCS10_X509_REQ_pub_key(req.get(), public_half(key).get()), 0);
+  EXPECT_EQ(add_PKCS10_X509_REQ_attribute(req.get(), password.get(), -1), 0);
+  EXPECT_EQ(add_PKCS10_X509_REQ_extension(req.get(), extension("2.5.29.17", kSan).get(), -1), 0);
+  EXPECT_EQ(set_PKCS10_X509_REQ_sig_alg(req.get(), test::oid(algorithm).get()), 0);
+  return req;
+}
+
+}  // namespace test
