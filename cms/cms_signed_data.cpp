@@ -1,5 +1,5 @@
 // The records around content that is not encrypted: signed and digested data.
-#include "cms/internal/cms.h"
+#include "cms/internal/cms_digests.h"
 
 namespace velpki {
 
@@ -7,11 +7,12 @@ template <>
 inline constexpr auto owned_fields<ENCAPSULATED_CONTENT_INFO> =
     std::tuple(own(&ENCAPSULATED_CONTENT_INFO::eContentType), own(&ENCAPSULATED_CONTENT_INFO::eContent));
 template <>
-inline constexpr auto owned_fields<CMS_SIGNED_DATA> = std::tuple(
-    own(&CMS_SIGNED_DATA::version), made_list_of<X509_ALGO_IDENTIFIER>(&CMS_SIGNED_DATA::digestAlgorithms),
-    own(&CMS_SIGNED_DATA::encapContentInfo), list_of<X509_CERT>(&CMS_SIGNED_DATA::certificates),
-    list_of<X509_CRL>(&CMS_SIGNED_DATA::crls), made_list_of<CMS_SIGNER_INFO>(&CMS_SIGNED_DATA::signerInfos),
-    list_of<ASN1_UNIT>(&CMS_SIGNED_DATA::otherCertificates), list_of<ASN1_UNIT>(&CMS_SIGNED_DATA::otherCrls));
+inline constexpr auto owned_fields<CMS_SIGNED_DATA> =
+    std::tuple(own(&CMS_SIGNED_DATA::version), made_list_of<X509_ALGO_IDENTIFIER>(&CMS_SIGNED_DATA::digestAlgorithms),
+               own(&CMS_SIGNED_DATA::encapContentInfo), list_of<X509_CERT>(&CMS_SIGNED_DATA::certificates),
+               list_of<X509_CRL>(&CMS_SIGNED_DATA::crls), made_list_of<CMS_SIGNER_INFO>(&CMS_SIGNED_DATA::signerInfos),
+               list_of<ASN1_UNIT>(&CMS_SIGNED_DATA::otherCertificates), list_of<ASN1_UNIT>(&CMS_SIGNED_DATA::otherCrls),
+               own(&CMS_SIGNED_DATA::digests));
 template <>
 inline constexpr auto owned_fields<CMS_DIGESTED_DATA> = std::tuple(own(&CMS_DIGESTED_DATA::version),
                                                                    own(&CMS_DIGESTED_DATA::digestAlgorithm),

@@ -122,16 +122,6 @@ int feed_all(P7_SIGNER_INFO &signer, bool attributes, const MessageContent &cont
   return feed_signature(*signer.privateKey, set.written());
 }
 
-// The signature algorithm that a finished signer names. KCDSA has one of its own; an RSA signer that signed its
-// attributes, and every signer of version 0, names the key's, and PSS survives the former.
-bool name_algorithm(P7_SIGNER_INFO &signer, bool attributes, bool version_0) noexcept {
-  X509_ALGO_IDENTIFIER *&algorithm = signer.digestEncryptionAlgorithm;
-  if (signer.privateKey->type == ASYMMETRIC_KEY_KCDSA) return set_algorithm(algorithm, row::kKcdsa1);
-  const int row = index_from_OBJECT_IDENTIFIER(algorithm->algorithm);
-  const bool pss = row == row::kRsassaPss || row == row::kPssRsa;
-  return (!version_0 && (!attributes || pss)) || set_algorithm(algorithm, row::kRsaEncryption);
-}
-
 int finish(P7_SIGNER_INFO &signer, const BIGINT *version, const MessageContent &content) noexcept {
   const bool attributes = signs_attributes(signer, version);
   const int key_type = signer.privateKey ? signer.privateKey->type : 0;
@@ -144,7 +134,9 @@ int finish(P7_SIGNER_INFO &signer, const BIGINT *version, const MessageContent &
   const int code =
       finish_signature(*signer.privateKey, F_P7_SIGN, fail(F_P7_CONTENT_INFO_TO_SEQ, kFailedStep), signature);
   if (code) return code;
-  if (!name_algorithm(signer, attributes, has_version_0(version))) return failure(kNoMemory);
+  if (!name_signature(signer.digestEncryptionAlgorithm, key_type, attributes, has_version_0(version))) {
+    return failure(kNoMemory);
+  }
   free_ASN1_STRING(std::exchange(signer.encryptedDigest, signature.release()));
   Flat<P7_SIGNER_STATE>::release(std::exchange(signer.state, nullptr));
   return 0;

@@ -1,7 +1,6 @@
 // Setting up a signer.
 #include "cms/internal/signature.h"
 #include "cms/internal/signer_state.h"
-#include "x509/internal/rsa_parameters.h"
 
 namespace velpki {
 
@@ -28,19 +27,6 @@ int make_signer(const X509_CERT &cert, const ASYMMETRIC_KEY *key, int digest_ind
   if (!set_algorithm(out.digestAlgorithm, digest_index)) return failure(kNoMemory);
   if (!set_algorithm(out.digestEncryptionAlgorithm, signature_row(digest_index, padding))) return failure(kNoMemory);
   return 0;
-}
-
-// RSASSA-PSS parameters for the signer's algorithm: those given, or the digest for everything.
-int write_pss_parameters(const RSASSA_PSS_PARAM *given, X509_ALGO_IDENTIFIER &digest,
-                         X509_ALGO_IDENTIFIER &algorithm) noexcept {
-  DerWriter parameters;
-  if (!given) {
-    write_pss_values(usual_pss_values(digest_id_of(&digest)), parameters);
-  } else if (const int code = encode(*given, parameters)) {
-    return code;
-  }
-  if (const int code = parameters.result(F_SET_PKCS7_P7_SIGNER_INFO)) return code;
-  return set_parameters(algorithm, parameters) ? 0 : failure(kNoMemory);
 }
 
 // The content of `fresh` takes the place of the caller's.
@@ -73,7 +59,8 @@ int set_PKCS7_P7_SIGNER_INFO_ex(P7_SIGNER_INFO *si, const X509_CERT *cert, const
   if (!fresh) return failure(kNoMemory);
   if (const int code = make_signer(*cert, key, digest_index, padding, *fresh)) return code;
   if (padding == PKV_RSA_PSS) {
-    if (const int code = write_pss_parameters(pss, *fresh->digestAlgorithm, *fresh->digestEncryptionAlgorithm))
+    if (const int code = set_pss_parameters(pss, *fresh->digestAlgorithm, F_SET_PKCS7_P7_SIGNER_INFO,
+                                            *fresh->digestEncryptionAlgorithm))
       return code;
   }
   return store_signer(*fresh, *si);

@@ -71,6 +71,18 @@ bool signature_scheme(const X509_ALGO_IDENTIFIER *digest, const X509_ALGO_IDENTI
   return out.scheme == PKV_RSA_PSS ? read_pss_parameters(*signature, out) : out.scheme != 0;
 }
 
+int set_pss_parameters(const RSASSA_PSS_PARAM *given, const X509_ALGO_IDENTIFIER &digest, int function,
+                       X509_ALGO_IDENTIFIER &algorithm) noexcept {
+  DerWriter parameters;
+  if (!given) {
+    write_pss_values(usual_pss_values(digest_id_of(&digest)), parameters);
+  } else if (const int code = encode(*given, parameters)) {
+    return code;
+  }
+  if (const int code = parameters.result(function)) return code;
+  return set_parameters(algorithm, parameters) ? 0 : fail(function, kNoMemory);
+}
+
 bool set_algorithm(X509_ALGO_IDENTIFIER *&algorithm, int row) noexcept {
   const owned<OBJECT_IDENTIFIER> oid = oid_of_row(row);
   owned<X509_ALGO_IDENTIFIER> fresh(oid ? new_X509_ALGO_IDENTIFIER() : nullptr);
@@ -82,6 +94,13 @@ bool set_algorithm(X509_ALGO_IDENTIFIER *&algorithm, int row) noexcept {
 
 int write_attribute_set(const X509_ATTRIBUTES &attributes, DerWriter &out) noexcept {
   return encode_attributes(attributes, out, tag::kSet);
+}
+
+bool name_signature(X509_ALGO_IDENTIFIER *&algorithm, int key_type, bool attributes, bool version_0) noexcept {
+  if (key_type == ASYMMETRIC_KEY_KCDSA) return set_algorithm(algorithm, row::kKcdsa1);
+  const int row = index_from_OBJECT_IDENTIFIER(algorithm->algorithm);
+  const bool pss = row == row::kRsassaPss || row == row::kPssRsa;
+  return (!version_0 && (!attributes || pss)) || set_algorithm(algorithm, row::kRsaEncryption);
 }
 
 const X509_ATTRIBUTE *find_attribute(const X509_ATTRIBUTES *attributes, int row) noexcept {

@@ -78,6 +78,17 @@ int write_issuer_and_serial(const ISSUER_AND_SERIAL_NUMBER *record, DerWriter &o
 bool read_identifier(MessageReader &in, SIGNER_IDENTIFIER *&out) noexcept;
 int write_identifier(const SIGNER_IDENTIFIER *identifier, int function, DerWriter &out) noexcept;
 
+// The subject key identifier of a certificate: 0, or 2B when it has none that can be read, or 3C.
+int read_subject_key_identifier(const X509_CERT &cert, owned<ASN1_STRING> &out) noexcept;
+// Names a certificate: 0, or `function` with a reason.
+int name_certificate(SIGNER_IDENTIFIER *&out, const X509_CERT &cert, bool by_subject_key, int function) noexcept;
+int name_by_serial(ISSUER_AND_SERIAL_NUMBER *&out, const X509_CERT &cert, int function) noexcept;
+
+// Whether an identifier names a certificate, and the first of a list that it names (null: none), with the comparison of
+// the plain functions. 0, or the reason 3C.
+int names_certificate(const SIGNER_IDENTIFIER *identifier, const X509_CERT &cert, bool &named) noexcept;
+int find_named(const X509_CERTIFICATES *list, const SIGNER_IDENTIFIER *identifier, const X509_CERT *&out) noexcept;
+
 inline bool has_anything(const CMS_ORIGINATOR_INFO *info) noexcept {
   return info && (has_elements(info->certificates) || has_elements(info->crls) ||
                   has_elements(info->otherCertificates) || has_elements(info->otherCrls));
@@ -116,6 +127,26 @@ inline CMS_AUTHENTICATED_DATA *authenticated_data(const CMS_CONTENT_INFO *cms) n
 BIGINT **version_of(const CMS_CONTENT_INFO &cms) noexcept;
 // Releases the content, and leaves the type without one.
 void drop_content(CMS_CONTENT_INFO &cms) noexcept;
+
+// Where a message of some type keeps what several types have; null for the others.
+CMS_RECIPIENT_INFOS **recipient_list(const CMS_CONTENT_INFO *cms) noexcept;
+CMS_ENCRYPTED_CONTENT_INFO **encrypted_content(const CMS_CONTENT_INFO *cms) noexcept;
+ENCAPSULATED_CONTENT_INFO **encapsulated_content(const CMS_CONTENT_INFO *cms) noexcept;
+CMS_ORIGINATOR_INFO **originator_info(const CMS_CONTENT_INFO *cms) noexcept;
+// The registry row of the message's type; 0 for none.
+int content_row(const CMS_CONTENT_INFO *cms) noexcept;
+// 0 when the message's type is `row` and its content is there; else `function` with 48, or 49.
+int check_type(const CMS_CONTENT_INFO *cms, int row, int function) noexcept;
+// Whether the content is of another type than data.
+bool is_typed(const ENCAPSULATED_CONTENT_INFO *info) noexcept;
+// The content info of a message, made with type data when it is missing; null when memory is exhausted.
+ENCAPSULATED_CONTENT_INFO *provide_content(ENCAPSULATED_CONTENT_INFO *&info) noexcept;
+// A version that is below `least` becomes that. False when memory is exhausted.
+bool raise_version(BIGINT *&version, unsigned least) noexcept;
+// Makes a list that is missing.
+inline bool provide(STACK *&list) noexcept { return list || (list = new_STACK()); }
+// Appends what the list takes over: 0, or `function` with 2B when it is in the list already, or 3C.
+int take(STACK *&list, void *element, int function) noexcept;
 
 // The record of a recipient that is of `kind`, else null.
 template <class R>

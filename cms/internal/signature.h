@@ -1,6 +1,8 @@
 // Signatures over message content or attributes, whichever record the signer stands in.
 #pragma once
 
+#include <velpki/pkcs1.h>
+
 #include "cms/internal/message.h"
 
 namespace velpki {
@@ -38,8 +40,15 @@ bool parameters_view(const X509_ALGO_IDENTIFIER &algorithm, Tlv &out) noexcept;
 bool set_parameters(X509_ALGO_IDENTIFIER &algorithm, const DerWriter &der) noexcept;
 // Puts the identifier of a registry row, with NULL parameters, in place of what is there.
 bool set_algorithm(X509_ALGO_IDENTIFIER *&algorithm, int row) noexcept;
+// RSASSA-PSS parameters into a signature algorithm: those given, or for null the digest for everything. 0, `function`
+// with a reason, or the code of the parameters.
+int set_pss_parameters(const RSASSA_PSS_PARAM *given, const X509_ALGO_IDENTIFIER &digest, int function,
+                       X509_ALGO_IDENTIFIER &algorithm) noexcept;
 // The signature algorithm that is written for a digest's row under a padding.
 int signature_row(int digest_row, int padding) noexcept;
+// Names the algorithm of a finished signature. KCDSA has one of its own; an RSA signer that signed its attributes, and
+// every signer of version 0, names the key's, and PSS survives the former. False when memory ends.
+bool name_signature(X509_ALGO_IDENTIFIER *&algorithm, int key_type, bool attributes, bool version_0) noexcept;
 
 // What is signed of attributes: their set under the tag of a SET.
 int write_attribute_set(const X509_ATTRIBUTES &attributes, DerWriter &out) noexcept;

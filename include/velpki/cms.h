@@ -62,6 +62,9 @@ typedef struct {
 } CMS_SIGNER_INFO;
 typedef STACK CMS_SIGNER_INFOS; /* of CMS_SIGNER_INFO */
 
+/* Digests of content that comes in pieces; opaque. */
+typedef struct cms_digests CMS_DIGESTS;
+
 typedef struct {
   BIGINT *version;
   X509_ALGO_IDENTIFIERS *digestAlgorithms;
@@ -72,6 +75,7 @@ typedef struct {
   STACK *otherCertificates; /* of ASN1_UNIT: choices other than certificates, which only the _ex readers take */
   STACK *otherCrls;         /* of ASN1_UNIT: likewise */
   int detached;
+  CMS_DIGESTS *digests; /* from init to final */
 } CMS_SIGNED_DATA;
 
 typedef struct {
@@ -295,6 +299,111 @@ VELPKI_API void free_PASSWORD_RECIPIENT_INFO(PASSWORD_RECIPIENT_INFO *p) VELPKI_
  * the order of DER, and what was received of certificates and signers octet for octet. */
 VELPKI_API int CMS_CONTENT_INFO_to_Seq_ex(const CMS_CONTENT_INFO *in, ASN1_UNIT **out) VELPKI_NOEXCEPT;
 VELPKI_API int Seq_to_CMS_CONTENT_INFO_ex(ASN1_UNIT *in, CMS_CONTENT_INFO **out) VELPKI_NOEXCEPT;
+
+/* Building. What is said to take over belongs to the message afterwards, on success only; an object that the message
+ * already holds is refused (2B). Certificates, keys, algorithms and attributes are copied. Codes: each function's own,
+ * with 49 (null, no content), 48 (another type of content), 2B (a negative length, and as said) or 3C.
+ * Versions follow what is added and are only raised: signed data 3 with a signer of version 3 or content other than
+ * data; enveloped data 2 with a recipient whose version is not 0, an originator or unprotected attributes, 3 with a
+ * password recipient or one of another kind; encrypted data 2 with unprotected attributes; digested data 2 for content
+ * other than data. set_CMS_version, called last, overrides that. */
+
+/* set_CMS_Type sets the type and makes its empty content, of version 1 for signed data, else 0; for data it sets the
+ * type alone. What the message held is released. */
+VELPKI_API int set_CMS_Type(CMS_CONTENT_INFO *cms, int type_index) VELPKI_NOEXCEPT;
+/* set_CMS_version sets the version of the content, of every signer of signed data (1 and 3 only, else 2B), and of the
+ * key transport and password recipients of enveloped data. 48 also when `type_index` is not the type of the message; 28
+ * for a number that cannot be set, a negative one among them. */
+VELPKI_API int set_CMS_version(CMS_CONTENT_INFO *cms, int version, int type_index) VELPKI_NOEXCEPT;
+/* Content. A null `bytes` of length 0 leaves it absent. set_Content_Info takes over the content of signed, digested or
+ * authenticated data (F_SET_CMS_CONTENT). */
+VELPKI_API int set_ENCAPSULATED_CONTENT_INFO(ENCAPSULATED_CONTENT_INFO *eci, int type_index, const unsigned char *bytes,
+                                             int length) VELPKI_NOEXCEPT;
+VELPKI_API int set_Content_Info(CMS_CONTENT_INFO *cms, ENCAPSULATED_CONTENT_INFO *eci) VELPKI_NOEXCEPT;
+VELPKI_API int set_CMS_ENCRYPTED_CONTENT_INFO(CMS_ENCRYPTED_CONTENT_INFO *eci, int type_index,
+                                              X509_ALGO_IDENTIFIER *algorithm, const unsigned char *content,
+                                              int length) VELPKI_NOEXCEPT;
+VELPKI_API int set_CMS_Cipher(CMS_CONTENT_INFO *cms, X509_ALGO_IDENTIFIER *algorithm) VELPKI_NOEXCEPT;
+VELPKI_API int set_CMS_macAlgorithm(CMS_CONTENT_INFO *cms, X509_ALGO_IDENTIFIER *algorithm) VELPKI_NOEXCEPT;
+/* Of digested or authenticated data. */
+VELPKI_API int set_CMS_digestAlgorithm(CMS_CONTENT_INFO *cms, X509_ALGO_IDENTIFIER *algorithm) VELPKI_NOEXCEPT;
+VELPKI_API int set_CMS_mac(CMS_CONTENT_INFO *cms, const unsigned char *bytes, int length) VELPKI_NOEXCEPT;
+
+/* What names a certificate, stored in place of what is there. A certificate without subject key identifier is 2B. */
+VELPKI_API int set_CMS_SubjectKeyIdentifier(OCTET_STRING **ski, X509_CERT *cert) VELPKI_NOEXCEPT;
+VELPKI_API int set_CMS_IssuerAndSerialNumber(ISSUER_AND_SERIAL_NUMBER **issuer_and_serial,
+                                             X509_CERT *cert) VELPKI_NOEXCEPT;
+
+/* Signers. set_CMS_SIGNER_INFO fills one: with bit 1 of the flags version 3 and the certificate's subject key
+ * identifier (2B when it has none), else version 1 and issuer and serial number; a copy of the private key, which may
+ * be null; the digest of a registry row; and the signature algorithm of pkcs7.h. Paddings are 1 (PKCS#1 v1.5) and 2
+ * (PSS), keys RSA and KCDSA; another padding, key or row is 48.
+ * @warning `pss` is not looked at, as in pkcs7.h; the _ex functions write the parameters and sign with them. */
+VELPKI_API int set_CMS_SIGNER_INFO(CMS_SIGNER_INFO *si, X509_CERT *cert, int flags, ASYMMETRIC_KEY *key,
+                                   int digest_index, int padding, RSASSA_PSS_PARAM *pss) VELPKI_NOEXCEPT;
+VELPKI_API int set_CMS_SIGNER_INFO_ex(CMS_SIGNER_INFO *si, const X509_CERT *cert, int flags, const ASYMMETRIC_KEY *key,
+                                      int digest_index, int padding, const RSASSA_PSS_PARAM *pss) VELPKI_NOEXCEPT;
+/* add_CMS_SignerInfo takes a signer over and appends a copy of its digest algorithm to the message's, once for each
+ * signer (F_ADD_CMS_SIGNER); add_CMS_DigestAlgoIdentifier appends one alone: 0, or plain 1. */
+VELPKI_API int add_CMS_SignerInfo(CMS_CONTENT_INFO *cms, CMS_SIGNER_INFO *si) VELPKI_NOEXCEPT;
+VELPKI_API int add_CMS_DigestAlgoIdentifier(CMS_CONTENT_INFO *cms, X509_ALGO_IDENTIFIER *algorithm) VELPKI_NOEXCEPT;
+/* Both steps; the signer is lent, null on failure. */
+VELPKI_API CMS_SIGNER_INFO *add_CMS_Signature(CMS_CONTENT_INFO *cms, X509_CERT *cert, int flags, ASYMMETRIC_KEY *key,
+                                              int digest_index, int padding, RSASSA_PSS_PARAM *pss) VELPKI_NOEXCEPT;
+VELPKI_API CMS_SIGNER_INFO *add_CMS_Signature_ex(CMS_CONTENT_INFO *cms, const X509_CERT *cert, int flags,
+                                                 const ASYMMETRIC_KEY *key, int digest_index, int padding,
+                                                 const RSASSA_PSS_PARAM *pss) VELPKI_NOEXCEPT;
+VELPKI_API int add_CMS_Certificate(CMS_CONTENT_INFO *cms, X509_CERT *cert) VELPKI_NOEXCEPT;
+VELPKI_API int add_CMS_CRL(CMS_CONTENT_INFO *cms, X509_CRL *crl) VELPKI_NOEXCEPT;
+/* Of enveloped or authenticated data. */
+VELPKI_API int add_CMS_Originator_Certificate(CMS_CONTENT_INFO *cms, X509_CERT *cert) VELPKI_NOEXCEPT;
+VELPKI_API int add_CMS_Originator_CRL(CMS_CONTENT_INFO *cms, X509_CRL *crl) VELPKI_NOEXCEPT;
+
+/* Attributes, each with one value as in pkcs7.h: of a signer (F_ADD_ATTRIBUTE), of enveloped or encrypted data, of
+ * authenticated data. A row without identifier is 2B. */
+VELPKI_API int add_CMS_Signed_Attribute(CMS_SIGNER_INFO *si, int oid_index, int type, const unsigned char *bytes,
+                                        int length) VELPKI_NOEXCEPT;
+VELPKI_API int add_CMS_Unsigned_Attribute(CMS_SIGNER_INFO *si, int oid_index, int type, const unsigned char *bytes,
+                                          int length) VELPKI_NOEXCEPT;
+VELPKI_API int add_CMS_Unprotected_Attribute(CMS_CONTENT_INFO *cms, int oid_index, int type, const unsigned char *bytes,
+                                             int length) VELPKI_NOEXCEPT;
+VELPKI_API int add_CMS_Authenticated_Attribute(CMS_CONTENT_INFO *cms, int oid_index, int type,
+                                               const unsigned char *bytes, int length) VELPKI_NOEXCEPT;
+VELPKI_API int add_CMS_Unauthenticated_Attribute(CMS_CONTENT_INFO *cms, int oid_index, int type,
+                                                 const unsigned char *bytes, int length) VELPKI_NOEXCEPT;
+
+/* Signing. Codes: F_INIT_CMS_SIGN, F_UPDATE_CMS_SIGN, F_FINAL_CMS_SIGN with 49 (null, no content, final without init),
+ * 48 (content that is not signed data, a key that is neither RSA nor KCDSA), 2B (no signers, an unknown algorithm, a
+ * negative length), 5F (attributes that cannot be encoded), 54 (an empty half of a KCDSA signature), 3C, or the
+ * provider's. */
+
+/* init_CMS_Sign starts every signer that has no signature yet; the others are left as they are by all three steps.
+ * update_CMS_Sign keeps the first octets as the content of a message that is not detached, and ignores later ones;
+ * detached content comes in any number of pieces and is not stored. final_CMS_Sign signs: where a signer has signed
+ * attributes, or the content is of another type than data, contentType and messageDigest are added unless the caller
+ * did, the attributes are put into the order of DER, and their SET OF is signed; else the content is. An RSA signer of
+ * attributes, but one of PSS, then names "rsaEncryption"; KCDSA signers name "kcdsa1". Signers keep their versions.
+ * A detached message's attributes must be there before its first octets: 2B from final. */
+VELPKI_API int init_CMS_Sign(CMS_CONTENT_INFO *cms, int detached) VELPKI_NOEXCEPT;
+VELPKI_API int update_CMS_Sign(CMS_CONTENT_INFO *cms, const unsigned char *data, int length) VELPKI_NOEXCEPT;
+VELPKI_API int final_CMS_Sign(CMS_CONTENT_INFO *cms) VELPKI_NOEXCEPT;
+/* The three in one. */
+VELPKI_API int sign_CMS(CMS_CONTENT_INFO *cms, const unsigned char *data, int length, int detached) VELPKI_NOEXCEPT;
+
+/* Verifying. */
+
+/* verify_CMS verifies every signer with the certificate of the message that its identifier names, or, given a
+ * certificate, the signers that name it. `data` is the content where the message has none. 0 when nothing failed, else
+ * the first failure: F_VERIFY_CMS with 49 (null, no content), 48 (another type, an unsupported key), 5E (the message
+ * digest differs), 0E (no KCDSA signature); 1 for a certificate that is missing, an unknown algorithm, missing data and
+ * attributes that cannot be encoded; or the provider's code (PKV_ERR_MISMATCH for a signature that is not valid).
+ * @warning A message without signers or without certificates verifies, also with a certificate given, and so does one
+ * of which no signer names the certificate given. The certificate itself is not checked, nor is what the attributes say
+ * but for the message digest, which may be missing (then nothing binds the content) and may be longer than the digest.
+ * The attributes are encoded anew, in their order. A subject key identifier is compared as text, up to its first zero
+ * octet: an empty one names every certificate that has one. See verify_CMS_strict. */
+VELPKI_API int verify_CMS(CMS_CONTENT_INFO *cms, X509_CERT *cert, const unsigned char *data,
+                          int length) VELPKI_NOEXCEPT;
 
 /* Readers and writers. The label is "CMS". See asn1_io.h for results. */
 

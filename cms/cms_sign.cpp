@@ -1,0 +1,166 @@
+// Signing: init, update, final.
+#include "cms/internal/cms.h"
+#include "cms/internal/cms_digests.h"
+#include "cms/internal/signature.h"
+#include "cms/internal/signer_state.h"
+
+namespace velpki {
+
+namespace {
+
+constexpr int kAttributeEncoding = 0x5F;
+
+bool is_signed(const CMS_SIGNER_INFO &signer) noexcept { return signer.signature && signer.signature->length > 0; }
+bool is_started(const CMS_SIGNER_INFO &signer) noexcept { return signer.state && signer.state->started; }
+
+// Whether the signature is over attributes: those that the signer has, or the ones that a content of another type than
+// data makes necessary.
+bool signs_attributes(const CMS_SIGNED_DATA &data, const CMS_SIGNER_INFO &signer) noexcept {
+  return has_attributes(signer.signedAttrs) || is_typed(data.encapContentInfo);
+}
+
+int start(CMS_SIGNER_INFO &signer, int function) noexcept {
+  ASYMMETRIC_KEY *key = signer.privateKey;
+  SignatureScheme scheme;
+  if (!key) return fail(function, kUnsupported);
+  if (!signature_scheme(signer.digestAlgorithm, signer.signatureAlgorithm, key->type, scheme)) {
+    return fail(function, kBadValue);
+  }
+  if (const int code = start_signature(*key, scheme, function)) return code;
+  P7_SIGNER_STATE *state = new_signer_state({});
+  if (!state) return fail(function, kNoMemory);
+  state->started = true;
+  if (signer.state) Flat<P7_SIGNER_STATE>::release(signer.state);
+  signer.state = state;
+  return 0;
+}
+
+// Signers whose content will come in pieces need it digested on the way.
+int start_all(CMS_SIGNED_DATA &data) noexcept {
+  for (CMS_SIGNER_INFO *signer : elements<CMS_SIGNER_INFO>(data.signerInfos)) {
+    if (!signer || is_signed(*signer)) continue;
+    if (const int code = start(*signer, F_INIT_CMS_SIGN)) return code;
+    if (!data.detached || !signs_attributes(data, *signer)) continue;
+    const int code = start_digest(data.digests, digest_id_of(signer->digestAlgorithm), F_INIT_CMS_SIGN);
+    if (code) return code;
+  }
+  return 0;
+}
+
+// The content of an attached message is kept when it comes first, and nothing of what comes after.
+int keep_content(CMS_SIGNED_DATA &data, Octets octets) noexcept {
+  if (!provide_content(data.encapContentInfo)) return fail(F_UPDATE_CMS_SIGN, kNoMemory);
+  if (data.encapContentInfo->eContent) return 0;
+  data.encapContentInfo->eContent = new_string(TYPE_OCTET_STRING, octets);
+  return data.encapContentInfo->eContent ? 0 : fail(F_UPDATE_CMS_SIGN, kNoMemory);
+}
+
+int feed_all(CMS_SIGNED_DATA &data, Octets octets) noexcept {
+  if (const int code = update_digests(data.digests, octets)) return code;
+  for (CMS_SIGNER_INFO *signer : elements<CMS_SIGNER_INFO>(data.signerInfos)) {
+    if (!signer || !is_started(*signer) || is_signed(*signer)) continue;
+    if (signs_attributes(data, *signer))
+      signer->state->skipped = true;
+    else if (const int code = feed_signature(*signer->privateKey, octets))
+      return code;
+  }
+  return 0;
+}
+
+}  // namespace
+
+}  // namespace velpki
+
+using namespace velpki;
+
+int init_CMS_Sign(CMS_CONTENT_INFO *cms, int detached) noexcept {
+  if (const int code = check_type(cms, CMS_TYPE_SIGNED_DATA, F_INIT_CMS_SIGN)) return code;
+  CMS_SIGNED_DATA &data = *signed_data(cms);
+  if (!has_elements(data.signerInfos)) return fail(F_INIT_CMS_SIGN, kBadValue);
+  if (!provide_content(data.encapContentInfo)) return fail(F_INIT_CMS_SIGN, kNoMemory);
+  data.detached = detached;
+  Flat<CMS_DIGESTS>::release(std::exchange(data.digests, nullptr));
+  return start_all(data);
+}
+
+int update_CMS_Sign(CMS_CONTENT_INFO *cms, const unsigned char *data, int length) noexcept {
+  if (const int code = check_type(cms, CMS_TYPE_SIGNED_DATA, F_UPDATE_CMS_SIGN)) return code;
+  if (length < 0) return fail(F_UPDATE_CMS_SIGN, kBadValue);
+  if (!data && length > 0) return fail(F_UPDATE_CMS_SIGN, kNullArgument);
+  CMS_SIGNED_DATA &content = *signed_data(cms);
+  return content.detached ? feed_all(content, octets_of(data, length)) : keep_content(content, octets_of(data, length));
+}
+
+namespace velpki {
+
+namespace {
+
+// The digest of the content for a signer: of what the message holds, or of what came in pieces.
+int content_digest(const CMS_SIGNED_DATA &data, ContentDigests *attached, int digest_id, DigestValue &out) noexcept {
+  if (!attached) return finish_digest(data.digests, digest_id, F_FINAL_CMS_SIGN, out);
+  Octets digest;
+  if (const int code = attached->get(digest_id, digest)) return code;
+  out.set(digest);
+  return 0;
+}
+
+int feed_attributes(const CMS_SIGNED_DATA &data, CMS_SIGNER_INFO &signer, ContentDigests *attached) noexcept {
+  DigestValue digest;
+  if (const int code = content_digest(data, attached, digest_id_of(signer.digestAlgorithm), digest)) return code;
+  if (!add_content_attributes(signer.signedAttrs, data.encapContentInfo->eContentType, digest.octets())) {
+    return fail(F_FINAL_CMS_SIGN, kNoMemory);
+  }
+  DerWriter set;
+  if (!sort_attributes(*signer.signedAttrs)) return fail(F_FINAL_CMS_SIGN, kAttributeEncoding);
+  if (write_attribute_set(*signer.signedAttrs, set) || set.failed()) return fail(F_FINAL_CMS_SIGN, kAttributeEncoding);
+  return feed_signature(*signer.privateKey, set.written());
+}
+
+// Feeds what is signed. A content that the message does not have was fed as it came, unless attributes that the signer
+// had then are gone.
+int feed(const CMS_SIGNED_DATA &data, CMS_SIGNER_INFO &signer, bool attributes, ContentDigests *attached) noexcept {
+  if (!attributes && !attached) return signer.state->skipped ? fail(F_FINAL_CMS_SIGN, kBadValue) : 0;
+  if (const int code = start(signer, F_FINAL_CMS_SIGN)) return code;
+  return attributes ? feed_attributes(data, signer, attached) : feed_signature(*signer.privateKey, attached->content());
+}
+
+int finish(const CMS_SIGNED_DATA &data, CMS_SIGNER_INFO &signer, ContentDigests *attached) noexcept {
+  const int key_type = signer.privateKey ? signer.privateKey->type : 0;
+  if (key_type != ASYMMETRIC_KEY_RSA && key_type != ASYMMETRIC_KEY_KCDSA) return fail(F_FINAL_CMS_SIGN, kUnsupported);
+  if (!is_started(signer)) return fail(F_FINAL_CMS_SIGN, kNullArgument);
+  const bool attributes = signs_attributes(data, signer);
+  if (const int code = feed(data, signer, attributes, attached)) return code;
+  owned<ASN1_STRING> signature;
+  const int encoding_code = fail(F_FINAL_CMS_SIGN, kFailedStep);
+  if (const int code = finish_signature(*signer.privateKey, F_FINAL_CMS_SIGN, encoding_code, signature)) return code;
+  if (!name_signature(signer.signatureAlgorithm, key_type, attributes, false)) {
+    return fail(F_FINAL_CMS_SIGN, kNoMemory);
+  }
+  free_ASN1_STRING(std::exchange(signer.signature, signature.release()));
+  Flat<P7_SIGNER_STATE>::release(std::exchange(signer.state, nullptr));
+  return 0;
+}
+
+}  // namespace
+
+}  // namespace velpki
+
+int final_CMS_Sign(CMS_CONTENT_INFO *cms) noexcept {
+  if (const int code = check_type(cms, CMS_TYPE_SIGNED_DATA, F_FINAL_CMS_SIGN)) return code;
+  CMS_SIGNED_DATA &data = *signed_data(cms);
+  if (!provide_content(data.encapContentInfo)) return fail(F_FINAL_CMS_SIGN, kNoMemory);
+  const ASN1_STRING *content = data.encapContentInfo->eContent;
+  ContentDigests attached(content ? octets(*content) : Octets());
+  for (CMS_SIGNER_INFO *signer : elements<CMS_SIGNER_INFO>(data.signerInfos)) {
+    if (!signer || is_signed(*signer)) continue;
+    if (const int code = finish(data, *signer, content ? &attached : nullptr)) return code;
+  }
+  Flat<CMS_DIGESTS>::release(std::exchange(data.digests, nullptr));
+  return 0;
+}
+
+int sign_CMS(CMS_CONTENT_INFO *cms, const unsigned char *data, int length, int detached) noexcept {
+  if (const int code = init_CMS_Sign(cms, detached)) return code;
+  if (const int code = update_CMS_Sign(cms, data, length)) return code;
+  return final_CMS_Sign(cms);
+}
