@@ -3,6 +3,7 @@
 
 #include "asn1/internal/io.h"
 #include "x509/internal/crl.h"
+#include "x509/internal/x509v3.h"
 
 namespace velpki {
 
@@ -221,5 +222,5 @@ int X509_CRLS_to_Seq(const X509_CRLS *in, ASN1_UNIT **out) noexcept {
   return to_seq(F_X509_CRLS_TO_SEQ, in, out, encode_sequence_of_crls);
 }
 int Seq_to_X509_CRLS(ASN1_UNIT *in, X509_CRLS **out) noexcept {
-  return list_from_seq<X509_CRL>(F_SEQ_TO_X509_CRLS, in, out, decode_crls);
+  return values_from_seq<X509_CRL>(F_SEQ_TO_X509_CRLS, in, out, decode_crls);
 }

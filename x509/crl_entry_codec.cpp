@@ -1,6 +1,8 @@
 // The codec of the entries of a revocation list.
 #include <velpki/asn1_error.h>
 
+#include <climits>
+
 #include "x509/internal/crl.h"
 
 namespace velpki {
@@ -98,16 +100,42 @@ int X509_REVOKED_to_Seq(const STACK *revoked, ASN1_UNIT **out) noexcept {
   return to_seq(F_X509_REVOKED_TO_SEQ, revoked, out, encode_list_alone);
 }
 
+namespace velpki {
+
+namespace {
+
+int decode_list_alone(const Tlv &tlv, STACK *&out) noexcept {
+  const owned<X509_RECEIVED> octets(new_received(tlv, tlv.content));
+  if (!octets) return fail(F_SEQ_TO_X509_REVOKED, kNoMemory);
+  return decode_revoked(in_received(tlv, *octets), *octets, nullptr, out);
+}
+
+// Moves the entries to the end of a list, all or nothing. What a CRL keeps of that one no longer describes it.
+bool move_entries(STACK &from, STACK &to) noexcept {
+  const X509_REVOKED *first = element<X509_REVOKED>(&to, 0);
+  X509_CRL_KEPT *kept = first ? kept_of(*first) : nullptr;
+  if (from.count > INT_MAX - to.count || !reserve_stack(&to, to.count + from.count)) return false;
+  drop_content(kept);
+  for (X509_REVOKED *each : elements<X509_REVOKED>(&from)) {
+    link_entry(*each, kept);
+    push_STACK_value(&to, each);
+  }
+  from.count = 0;
+  return true;
+}
+
+}  // namespace
+
+}  // namespace velpki
+
 int Seq_to_X509_REVOKED(ASN1_UNIT *in, STACK **out) noexcept {
   if (!in || !out) return fail(F_SEQ_TO_X509_REVOKED, kNullArgument);
   Tlv tlv;
   if (!view(*in, tlv)) return fail(F_SEQ_TO_X509_REVOKED, ERR_ASN1_DECODING);
-  const owned<X509_RECEIVED> octets(new_received(tlv, tlv.content));
-  if (!octets) return fail(F_SEQ_TO_X509_REVOKED, kNoMemory);
   STACK *fresh = nullptr;
-  const int code = decode_revoked(in_received(tlv, *octets), *octets, nullptr, fresh);
+  int code = decode_list_alone(tlv, fresh);
   if (!code && *out)
-    std::swap(**out, *fresh);
+    code = move_entries(*fresh, **out) ? 0 : fail(F_SEQ_TO_X509_REVOKED, kNoMemory);
   else if (!code)
     *out = std::exchange(fresh, nullptr);
   free_X509_REVOKED_LIST(fresh);

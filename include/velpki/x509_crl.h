@@ -73,10 +73,10 @@ VELPKI_API int X509_CRL_INFO_to_Seq(const X509_CRL_INFO *in, ASN1_UNIT **out) VE
 VELPKI_API int Seq_to_X509_CRL_INFO(ASN1_UNIT *in, X509_CRL_INFO **out) VELPKI_NOEXCEPT;
 VELPKI_API int X509_CRL_to_Seq(const X509_CRL *in, ASN1_UNIT **out) VELPKI_NOEXCEPT;
 VELPKI_API int Seq_to_X509_CRL(ASN1_UNIT *in, X509_CRL **out) VELPKI_NOEXCEPT;
-/* The list of entries, SEQUENCE OF SEQUENCE. An empty one is F_X509_REVOKED_TO_SEQ with reason 2B. */
+/* Lists: SEQUENCE OF entries, of which an empty one is not written (F_X509_REVOKED_TO_SEQ with reason 2B), and SEQUENCE
+ * OF CertificateList, which may be empty. A list that is passed to Seq_to_ is appended to, all or nothing. */
 VELPKI_API int X509_REVOKED_to_Seq(const STACK *revoked, ASN1_UNIT **out) VELPKI_NOEXCEPT;
 VELPKI_API int Seq_to_X509_REVOKED(ASN1_UNIT *in, STACK **out) VELPKI_NOEXCEPT;
-/* SEQUENCE OF CertificateList; it may be empty. */
 VELPKI_API int X509_CRLS_to_Seq(const X509_CRLS *in, ASN1_UNIT **out) VELPKI_NOEXCEPT;
 VELPKI_API int Seq_to_X509_CRLS(ASN1_UNIT *in, X509_CRLS **out) VELPKI_NOEXCEPT;
 /* The _RFC5280 functions read and write the standard form: version and nextUpdate may be absent, serial numbers have
