@@ -20,31 +20,35 @@ namespace {
 
 using Info = PKCS10_X509_REQ_INFO;
 
-// The info of a request that is about to change. A cleaned request gets a new one; null for exhausted memory.
-Info *changing(PKCS10_X509_REQ &req) noexcept {
+// A cleaned request gets a new info; null for exhausted memory.
+Info *info_of(PKCS10_X509_REQ &req) noexcept {
   if (!req.info) req.info = new_PKCS10_X509_REQ_INFO();
-  drop_received(req);
   return req.info;
+}
+
+// The end of a setter: what was received describes the request no longer, if it has changed.
+int changed(PKCS10_X509_REQ &req, bool stored) noexcept {
+  if (!stored) return fail(kRequest, kNoMemory);
+  drop_received(req);
+  return 0;
 }
 
 // Null takes a list away, where it may be missing.
 template <class E>
 int set_list(PKCS10_X509_REQ *req, STACK *Info::*member, const STACK *value) noexcept {
   if (!req) return fail(kRequest, kNullArgument);
-  Info *info = changing(*req);
-  if (!info) return fail(kRequest, kNoMemory);
-  if (value) return replace_list<E>(*info, member, value) ? 0 : fail(kRequest, kNoMemory);
-  destroy_list<E>(std::exchange(info->*member, nullptr));
-  return 0;
+  Info *info = info_of(*req);
+  if (info && value) return changed(*req, replace_list<E>(*info, member, value));
+  if (info) destroy_list<E>(std::exchange(info->*member, nullptr));
+  return changed(*req, info);
 }
 
 template <class E>
 int add_to_list(PKCS10_X509_REQ *req, STACK *Info::*member, const E *value, int position) noexcept {
   if (!req || !value) return fail(kRequest, kNullArgument);
-  Info *info = changing(*req);
-  if (!info) return fail(kRequest, kNoMemory);
-  if (!(info->*member)) info->*member = new_STACK();
-  return insert_copy(info->*member, value, position) ? 0 : fail(kRequest, kNoMemory);
+  Info *info = info_of(*req);
+  if (info && !(info->*member)) info->*member = new_STACK();
+  return changed(*req, info && insert_copy(info->*member, value, position));
 }
 
 template <class T>
@@ -64,10 +68,9 @@ VELPKI_LIFE_CYCLE(PKCS10_X509_REQ)
 int set_PKCS10_X509_REQ_version(PKCS10_X509_REQ *req, int version) noexcept {
   if (!req) return fail(kRequest, kNullArgument);
   if (version != 0) return fail(kRequest, kBadValue);
-  Info *info = changing(*req);
-  if (!info) return fail(kRequest, kNoMemory);
-  info->version = 0;
-  return 0;
+  Info *info = info_of(*req);
+  if (info) info->version = 0;
+  return changed(*req, info);
 }
 int get_PKCS10_X509_REQ_version(const PKCS10_X509_REQ *req) noexcept {
   return req && req->info ? req->info->version : -1;
@@ -80,8 +83,8 @@ X509_NAME *get_PKCS10_X509_REQ_subject(const PKCS10_X509_REQ *req) noexcept { re
 
 int set_PKCS10_X509_REQ_pub_key(PKCS10_X509_REQ *req, const X509_PUBKEY *pubkey) noexcept {
   if (!req || !pubkey) return fail(kRequest, kNullArgument);
-  Info *info = changing(*req);
-  return info && replace(*info, &Info::subjectPublicKeyInfo, pubkey) ? 0 : fail(kRequest, kNoMemory);
+  Info *info = info_of(*req);
+  return changed(*req, info && replace(*info, &Info::subjectPublicKeyInfo, pubkey));
 }
 X509_PUBKEY *get_PKCS10_X509_REQ_SPKI(const PKCS10_X509_REQ *req) noexcept {
   return field(req, &Info::subjectPublicKeyInfo);
@@ -109,9 +112,7 @@ int add_PKCS10_X509_REQ_extension(PKCS10_X509_REQ *req, const X509_EXTENSION *ex
 
 int set_PKCS10_X509_REQ_sig_alg(PKCS10_X509_REQ *req, const OBJECT_IDENTIFIER *oid) noexcept {
   if (!req || !oid) return fail(kRequest, kNullArgument);
-  if (!replace(*req, &PKCS10_X509_REQ::sig_alg, oid)) return fail(kRequest, kNoMemory);
-  drop_received(*req);
-  return 0;
+  return changed(*req, replace(*req, &PKCS10_X509_REQ::sig_alg, oid));
 }
 OBJECT_IDENTIFIER *get_PKCS10_X509_REQ_sig_alg(const PKCS10_X509_REQ *req) noexcept {
   return req ? req->sig_alg : nullptr;
