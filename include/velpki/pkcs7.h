@@ -290,6 +290,25 @@ VELPKI_API int verify_PKCS7(P7_CONTENT_INFO *p7, X509_CERT *cert, const unsigned
  * octet of `padding`, 0 meaning 1. */
 VELPKI_API int verify_PKCS7_data(P7_CONTENT_INFO *p7, P7_SIGNER_INFO *si, ASYMMETRIC_KEY *key, int padding,
                                  int digest_id, const unsigned char *data, int length) VELPKI_NOEXCEPT;
+/* verify_PKCS7_strict requires at least one signer and verifies every one, or with a certificate given those that name
+ * it, of which there must be one. Certificates are looked for in the message and in `more` (null allowed), by the
+ * received octets of issuer and serial number; whether they are to be trusted is the caller's to find out. The
+ * signature is over the received octets of the attributes. RSA (v1.5, and PSS with its parameters), KCDSA, ECDSA and
+ * Ed25519. Digests of less than 28 octets (MD5, SHA-1, HAS-160) need PKCS7_ALLOW_WEAK_DIGESTS. For each signer a report
+ * is written, as long as `*report_count` (the capacity; then the number) allows; both may be null. Codes: F_P7_VERIFY
+ * with 49, 48 (another type, an unknown digest, algorithm or key), 2B (no such signer), the reasons
+ * ERR_NO_SIGNER_CERTIFICATE to ERR_AMBIGUOUS_CONTENT, ERR_ALGORITHM_MISMATCH, 5E (message digest), ERR_ASN1_DECODING;
+ * or the provider's: the first signer's that failed. */
+typedef struct {
+  const P7_SIGNER_INFO *signer;
+  const X509_CERT *certificate; /* null when there is none */
+  int digest_id;
+  int code; /* 0 for a valid signature */
+} P7_SIGNER_REPORT;
+enum { PKCS7_ALLOW_WEAK_DIGESTS = 1 };
+VELPKI_API int verify_PKCS7_strict(const P7_CONTENT_INFO *p7, const X509_CERT *cert, const X509_CERTIFICATES *more,
+                                   const unsigned char *data, int length, int flags, P7_SIGNER_REPORT *reports,
+                                   int *report_count) VELPKI_NOEXCEPT;
 
 /* Enveloping and encrypting. Codes: F_P7_ENCRYPT with 49 (null, no content, no recipients, a padding that is none, a
  * missing key or IV, update or final without init, a buffer that is null or too small), 48 (a content without
@@ -380,6 +399,19 @@ VELPKI_API int decrypt_PKCS7(P7_CONTENT_INFO *p7, const unsigned char *key, cons
                              int *out_length) VELPKI_NOEXCEPT;
 VELPKI_API int decrypt_PKCS7_n(const P7_CONTENT_INFO *p7, const unsigned char *key, const unsigned char *iv,
                                unsigned char *out, int *out_length) VELPKI_NOEXCEPT;
+/* decrypt_PKCS7_strict decrypts enveloped or signed-and-enveloped content with the private key of the recipient that
+ * the certificate names, whose algorithm says the padding; `*out_length` holds the capacity, which must be that of the
+ * ciphertext. Whatever is wrong with the encrypted key, the content goes on to be decrypted under a random one (RFC
+ * 3218), so that a stranger learns nothing from the result: it is PKV_ERR_FAILED or, as with a wrong key, now and then
+ * rubbish. 1 for what can be told from the message alone: no such recipient, an unknown algorithm, parameters that are
+ * no IV, a buffer that is too small. */
+VELPKI_API int decrypt_PKCS7_strict(const P7_CONTENT_INFO *p7, const X509_CERT *cert, const ASYMMETRIC_KEY *key,
+                                    unsigned char *out, int *out_length) VELPKI_NOEXCEPT;
+/* verify_decrypt_PKCS7_strict does that for signed-and-enveloped data, decrypts the encrypted digests too, as the _SP
+ * forms make them, and verifies as verify_PKCS7_strict. */
+VELPKI_API int verify_decrypt_PKCS7_strict(const P7_CONTENT_INFO *p7, const X509_CERT *cert, const ASYMMETRIC_KEY *key,
+                                           const X509_CERTIFICATES *more, int flags, unsigned char *out,
+                                           int *out_length) VELPKI_NOEXCEPT;
 /* verify_decrypt_PKCS7 decrypts signed-and-enveloped data and verifies what comes out, with the same buffer rule.
  * @warning As verify_PKCS7; and it expects signatures that are not encrypted themselves. */
 VELPKI_API int verify_decrypt_PKCS7(P7_CONTENT_INFO *p7, X509_CERT *cert, const unsigned char *key, unsigned char *out,

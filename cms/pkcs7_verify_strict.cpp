@@ -1,0 +1,136 @@
+// Verifying without the tolerances of verify_PKCS7.
+#include "cms/internal/content_cipher.h"
+#include "cms/internal/pkcs7_strict.h"
+#include "cms/internal/signer_state.h"
+#include "cms/internal/strict.h"
+
+namespace velpki {
+
+namespace {
+
+constexpr int failure(int reason) noexcept { return fail(F_P7_VERIFY, reason); }
+
+// What all signers of a message share.
+struct Task {
+  const P7_CONTENT_INFO &p7;
+  const X509_CERT *chosen;
+  const X509_CERTIFICATES *more;
+  const OBJECT_IDENTIFIER *content_type;
+  ContentDigests &digests;
+  bool weak_allowed;
+  const DigestCipher *cipher = nullptr;
+};
+
+// The octets of IssuerAndSerialNumber's content in a received SignerInfo; none for a signer that was built here.
+Octets received_name(const P7_SIGNER_INFO &signer) noexcept {
+  Tlv parent, child;
+  parent.content = received_of(signer);
+  Cursor in(parent);
+  return in.next(child) && in.next(child) ? child.content : Octets();
+}
+
+bool is_named_by(const X509_CERT *cert, const P7_SIGNER_INFO &signer) noexcept {
+  const P7_ISSUER_AND_SERIAL_NUMBER *name = signer.issuerAndSerialNumber;
+  return cert && name && is_named(*cert, received_name(signer), name->issuer, name->serialNumber);
+}
+
+const X509_CERT *find_certificate_of(const P7_SIGNER_INFO &signer, const Task &task) noexcept {
+  if (task.chosen) return task.chosen;
+  for (const STACK *list : {static_cast<const STACK *>(certificates_of(&task.p7)), task.more})
+    for (const X509_CERT *cert : elements<X509_CERT>(list))
+      if (is_named_by(cert, signer)) return cert;
+  return nullptr;
+}
+
+// The signer's signature out of the cipher that it may be in.
+int open_signature(const ASN1_STRING *encrypted, const DigestCipher &cipher, owned<ASN1_STRING> &out) noexcept {
+  if (!encrypted) return failure(kNullArgument);
+  int length = 0;
+  const owned<uint8_t> room = new_octets(size_t(encrypted->length) + 1);
+  if (!room) return failure(kNoMemory);
+  const int code = decrypt_content(cipher.cipher_id, cipher.key, cipher.iv, octets(*encrypted), room.get(), &length);
+  if (code) return code;
+  out.reset(new_string(TYPE_OCTET_STRING, octets_of(room.get(), length)));
+  return out ? 0 : failure(kNoMemory);
+}
+
+int verify_one(const P7_SIGNER_INFO &signer, const Task &task, const X509_CERT *cert) noexcept {
+  const X509_PUBKEY *key = get_X509_SPKI(cert);
+  if (!key) return failure(ERR_NO_SIGNER_CERTIFICATE);
+  DerWriter attributes;
+  if (!write_received_attributes(received_of(signer), signer.authenticatedAttributes, attributes)) {
+    return failure(ERR_ASN1_DECODING);
+  }
+  owned<ASN1_STRING> opened;
+  if (task.cipher) {
+    if (const int code = open_signature(signer.encryptedDigest, *task.cipher, opened)) return code;
+  }
+  const StrictSigner strict{attributes.written(), signer.digestAlgorithm, signer.digestEncryptionAlgorithm,
+                            task.cipher ? opened.get() : signer.encryptedDigest};
+  return verify_signer_strict(strict, task.content_type, *key, task.weak_allowed, task.digests, F_P7_VERIFY);
+}
+
+// The caller's reports, as many as there is room for.
+class Reports {
+ public:
+  Reports(P7_SIGNER_REPORT *out, int *count) noexcept : out_(count ? out : nullptr), count_(count) {
+    if (count_) room_ = std::exchange(*count_, 0);
+  }
+  void add(const P7_SIGNER_REPORT &report) noexcept {
+    if (out_ && *count_ < room_) out_[*count_] = report;
+    if (count_ && *count_ < room_) ++*count_;
+  }
+
+ private:
+  P7_SIGNER_REPORT *out_;
+  int *count_;
+  int room_ = 0;
+};
+
+int verify_all(const Task &task, Reports reports) noexcept {
+  int verified = 0, first = 0;
+  for (const P7_SIGNER_INFO *signer : elements<P7_SIGNER_INFO>(signer_infos(&task.p7))) {
+    if (!signer || (task.chosen && !is_named_by(task.chosen, *signer))) continue;
+    const X509_CERT *cert = find_certificate_of(*signer, task);
+    const int code = verify_one(*signer, task, cert);
+    reports.add({signer, cert, digest_id_of(signer->digestAlgorithm), code});
+    if (!first) first = code;
+    ++verified;
+  }
+  return verified ? first : failure(kBadValue);
+}
+
+}  // namespace
+
+int verify_sealed(const P7_CONTENT_INFO &p7, const X509_CERTIFICATES *more, Octets content, int flags,
+                  const DigestCipher &cipher) noexcept {
+  ContentDigests digests(content);
+  const owned<OBJECT_IDENTIFIER> type = oid_of_row(PKCS7_DATA);
+  if (!type) return failure(kNoMemory);
+  const bool weak_allowed = flags & PKCS7_ALLOW_WEAK_DIGESTS;
+  return verify_all({p7, nullptr, more, type.get(), digests, weak_allowed, &cipher}, Reports(nullptr, nullptr));
+}
+
+}  // namespace velpki
+
+using namespace velpki;
+
+int verify_PKCS7_strict(const P7_CONTENT_INFO *p7, const X509_CERT *cert, const X509_CERTIFICATES *more,
+                        const unsigned char *data, int length, int flags, P7_SIGNER_REPORT *reports,
+                        int *report_count) noexcept {
+  Reports made(reports, report_count);
+  if (!p7 || length < 0) return failure(kNullArgument);
+  const P7_SIGNED_DATA *signed_content = signed_data(p7);
+  if (!signed_content && !signed_and_enveloped_data(p7)) return failure(kUnsupported);
+  if (signed_content && !signed_content->contentInfo) return failure(kNullArgument);
+  MessageContent content;
+  if (const int code = content.load(*p7)) return code;
+  const Octets given = octets_of(data, length);
+  if (!content.present() && !data) return failure(ERR_NO_CONTENT);
+  if (content.present() && data && !equal_octets(content.octets(), given)) return failure(ERR_CONTENT_MISMATCH);
+  ContentDigests digests(content.present() ? content.octets() : given);
+  const owned<OBJECT_IDENTIFIER> data_type = oid_of_row(PKCS7_DATA);
+  if (!data_type) return failure(kNoMemory);
+  const OBJECT_IDENTIFIER *type = signed_content ? signed_content->contentInfo->contentType : data_type.get();
+  return verify_all({*p7, cert, more, type, digests, bool(flags & PKCS7_ALLOW_WEAK_DIGESTS)}, made);
+}
