@@ -50,6 +50,12 @@ Block decode_pem(Octets text) noexcept {
   return {owned<uint8_t>(data), length};
 }
 
+Block decode_pem_after_text(Octets text) noexcept {
+  const std::string_view whole(reinterpret_cast<const char *>(text.data()), text.size());
+  const size_t begin = whole.find("-----BEGIN ");
+  return decode_pem(begin == whole.npos ? text : text.subspan(begin));
+}
+
 int give(owned<uint8_t> octets, size_t length, unsigned char **out) noexcept {
   if (!octets || looks_like_a_code(length)) return kBadInput;
   *out = octets.release();

@@ -88,12 +88,21 @@ int verify_rsa(const RSA_UNIT &key, const SignatureScheme &scheme, ContentDigest
                                   digest.data(), int(digest.size()), signature.data(), int(signature.size()));
 }
 
+// The lengths of both halves under a digest.
+int kcdsa_lengths(const KCDSA_UNIT &key, int digest_id, int &r_length, int &s_length) noexcept {
+  const owned<KCDSA_UNIT> own(PKV_Dup_KCDSA(&key));
+  if (!own) return PKV_ERR_NO_MEMORY;
+  if (const int code = PKV_Init_KCDSA(own.get(), 0)) return code;
+  if (const int code = PKV_Set_KCDSA_DIGEST(own.get(), digest_id)) return code;
+  return PKV_Get_KCDSA_Lengths(own.get(), &r_length, &s_length);
+}
+
 // r of any other than its one length, and a longer s, are malformed before anything is copied.
 int verify_kcdsa(const KCDSA_UNIT &key, int digest_id, Octets content, Octets signature, int function) noexcept {
   SignatureHalves halves;
   int r_length = 0, s_length = 0;
   if (!read_kcdsa_value(signature, halves)) return fail(function, kMalformedSignature);
-  if (const int code = PKV_Get_KCDSA_Lengths(&key, &r_length, &s_length)) return code;
+  if (const int code = kcdsa_lengths(key, digest_id, r_length, s_length)) return code;
   if (halves.r.size() != size_t(r_length) || halves.s.size() > size_t(s_length)) {
     return fail(function, kMalformedSignature);
   }

@@ -19,6 +19,7 @@ using Targets = std::span<const Target>;
 Targets asn1_targets();
 Targets x509_targets();
 Targets extension_targets();
+Targets pkcs7_targets();
 
 inline void require(bool holds, const char *what) {
   if (holds) return;

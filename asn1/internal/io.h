@@ -52,15 +52,20 @@ int read_der(const Codec<R> &codec, R **out, Octets octets, Rules rules = {}) no
   if (!out) return fail(codec.from_function, kNullArgument);
   return from_tlv(codec.from_function, tlv, out, codec.decode);
 }
-// A record as others send it, in standard form: DER, any BER, or PEM, told apart by the first octet.
+// A record as others send it, in standard form: DER, any BER, or PEM, perhaps behind other text, told apart by the
+// first octet.
+Block decode_pem_after_text(Octets text) noexcept;
 template <class R>
 int read_ber(const Codec<R> &codec, R **out, Octets octets) noexcept {
-  const Block text = !octets.empty() && octets[0] != tag::kSequence ? decode_pem(octets) : Block();
+  const Block text = !octets.empty() && octets[0] != tag::kSequence ? decode_pem_after_text(octets) : Block();
   if (text.data) octets = text.octets();
   if (octets.empty()) return kBadInput;
-  if (is_der(octets)) return read_der(codec, out, octets, kStandardRules);
+  Tlv tlv;
+  Rules rules = kStandardRules;
+  if (!Tlv::parse(octets, rules, tlv)) return kNotOneUnit;
+  if (is_der(tlv.whole)) return read_der(codec, out, tlv.whole, kStandardRules);
   unsigned char *definite = nullptr;
-  const int length = normalize_BER(octets.data(), int(octets.size()), &definite);
+  const int length = normalize_BER(tlv.whole.data(), int(tlv.whole.size()), &definite);
   const owned<uint8_t> owner(definite);
   return length < 0 ? kNotOneUnit : read_der(codec, out, octets_of(definite, length), kStandardRules);
 }

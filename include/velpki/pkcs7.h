@@ -442,8 +442,7 @@ VELPKI_API int readDER_P7_CONTENT_INFO_from_File(P7_CONTENT_INFO **out, const ch
 VELPKI_API int readPEM_P7_CONTENT_INFO_from_Binary(P7_CONTENT_INFO **out, const char *text, int length) VELPKI_NOEXCEPT;
 VELPKI_API int readPEM_P7_CONTENT_INFO_from_File(P7_CONTENT_INFO **out, const char *path) VELPKI_NOEXCEPT;
 /* readBER_ takes a message as others send it: DER, BER with indefinite lengths and segments as streams write it, or
- * PEM, told apart by the first octet, and reads it in standard form. 0x4E00004F for octets that are not exactly one
- * value. */
+ * PEM, perhaps behind other text, told apart by the first octet, and reads it in standard form. */
 VELPKI_API int readBER_P7_CONTENT_INFO_from_Binary(P7_CONTENT_INFO **out, const unsigned char *data,
                                                    int length) VELPKI_NOEXCEPT;
 VELPKI_API int readBER_P7_CONTENT_INFO_from_File(P7_CONTENT_INFO **out, const char *path) VELPKI_NOEXCEPT;

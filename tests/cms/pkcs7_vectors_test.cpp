@@ -1,0 +1,147 @@
+// Messages that others made: what is read, verified and opened of them.
+#include <velpki/asn1_io.h>
+
+#include <cstdio>
+
+#include "parties.h"
+
+using namespace test;
+
+namespace {
+
+Message read_any(const std::string &path, int *code) {
+  P7_CONTENT_INFO *p7 = nullptr;
+  *code = readBER_P7_CONTENT_INFO_from_File(&p7, path.c_str());
+  return Message(p7);
+}
+
+// What is written of a message that was DER is the message; and it reads again.
+void write_back(const Message &p7, const std::string &path) {
+  unsigned char *out = nullptr;
+  const int length = writeDER_P7_CONTENT_INFO_to_Binary_RFC5280(p7.get(), &out);
+  const Block owner(out);
+  ASSERT_GT(length, 1) << path;
+  P7_CONTENT_INFO *again = nullptr;
+  EXPECT_EQ(readBER_P7_CONTENT_INFO_from_Binary(&again, out, length), 0) << path;
+  const Message released(again);
+  unsigned char *second = nullptr;
+  EXPECT_EQ(writeDER_P7_CONTENT_INFO_to_Binary_RFC5280(again, &second), length) << path;
+  const Block second_owner(second);
+  EXPECT_EQ(std::memcmp(out, second, size_t(length)), 0) << path;
+}
+
+std::string first_of(const std::string &list) { return list.substr(0, list.find(',')); }
+bool is_ours(const std::string &signers) { return signers.find("keyId") == std::string::npos; }
+
+}  // namespace
+
+TEST(Vectors, SignedMessages) {
+  VELPKI_NEED_VECTORS("cms", folder);
+  int decoded = 0, verified = 0, refused = 0, plain = 0;
+  for (const Row &row : read_tsv(folder + "/manifest.tsv")) {
+    if (row.at("content_type") != "signedData" || !is_ours(row.at("signers"))) continue;
+    const std::string path = folder + "/" + row.at("file");
+    int code = -1;
+    const Message p7 = read_any(path, &code);
+    if (!p7) {
+      // One lacks its last end-of-contents octets.
+      const bool known = row.at("file").find("signed-indefinite-length") != std::string::npos;
+      EXPECT_TRUE(known || row.at("openssl_decodes").substr(0, 3) != "yes") << path << std::hex << " " << code;
+      continue;
+    }
+    ++decoded;
+    write_back(p7, path);
+    if (row.at("signers").empty()) continue;
+    const Bytes content = row.at("content_file").empty() ? Bytes() : read_file(folder + "/" + row.at("content_file"));
+    const bool attached = static_cast<P7_SIGNED_DATA *>(p7->content)->contentInfo->content != nullptr;
+    const std::string &expected = row.at("expected").empty() ? row.at("openssl_verifies") : row.at("expected");
+    if ((expected != "ok" && expected != "fail") || (!attached && row.at("content_file").empty())) continue;
+    const uint8_t *data = attached ? nullptr : content.data();
+    const int size = attached ? 0 : int(content.size());
+    STACK *certs = new_X509_CERTIFICATES();
+    std::string names = row.at("signer_certs");
+    for (size_t comma; !names.empty(); names.erase(0, comma == std::string::npos ? comma : comma + 1)) {
+      comma = names.find(',');
+      const Bytes der = read_file(folder + "/" + names.substr(0, comma));
+      X509_CERT *cert = nullptr;
+      if (readDER_X509_CERT_from_Binary_RFC5280(&cert, der.data(), int(der.size())) == 0)
+        add_X509_CERTIFICATES(certs, cert);
+      free_X509_CERT(cert);
+    }
+    const int strict =
+        verify_PKCS7_strict(p7.get(), nullptr, certs, data, size, PKCS7_ALLOW_WEAK_DIGESTS, nullptr, nullptr);
+    free_X509_CERTIFICATES(certs);
+    // One signs content that is no OCTET STRING, which openssl does not look at.
+    if (expected == "fail" && row.at("file").find(".cat") == std::string::npos) EXPECT_NE(strict, 0) << path;
+    verified += strict == 0;
+    refused += strict != 0;
+    plain += verify_PKCS7(p7.get(), nullptr, data, size) == 0;
+    if (strict && expected == "ok")
+      std::printf("not verified: %s %08x (%s)\n", row.at("file").c_str(), unsigned(strict), row.at("notes").c_str());
+  }
+  std::printf("signed messages: %d read, %d verified, %d not, %d pass the plain form\n", decoded, verified, refused,
+              plain);
+  EXPECT_GT(decoded, 70);
+  EXPECT_GT(verified, 40);
+}
+
+TEST(Vectors, EnvelopedMessages) {
+  VELPKI_NEED_VECTORS("cms", folder);
+  int opened = 0, decoded = 0;
+  for (const Row &row : read_tsv(folder + "/manifest.tsv")) {
+    if (row.at("content_type") != "envelopedData" || row.at("recipient_key").empty()) continue;
+    const std::string path = folder + "/" + row.at("file");
+    int code = -1;
+    const Message p7 = read_any(path, &code);
+    if (!p7) continue;  // recipients of another kind
+    ++decoded;
+    const Bytes der = read_file(folder + "/" + first_of(row.at("recipient_cert")));
+    X509_CERT *cert = nullptr;
+    PKCS1_RSA_PRIVATE_KEY *record = nullptr;
+    readDER_X509_CERT_from_Binary_RFC5280(&cert, der.data(), int(der.size()));
+    const Certificate owner(cert);
+    const Bytes key_file = read_file(folder + "/" + first_of(row.at("recipient_key")));
+    // PKCS#8: version, algorithm, OCTET STRING with the key.
+    Owned<RSA_UNIT> rsa;
+    ASN1_UNIT *info = decodeToBERSequence_n(key_file.data(), int(key_file.size()));
+    auto *octets = static_cast<ASN1_STRING *>(getBERChildAt(info, 2, TYPE_OCTET_STRING));
+    if (octets && readDER_PKCS1_RSA_PRIVATE_KEY_from_Binary(&record, octets->data, octets->length) == 0)
+      rsa.reset(get_RSA_UNIT_from_PRIV_KEY(record));
+    free_PKCS1_RSA_PRIVATE_KEY(record);
+    free_ASN1_STRING(octets);
+    free_ASN1_UNIT(info);
+    const Owned<ASYMMETRIC_KEY> key(rsa ? RSA_UNIT_to_ASYMMETRIC_KEY(rsa.get()) : nullptr);
+    int length = get_PKCS7_ENCRYPTED_CONTENT_length(p7.get());
+    Bytes out(size_t(std::max(length, 1)));
+    const int result = decrypt_PKCS7_strict(p7.get(), cert, key.get(), out.data(), &length);
+    if (result == 0 && row.at("expected") != "fail") {
+      EXPECT_EQ(length, number_in(row, "content_length")) << path;
+      ++opened;
+    }
+    if (result && row.at("expected") == "ok")
+      std::printf("not opened: %s %08x (%s)\n", row.at("file").c_str(), unsigned(result), row.at("notes").c_str());
+  }
+  std::printf("enveloped messages: %d read, %d opened\n", decoded, opened);
+  EXPECT_GT(opened, 15);
+}
+
+// Everything that is here, as DER and damaged: no crash, and a code.
+TEST(Vectors, DamagedMessages) {
+  VELPKI_NEED_VECTORS("malformed", folder);
+  int taken = 0;
+  for (const Row &row : read_tsv(folder + "/manifest.tsv")) {
+    const Bytes octets = read_file(folder + "/" + row.at("file"));
+    if (octets.empty()) continue;
+    GuardedBytes guarded(octets.size());
+    const uint8_t *at = guarded.place(octets.data(), octets.size());
+    for (const auto read : {readBER_P7_CONTENT_INFO_from_Binary, readDER_P7_CONTENT_INFO_from_Binary}) {
+      P7_CONTENT_INFO *p7 = nullptr;
+      if (read(&p7, at, int(octets.size()))) continue;
+      ++taken;
+      verify_PKCS7(p7, nullptr, at, 4);
+      verify_PKCS7_strict(p7, nullptr, nullptr, at, 4, 1, nullptr, nullptr);
+      free_P7_CONTENT_INFO(p7);
+    }
+  }
+  std::printf("damaged inputs: %d taken as messages\n", taken);
+}

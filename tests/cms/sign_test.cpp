@@ -1,0 +1,294 @@
+// Signing and verifying: steps, versions, codes, attributes that are wrong, and what only the strict form refuses.
+#include "parties.h"
+#include "support/json.h"
+
+using namespace test;
+
+namespace {
+
+constexpr int kMismatch = F_P7_VERIFY | 0x5E;
+
+P7_SIGNER_INFO *add_signer(const Message &p7, const Party &party, int digest_row = 672, int padding = 1) {
+  const Certificate cert = party.certificate();
+  add_PKCS7_Certificate_ex(p7.get(), cert.get());
+  return add_PKCS7_Signature_withEncryptedAlgorithm(p7.get(), cert.get(), party.key().get(), digest_row, padding,
+                                                    nullptr);
+}
+int sign(const Message &p7, bool detached = false) {
+  return sign_PKCS7(p7.get(), document().data(), int(document().size()), detached);
+}
+int verify(const Message &p7, const Bytes *data = nullptr) {
+  return verify_PKCS7(p7.get(), nullptr, data ? data->data() : nullptr, data ? int(data->size()) : 0);
+}
+int verify_strictly(const Message &p7, int flags = 0, const Bytes *data = nullptr, const X509_CERT *cert = nullptr) {
+  return verify_PKCS7_strict(p7.get(), cert, nullptr, data ? data->data() : nullptr, data ? int(data->size()) : 0,
+                             flags, nullptr, nullptr);
+}
+std::string algorithm_of(const P7_SIGNER_INFO *signer) { return text_of(signer->digestEncryptionAlgorithm->algorithm); }
+
+TEST(Sign, EachStepHasItsCodes) {
+  VELPKI_NEED_OPENSSL;
+  const Message data = message_of(PKCS7_DATA), p7 = message_of(PKCS7_SIGNED_DATA);
+  EXPECT_EQ(init_PKCS7_Sign(nullptr, 0), F_P7_SIGN | 0x49);
+  EXPECT_EQ(init_PKCS7_Sign(data.get(), 0), F_P7_SIGN | 0x48);
+  EXPECT_EQ(init_PKCS7_Sign(p7.get(), 0), F_P7_SIGN | 0x2B);
+  const Certificate cert = first_party().certificate();
+  P7_SIGNER_INFO *signer = add_PKCS7_Signature(p7.get(), cert.get(), nullptr, 672);
+  ASSERT_NE(signer, nullptr);
+  EXPECT_EQ(init_PKCS7_Sign(p7.get(), 0), F_P7_SIGN | 0x48);
+  EXPECT_EQ(final_PKCS7_Sign(p7.get()), F_P7_SIGN | 0x48);
+  add_attributes(signer, PKV_DIGEST_SHA256);
+  EXPECT_EQ(final_PKCS7_Sign(p7.get()), 0x1C0048);
+  const Message keyed = message_of(PKCS7_SIGNED_DATA);
+  add_signer(keyed, first_party());
+  EXPECT_EQ(final_PKCS7_Sign(keyed.get()), F_P7_SIGN | 0x49);
+  EXPECT_EQ(update_PKCS7_Sign(keyed.get(), nullptr, 1), F_P7_SIGN | 0x49);
+  EXPECT_EQ(update_PKCS7_Sign(keyed.get(), document().data(), -1), F_P7_SIGN | 0x2B);
+  EXPECT_EQ(set_PKCS7_P7_SIGNER_INFO(signer, cert.get(), nullptr, 672, 3, nullptr), F_SET_PKCS7_P7_SIGNER_INFO | 0x49);
+  EXPECT_EQ(set_PKCS7_P7_SIGNER_INFO(signer, nullptr, nullptr, 672, 1, nullptr), F_SET_PKCS7_P7_SIGNER_INFO | 0x49);
+  EXPECT_EQ(set_PKCS7_P7_SIGNER_INFO(signer, cert.get(), nullptr, 9999, 1, nullptr), F_SET_PKCS7_P7_SIGNER_INFO | 0x48);
+}
+
+TEST(Sign, DigestsNameTheirAlgorithms) {
+  VELPKI_NEED_OPENSSL;
+  const Certificate cert = first_party().certificate();
+  const std::pair<int, int> rows[] = {{3, 7},     {4, 8},     {41, 42},   {64, 65}, {257, 396}, {672, 668},
+                                      {673, 669}, {674, 670}, {675, 671}, {781, 6}, {95, 6}};
+  for (const auto &[digest, wanted] : rows)
+    for (const int padding : {1, 2}) {
+      P7_SIGNER_INFO *signer = new_P7_SIGNER_INFO();
+      ASSERT_EQ(set_PKCS7_P7_SIGNER_INFO(signer, cert.get(), nullptr, digest, padding, nullptr), 0);
+      EXPECT_EQ(index_from_OBJECT_IDENTIFIER(signer->digestEncryptionAlgorithm->algorithm),
+                padding == 2 ? 835 : wanted);
+      EXPECT_EQ(signer->digestEncryptionAlgorithm->parameters->type, TYPE_NULL);
+      EXPECT_EQ(index_from_OBJECT_IDENTIFIER(signer->digestAlgorithm->algorithm), digest);
+      EXPECT_EQ(PKV_Get_BIGINT_Word(signer->version), 1u);
+      free_P7_SIGNER_INFO(signer);
+    }
+}
+
+TEST(Sign, ASecondTimeAddsNothing) {
+  VELPKI_NEED_OPENSSL;
+  const Message p7 = message_of(PKCS7_SIGNED_DATA);
+  add_signer(p7, first_party());
+  ASSERT_EQ(sign(p7), 0);
+  const Bytes once = written(p7.get());
+  EXPECT_EQ(sign(p7), 0);
+  EXPECT_EQ(final_PKCS7_Sign(p7.get()), 0);
+  EXPECT_TRUE(written(p7.get()) == once);
+}
+
+TEST(Sign, VersionsAndAlgorithms) {
+  VELPKI_NEED_OPENSSL;
+  struct Case {
+    int version, padding;
+    bool attributes;
+    const char *algorithm;
+    bool verifies;
+  };
+  const Case cases[] = {
+      {1, 1, false, "1.2.840.113549.1.1.11", true}, {1, 1, true, "1.2.840.113549.1.1.1", true},
+      {1, 2, false, "1.2.840.113549.1.1.10", true}, {1, 2, true, "1.2.840.113549.1.1.10", true},
+      {0, 1, false, "1.2.840.113549.1.1.1", true},  {0, 1, true, "1.2.840.113549.1.1.1", true},
+      {0, 2, false, "1.2.840.113549.1.1.1", false}, {3, 1, true, "1.2.840.113549.1.1.1", true},
+  };
+  for (const Case &c : cases) {
+    const Message p7 = message_of(PKCS7_SIGNED_DATA);
+    P7_SIGNER_INFO *signer = add_signer(p7, first_party(), 672, c.padding);
+    if (c.attributes) add_attributes(signer, PKV_DIGEST_SHA256, c.version ? document() : Bytes{1});
+    ASSERT_EQ(set_P7_version(p7.get(), c.version), 0);
+    ASSERT_EQ(sign(p7), 0);
+    EXPECT_EQ(algorithm_of(signer), c.algorithm);
+    EXPECT_EQ(PKV_Get_BIGINT_Word(signer->version), unsigned(c.version));
+    EXPECT_EQ(verify(sent(p7)) == 0, c.verifies) << c.version << c.padding << c.attributes;
+  }
+}
+
+TEST(Sign, DetachedContentComesInAnyPieces) {
+  VELPKI_NEED_OPENSSL;
+  for (const int pieces : {1, 2, 7}) {
+    const Message p7 = message_of(PKCS7_SIGNED_DATA);
+    add_signer(p7, first_party());
+    ASSERT_EQ(init_PKCS7_Sign(p7.get(), 1), 0);
+    const int size = int(document().size());
+    for (int i = 0, at = 0; i < pieces; ++i) {
+      const int next = i + 1 == pieces ? size : size * (i + 1) / pieces;
+      ASSERT_EQ(update_PKCS7_Sign(p7.get(), document().data() + at, next - at), 0);
+      at = next;
+    }
+    ASSERT_EQ(final_PKCS7_Sign(p7.get()), 0);
+    EXPECT_EQ(verify(sent(p7), &document()), 0);
+    EXPECT_EQ(verify_strictly(sent(p7), 0, &document()), 0);
+    const Bytes changed(document().begin(), document().end() - 1);
+    EXPECT_EQ(verify(sent(p7), &changed), PKV_ERR_MISMATCH);
+  }
+}
+
+TEST(Sign, EmptyContent) {
+  VELPKI_NEED_OPENSSL;
+  for (const bool detached : {false, true}) {
+    const Message p7 = message_of(PKCS7_SIGNED_DATA);
+    add_signer(p7, first_party());
+    ASSERT_EQ(sign_PKCS7(p7.get(), document().data(), 0, detached), 0);
+    const Message back = sent(p7);
+    EXPECT_EQ(verify_PKCS7(back.get(), nullptr, detached ? document().data() : nullptr, 0), 0);
+  }
+}
+
+TEST(Sign, KcdsaRoundTrip) {
+  const Json vectors = JsonReader(read_file(VELPKI_SOURCE_DIR "/../shared/reference/korean_vectors.json")).read();
+  if (vectors["kcdsa_keys"].items.empty()) GTEST_SKIP() << "no KCDSA keys here";
+  for (const Json &one : vectors["kcdsa_keys"].items) {
+    const Owned<KCDSA_UNIT> key(PKV_New_KCDSA());
+    PKV_Set_KCDSA_Params(key.get(), number(one["p"].text).get(), number(one["q"].text).get(),
+                         number(one["g"].text).get(), number(one["j"].text).get(), nullptr, nullptr, 0, 0);
+    ASSERT_EQ(PKV_Set_KCDSA_Private(key.get(), number(one["x"].text).get()), 0);
+    const Certificate cert = read_certificate(CertificateParts().der());
+    X509_PUBKEY *spki = new_X509_PUBKEY();
+    ASSERT_EQ(set_X509_PUBKEY_kcdsa(spki, key.get()), 0);
+    set_X509_pub_key(cert.get(), spki);
+    free_X509_PUBKEY(spki);
+    const Owned<ASYMMETRIC_KEY> wrapped(KCDSA_UNIT_to_ASYMMETRIC_KEY(key.get()));
+    for (const auto &[row, id] : {std::pair(64, PKV_DIGEST_SHA1), {781, PKV_DIGEST_HAS160}})
+      for (const bool attributes : {false, true}) {
+        const Message p7 = message_of(PKCS7_SIGNED_DATA);
+        P7_SIGNER_INFO *signer = add_PKCS7_Signature(p7.get(), cert.get(), wrapped.get(), row);
+        ASSERT_NE(signer, nullptr);
+        add_PKCS7_Certificate_ex(p7.get(), cert.get());
+        if (attributes) add_attributes(signer, id);
+        ASSERT_EQ(sign(p7), 0);
+        EXPECT_EQ(algorithm_of(signer), "1.2.410.200004.1.21");
+        EXPECT_EQ(verify(sent(p7)), 0);
+        EXPECT_EQ(verify_strictly(sent(p7), PKCS7_ALLOW_WEAK_DIGESTS), 0);
+        signer->encryptedDigest->data[1] ^= 1;
+        EXPECT_EQ(verify(p7), F_P7_VERIFY | 0x0E);
+        signer->encryptedDigest->data[1] ^= 1;
+        signer->encryptedDigest->data[signer->encryptedDigest->length - 1] ^= 1;
+        EXPECT_EQ(verify(p7), PKV_ERR_MISMATCH);
+      }
+  }
+}
+
+// A message digest attribute that is not what it should be, by what is done to its record before it is signed.
+TEST(Verify, MessageDigestAttributes) {
+  VELPKI_NEED_OPENSSL;
+  struct Case {
+    int type, length, values, copies;  // octets kept of the digest, the rest zeros
+    int plain, strict;
+  };
+  const Case cases[] = {
+      {TYPE_OCTET_STRING, 32, 1, 1, 0, 0},
+      {TYPE_OCTET_STRING, 0, 1, 1, kMismatch, kMismatch},
+      {TYPE_OCTET_STRING, 31, 1, 1, kMismatch, kMismatch},
+      {TYPE_OCTET_STRING, 33, 1, 1, 0, kMismatch},
+      {TYPE_UTF8_STRING, 32, 1, 1, 0, kMismatch},
+      {TYPE_SEQUENCE, 32, 1, 1, kMismatch, kMismatch},
+      {TYPE_OCTET_STRING, 32, 0, 1, kMismatch, F_P7_VERIFY | ERR_ATTRIBUTE_NOT_SINGLE},
+      {TYPE_OCTET_STRING, 32, 2, 1, 0, F_P7_VERIFY | ERR_ATTRIBUTE_NOT_SINGLE},
+      {TYPE_OCTET_STRING, 32, 1, 2, 0, F_P7_VERIFY | ERR_ATTRIBUTE_NOT_SINGLE},
+      {TYPE_OCTET_STRING, 32, 1, 0, 0, F_P7_VERIFY | ERR_ATTRIBUTE_MISSING},
+  };
+  Bytes digest(64, 0);
+  int length = 0;
+  PKV_DIGEST(PKV_DIGEST_SHA256, document().data(), int(document().size()), digest.data(), &length);
+  digest[31] ^= 0;
+  for (const Case &c : cases) {
+    Bytes value(digest.begin(), digest.begin() + c.length);
+    if (c.type == TYPE_SEQUENCE) value = TLV(0x04, Bytes(value.begin(), value.begin() + 30));
+    const Message p7 = message_of(PKCS7_SIGNED_DATA);
+    P7_SIGNER_INFO *signer = add_signer(p7, first_party());
+    const std::string type = "1.2.840.113549.1.7.1";
+    add_PKCS7_Signed_Attribute(signer, 50, TYPE_OBJECT_IDENTIFIER, reinterpret_cast<const uint8_t *>(type.data()),
+                               int(type.size()));
+    for (int i = 0; i < c.copies; ++i)
+      ASSERT_EQ(add_PKCS7_Signed_Attribute(signer, 51, c.type, value.data(), int(value.size())), 0);
+    auto *attribute = get_X509_ATTRIBUTES_child(signer->authenticatedAttributes, 1);
+    if (c.values == 0) free_X509_ATTRIBUTE_DATA(static_cast<X509_ATTRIBUTE_DATA *>(pop_STACK_value(attribute->values)));
+    if (c.values == 2) add_X509_ATTRIBUTE_data(attribute, TYPE_OCTET_STRING, string(TYPE_OCTET_STRING, value).get());
+    ASSERT_EQ(sign(p7), 0);
+    EXPECT_EQ(verify(sent(p7)), c.plain) << c.type << " " << c.length << " " << c.values << c.copies;
+    EXPECT_EQ(verify_strictly(sent(p7)), c.strict) << c.type << " " << c.length << " " << c.values << c.copies;
+  }
+}
+
+// Each of these passes the plain form.
+TEST(Verify, WhatOnlyTheStrictFormRefuses) {
+  VELPKI_NEED_OPENSSL;
+  const Message none = message_of(PKCS7_SIGNED_DATA);
+  EXPECT_EQ(verify(none), 0);
+  EXPECT_EQ(verify_strictly(none), F_P7_VERIFY | 0x49);
+  new_PKCS7_Content(none.get(), PKCS7_DATA);
+  EXPECT_EQ(verify_strictly(none), F_P7_VERIFY | 0x2B);
+
+  const Message bare = message_of(PKCS7_SIGNED_DATA);
+  const Certificate first = first_party().certificate(), second = second_party().certificate();
+  add_PKCS7_Signature(bare.get(), first.get(), first_party().key().get(), 672);
+  ASSERT_EQ(sign(bare), 0);
+  EXPECT_EQ(verify_PKCS7(bare.get(), second.get(), nullptr, 0), 0);
+  EXPECT_EQ(verify_strictly(bare), F_P7_VERIFY | ERR_NO_SIGNER_CERTIFICATE);
+  EXPECT_EQ(verify_strictly(bare, 0, nullptr, second.get()), F_P7_VERIFY | 0x2B);
+  EXPECT_EQ(verify_strictly(bare, 0, nullptr, first.get()), 0);
+
+  const Message p7 = message_of(PKCS7_SIGNED_DATA);
+  add_signer(p7, first_party(), 64);
+  ASSERT_EQ(sign(p7), 0);
+  const Bytes other{1, 2, 3};
+  EXPECT_EQ(verify(p7, &other), 0);
+  EXPECT_EQ(verify_strictly(p7, 1, &other), F_P7_VERIFY | ERR_CONTENT_MISMATCH);
+  EXPECT_EQ(verify_strictly(p7), F_P7_VERIFY | ERR_WEAK_DIGEST);
+  EXPECT_EQ(verify_strictly(p7, PKCS7_ALLOW_WEAK_DIGESTS), 0);
+  P7_SIGNER_REPORT reports[2];
+  int count = 2;
+  add_signer(p7, second_party());
+  ASSERT_EQ(sign(p7), 0);
+  EXPECT_EQ(verify_PKCS7_strict(p7.get(), nullptr, nullptr, nullptr, 0, 0, reports, &count),
+            F_P7_VERIFY | ERR_WEAK_DIGEST);
+  ASSERT_EQ(count, 2);
+  EXPECT_EQ(reports[0].code, F_P7_VERIFY | ERR_WEAK_DIGEST);
+  EXPECT_EQ(reports[1].code, 0);
+  EXPECT_EQ(cmp_X509_NAME(get_X509_subject(reports[1].certificate), get_X509_subject(second.get())), 0);
+}
+
+// The signed attributes of one message, taken for the content of another.
+TEST(Verify, AttributesAreNoContent) {
+  VELPKI_NEED_OPENSSL;
+  const Message p7 = message_of(PKCS7_SIGNED_DATA);
+  P7_SIGNER_INFO *signer = add_signer(p7, first_party());
+  add_attributes(signer, PKV_DIGEST_SHA256);
+  ASSERT_EQ(sign(p7, true), 0);
+  ASN1_UNIT *set = nullptr;
+  ASSERT_EQ(X509_ATTRIBUTES_to_Seq(signer->authenticatedAttributes, &set), 0);
+  const Bytes content = hex(flat(set));
+  free_ASN1_UNIT(set);
+  free_X509_ATTRIBUTES(std::exchange(signer->authenticatedAttributes, nullptr));
+  const Message forged = sent(p7);
+  EXPECT_EQ(verify(forged, &content), 0);
+  EXPECT_EQ(verify_strictly(forged, 0, &content), F_P7_VERIFY | ERR_AMBIGUOUS_CONTENT);
+}
+
+TEST(Sign, SurvivesEachFailedAllocation) {
+  VELPKI_NEED_OPENSSL;
+  const Certificate cert = small_party().certificate();
+  const Owned<ASYMMETRIC_KEY> key = small_party().key();
+  bool done = false;
+  for (long n = -1; !done && n < 3000; ++n) {  // the first time the key prepares itself
+    const size_t before = live_blocks();
+    fail_allocation(n);
+    {
+      Message p7 = message_of(PKCS7_SIGNED_DATA);
+      P7_SIGNER_INFO *signer = p7 ? add_PKCS7_Signature(p7.get(), cert.get(), key.get(), 672) : nullptr;
+      const int added = signer ? add_PKCS7_Certificate_ex(p7.get(), cert.get()) : 1;
+      if (signer) add_attributes(signer, PKV_DIGEST_SHA256);
+      const int signed_code = added ? 1 : sign(p7);
+      const Message back = signed_code ? nullptr : sent(p7);
+      done = back && signer->authenticatedAttributes && signer->authenticatedAttributes->count == 2 &&
+             verify(back) == 0 && verify_strictly(back) == 0;
+    }
+    fail_allocation(-1);
+    if (n < 0) done = false;
+    if (n >= 0) ASSERT_EQ(live_blocks(), before) << n;
+  }
+  EXPECT_TRUE(done);
+}
+
+}  // namespace
