@@ -1,42 +1,13 @@
 // Makes an RSA root and a KCDSA root, issues a certificate under each, writes them as PEM and DER, reads them back and
 // verifies them: issue_certificates DIRECTORY
-#include <velpki/asn1_error.h>
 #include <velpki/asn1_objects.h>
-#include <velpki/x509.h>
 
-#include <cstdio>
-#include <cstdlib>
 #include <cstring>
-#include <memory>
 #include <string>
 
+#include "example.h"
+
 namespace {
-
-struct Release {
-  void operator()(X509_CERT *p) const { free_X509_CERT(p); }
-  void operator()(X509_NAME *p) const { free_X509_NAME(p); }
-  void operator()(X509_TIME *p) const { free_X509_TIME(p); }
-  void operator()(X509_PUBKEY *p) const { free_X509_PUBKEY(p); }
-  void operator()(X509_EXTENSION *p) const { free_X509_EXTENSION(p); }
-  void operator()(ASN1_TIME *p) const { free_ASN1_TIME(p); }
-  void operator()(ASN1_STRING *p) const { free_ASN1_STRING(p); }
-  void operator()(ASYMMETRIC_KEY *p) const { free_ASYMMETRIC_KEY(p); }
-  void operator()(BIGINT *p) const { PKV_Free_BIGINT(p); }
-  void operator()(RSA_UNIT *p) const { PKV_Free_RSA(p); }
-  void operator()(KCDSA_UNIT *p) const { PKV_Free_KCDSA(p); }
-};
-template <class T>
-using owned = std::unique_ptr<T, Release>;
-
-[[noreturn]] void die(const char *what, int code = 0) {
-  char why[200] = "";
-  describe_velpki_code(code, why, sizeof why);
-  std::fprintf(stderr, "%s failed: %s\n", what, why);
-  std::exit(1);
-}
-void check(int code, const char *what) {
-  if (code) die(what, code);
-}
 
 // Progress of a generation: a dot whenever the count of candidates has doubled.
 int show_progress(int count, void *) {

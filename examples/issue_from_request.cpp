@@ -1,42 +1,12 @@
 // A certification authority in small: makes a root, takes a request by somebody else (or makes one itself when none is
 // given), checks it, and issues a certificate for what it asks: issue_from_request DIRECTORY [REQUEST.pem]
-#include <velpki/asn1_error.h>
 #include <velpki/asn1_io.h>
-#include <velpki/pkcs10.h>
 
-#include <cstdio>
-#include <cstdlib>
-#include <memory>
 #include <string>
 
+#include "example.h"
+
 namespace {
-
-struct Release {
-  void operator()(X509_CERT *p) const { free_X509_CERT(p); }
-  void operator()(PKCS10_X509_REQ *p) const { free_PKCS10_X509_REQ(p); }
-  void operator()(X509_NAME *p) const { free_X509_NAME(p); }
-  void operator()(X509_TIME *p) const { free_X509_TIME(p); }
-  void operator()(X509_PUBKEY *p) const { free_X509_PUBKEY(p); }
-  void operator()(X509_EXTENSION *p) const { free_X509_EXTENSION(p); }
-  void operator()(ASN1_TIME *p) const { free_ASN1_TIME(p); }
-  void operator()(ASN1_STRING *p) const { free_ASN1_STRING(p); }
-  void operator()(ASYMMETRIC_KEY *p) const { free_ASYMMETRIC_KEY(p); }
-  void operator()(BIGINT *p) const { PKV_Free_BIGINT(p); }
-  void operator()(ECC_UNIT *p) const { PKV_Free_ECC(p); }
-  void operator()(ECURVE *p) const { PKV_Free_ECURVE(p); }
-  void operator()(char *p) const { PKV_Free(p, __FILE__, __LINE__); }
-  void operator()(unsigned char *p) const { PKV_Free(p, __FILE__, __LINE__); }
-};
-template <class T>
-using owned = std::unique_ptr<T, Release>;
-
-void check(int code, const char *what) {
-  if (!code) return;
-  char why[200] = "";
-  describe_velpki_code(code, why, sizeof why);
-  std::fprintf(stderr, "%s failed: %s\n", what, why);
-  std::exit(1);
-}
 
 constexpr int kCommonName = 13, kEcdsaWithSha256 = 840;  // registry rows
 constexpr int kKeyUsage = 83, kSubjectAltName = 85, kBasicConstraints = 87, kExtKeyUsage = 126;
