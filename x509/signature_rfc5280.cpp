@@ -3,6 +3,7 @@
 
 #include <velpki/asn1_error.h>
 
+#include "x509/internal/dsa_signature.h"
 #include "x509/internal/rsa_parameters.h"
 
 namespace velpki {
@@ -88,6 +89,10 @@ int verify_ed25519(const Task &task) noexcept {
                             task.signature.data());
 }
 
+int verify_dsa_value(const Task &task) noexcept {
+  return verify_dsa(task.tbs, task.signature, task.signer, task.digest_id, task.function);
+}
+
 // The other direction: signs `tbs` and appends the signature's octets.
 struct Signing {
   Octets tbs;
@@ -150,6 +155,9 @@ constexpr Algorithm kAlgorithms[] = {
     {"1.2.840.10045.4.3.2",   PKV_DIGEST_SHA256, Parameters::absent, verify_ecdsa, sign_ecdsa},
     {"1.2.840.10045.4.3.3",   PKV_DIGEST_SHA384, Parameters::absent, verify_ecdsa, sign_ecdsa},
     {"1.2.840.10045.4.3.4",   PKV_DIGEST_SHA512, Parameters::absent, verify_ecdsa, sign_ecdsa},
+    {"1.2.840.10040.4.3",     PKV_DIGEST_SHA1,   Parameters::null_or_absent, verify_dsa_value, nullptr},
+    {"2.16.840.1.101.3.4.3.1", PKV_DIGEST_SHA224, Parameters::absent, verify_dsa_value, nullptr},
+    {"2.16.840.1.101.3.4.3.2", PKV_DIGEST_SHA256, Parameters::absent, verify_dsa_value, nullptr},
     {"1.3.101.112",           0,                 Parameters::absent, verify_ed25519, nullptr},
     {"1.2.410.200004.1.22",   PKV_DIGEST_HAS160, Parameters::null_or_absent, verify_kcdsa_value, sign_kcdsa_value},
     {"1.2.410.200004.1.23",   PKV_DIGEST_SHA1,   Parameters::null_or_absent, verify_kcdsa_value, sign_kcdsa_value},

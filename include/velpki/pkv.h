@@ -428,6 +428,11 @@ VELPKI_API int PKV_ECDH(const ECC_UNIT *key, const ECC_POINT *peer, unsigned cha
 /* PKV_ED25519_VERIFY verifies a signature of 64 octets under a public key of 32 (RFC 8032). */
 VELPKI_API int PKV_ED25519_VERIFY(const unsigned char *public_key, const unsigned char *data, int length,
                                   const unsigned char *signature) VELPKI_NOEXCEPT;
+/* PKV_DSA_VERIFY verifies with the public value y of the domain p, q, g (FIPS 186-4): p of 512 to 10,000 bits and q of
+ * 160, 224 or 256, else PKV_ERR_BAD_VALUE. That p and q are primes is not looked at. */
+VELPKI_API int PKV_DSA_VERIFY(const BIGINT *p, const BIGINT *q, const BIGINT *g, const BIGINT *y, int digest_id,
+                              const unsigned char *data, int length, const unsigned char *r, int r_length,
+                              const unsigned char *s, int s_length) VELPKI_NOEXCEPT;
 
 VELPKI_END
 

@@ -62,6 +62,33 @@ TEST(Ecc, VerifiesEcdsaVectors) {
   }
 }
 
+TEST(Dsa, VerifiesVectors) {
+  VELPKI_NEED_VECTORS("sigs", folder);
+  struct Key {
+    Number p, q, g, y;
+    explicit operator bool() const { return p && q && g && y; }
+  };
+  int valid = 0, invalid = 0;
+  const auto make = [](const Json &group) {
+    const Json &key = group["publicKey"];
+    return Key{number(key["p"].text), number(key["q"].text), number(key["g"].text), number(key["y"].text)};
+  };
+  const auto check = [&](const Key &key, const Json &group, const Json &vector) {
+    Bytes r, s;
+    if (!read_signature(vector["sig"].octets(), r, s)) return;
+    const bool good = vector["result"].text == "valid";
+    EXPECT_EQ(good ? 0 : PKV_ERR_MISMATCH, call(PKV_DSA_VERIFY, key.p, key.q, key.g, key.y,
+                                                digest_id(group["sha"].text), vector["msg"].octets(), r, s));
+    ++(good ? valid : invalid);
+    // With p for q there is no domain.
+    EXPECT_EQ(PKV_ERR_BAD_VALUE, call(PKV_DSA_VERIFY, key.p, key.p, key.g, key.y, digest_id(group["sha"].text),
+                                      vector["msg"].octets(), r, s));
+  };
+  for (const char *name : {"224_sha224", "256_sha256"})
+    each_vector(folder + "/dsa_2048_" + name + "_test.json", make, check);
+  EXPECT_TRUE(valid > 25 && invalid > 10) << valid << ' ' << invalid;
+}
+
 TEST(Ecc, VerifiesEd25519Vectors) {
   VELPKI_NEED_VECTORS("sigs/ed25519_test.json", file);
   int done = 0;
