@@ -1,9 +1,10 @@
-// Certificates and names on standard output.
+// Certificates, revocation lists and names on standard output.
 #include <velpki/asn1_objects.h>
 #include <velpki/utils.h>
 
 #include <cstdio>
 
+#include "x509/internal/crl.h"
 #include "x509/internal/print.h"
 
 namespace velpki {
@@ -148,4 +149,54 @@ void print_X509_CERTIFICATES(const X509_CERTIFICATES *certs) noexcept {
     std::printf("\n\nX509_CERTS === [%d/%d]\n", i + 1, count);
     print_X509(element<X509_CERT>(certs, i));
   }
+}
+
+namespace velpki {
+
+namespace {
+
+constexpr int kShownEntries = 20;
+
+void print_entry(const X509_REVOKED &entry) noexcept {
+  print_time("  -  ", entry.revocationDate);
+  std::fputs("     serial : ", stdout);
+  print_number(entry.userCertificate);
+  const int reason = get_X509_REVOKED_CRLreason_strict(&entry);
+  if (reason >= 0) std::printf("     reason : %d\n", reason);
+}
+
+void print_entries(const STACK *revoked) noexcept {
+  const int count = revoked ? revoked->count : 0;
+  std::printf("+ Revoked : %d\n", count);
+  for (int i = 0; i < count && i < kShownEntries; ++i)
+    if (const X509_REVOKED *entry = get_X509_REVOKED(revoked, i)) print_entry(*entry);
+  if (count > kShownEntries) std::fputs("  -  ...\n", stdout);
+}
+
+void print_extension_names(const X509_EXTENSIONS *extensions) noexcept {
+  if (!extensions || !extensions->count) return;
+  std::fputs("+ Extensions\n", stdout);
+  for (const X509_EXTENSION *each : elements<X509_EXTENSION>(extensions)) {
+    if (!each || !each->object) continue;
+    std::fputs("  -  ", stdout);
+    print_text(short_name(*each->object));
+    std::fputs(each->critical ? ", critical\n" : "\n", stdout);
+  }
+}
+
+}  // namespace
+
+}  // namespace velpki
+
+void print_X509_CRL(const X509_CRL *crl) noexcept {
+  if (!crl || !crl->tbs) return;
+  const X509_CRL_INFO &info = *crl->tbs;
+  std::printf("+ Version : %02X\n+ Signature : ", unsigned(info.version));
+  if (info.signature) print_text(long_name(*info.signature));
+  std::fputs("\n+ Issuer : \n", stdout);
+  print_X509_NAME(info.issuer);
+  print_time("+ This Update : ", info.thisUpdate);
+  print_time("+ Next Update : ", info.nextUpdate);
+  print_entries(info.revoked);
+  print_extension_names(info.extensions);
 }

@@ -323,6 +323,17 @@ TEST(Crl, LookUps) {
   EXPECT_EQ(find_X509_CRL_revoked(crl.get(), serial(1).get()), entry.release());
 }
 
+TEST(Crl, IsPrinted) {
+  CrlParts parts;
+  parts.issuer = TLV(0x30, TLV(0x31, TLV(0x30, TLV(0x06, "550403") + TLV(0x0C, "431b5b41"))));
+  const Crl crl = house(parts.der());
+  const std::string text =
+      captured_stdout([](const void *c) { print_X509_CRL(static_cast<const X509_CRL *>(c)); }, crl.get());
+  for (const char *words :
+       {"C\\x1B[A", "+ Next Update : 20300101000000Z", "+ Revoked : 3", "serial : 80", "reason : 1", "crlNumber"})
+    EXPECT_NE(text.find(words), std::string::npos) << words << text;
+}
+
 class CrlSignatures : public WithKeys {};
 
 TEST_F(CrlSignatures, OfTheHouseForm) {
