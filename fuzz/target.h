@@ -21,6 +21,7 @@ Targets x509_targets();
 Targets extension_targets();
 Targets pkcs7_targets();
 Targets crl_targets();
+Targets korea_targets();
 
 inline void require(bool holds, const char *what) {
   if (holds) return;
