@@ -20,6 +20,7 @@ constexpr CipherInfo kCiphers[] = {
     {0x03000300, "ARIA-256", 16, 32, 32, 32, 0}, {0x04000100, "SEED", 16, 16, 16, 16, 0},
     {0x05000100, nullptr, 8, 16, 1, 255, 0},     {0x06000100, "BF", 8, 16, 4, 56, 0},
     {0x07000100, "RC2", 8, 16, 16, 16, 128},     {0x07000200, "RC2", 8, 5, 5, 5, 40},
+    {0x07000300, "RC2", 8, 8, 8, 8, 64},
 };
 constexpr const char *kModeNames[] = {"ECB", "CBC", "CFB", "OFB"};
 constexpr int kModeStep = PKV_MODE_CBC - PKV_MODE_ECB;

@@ -165,6 +165,8 @@ int PKV_Init_DIGEST(DIGEST_UNIT *unit, int digest_id) noexcept {
   return 0;
 }
 
+int PKV_Get_DIGEST_ID(const DIGEST_UNIT *unit) noexcept { return unit && unit->info ? unit->info->id : 0; }
+
 int PKV_Update_DIGEST(DIGEST_UNIT *unit, const unsigned char *data, int length) noexcept {
   if (!unit) return PKV_ERR_NULL;
   if (int code = check_octets(data, length)) return code;

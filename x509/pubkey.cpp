@@ -66,6 +66,8 @@ bool read_number(Cursor &in, Number &out) noexcept {
   return true;
 }
 
+}  // namespace
+
 // SEQUENCE { p, q, g INTEGER, j INTEGER OPTIONAL, SEQUENCE { seed, count } OPTIONAL }
 int read_kcdsa_parameters(const Tlv &tlv, KCDSA_UNIT &key) noexcept {
   Cursor in(tlv);
@@ -80,6 +82,8 @@ int read_kcdsa_parameters(const Tlv &tlv, KCDSA_UNIT &key) noexcept {
                                         int(octets.size()), int(seed.count));
   return code ? kOutOfMemory : 0;
 }
+
+namespace {
 
 int read_kcdsa(Cursor &algorithm, X509_PUBKEY &out) noexcept {
   Tlv parameters;
@@ -98,13 +102,27 @@ struct KnownCurve {
 constexpr KnownCurve kKnownCurves[] = {
     {"1.2.840.10045.3.1.7", "prime256v1"}, {"1.3.132.0.34", "secp384r1"}, {"1.3.132.0.35", "secp521r1"}};
 
+}  // namespace
+
+const char *curve_of_oid(std::string_view oid) noexcept {
+  for (const KnownCurve &curve : kKnownCurves)
+    if (curve.oid == oid) return curve.name;
+  return nullptr;
+}
+
+void write_known_curve(std::string_view name, DerWriter &out) noexcept {
+  for (const KnownCurve &curve : kKnownCurves)
+    if (name == curve.name) return out.oid_text(curve.oid);
+  out.refuse();
+}
+
+namespace {
+
 int read_known_curve(std::string_view oid, X509_PUBKEY &out) noexcept {
-  for (const KnownCurve &curve : kKnownCurves) {
-    if (curve.oid != oid) continue;
-    ECC_UNIT *key = attach_key(out, ASYMMETRIC_KEY_ECC, PKV_New_ECC);
-    return key ? read_point_of(octets(*out.subjectPublicKey), F_SEQ_TO_X509_PUBKEY, curve.name, *key) : kOutOfMemory;
-  }
-  return kMalformed;
+  const char *name = curve_of_oid(oid);
+  if (!name) return kMalformed;
+  ECC_UNIT *key = attach_key(out, ASYMMETRIC_KEY_ECC, PKV_New_ECC);
+  return key ? read_point_of(octets(*out.subjectPublicKey), F_SEQ_TO_X509_PUBKEY, name, *key) : kOutOfMemory;
 }
 
 // namedCurve OBJECT IDENTIFIER (RFC 5480); anything but the listed curve fails in house form.
@@ -163,8 +181,6 @@ int decode(const Tlv &tlv, X509_PUBKEY &out) noexcept {
   return in.rules().standard ? read_any_key(algorithm, out) : read_key(algorithm, out);
 }
 
-namespace {
-
 void write_kcdsa_parameters(const KCDSA_UNIT &key, DerWriter &out) noexcept {
   const auto sequence = out.sequence();
   for (const auto which : {PKV_KCDSA_P, PKV_KCDSA_Q, PKV_KCDSA_G}) out.integer(PKV_Get_KCDSA_Component(&key, which));
@@ -177,11 +193,7 @@ void write_kcdsa_parameters(const KCDSA_UNIT &key, DerWriter &out) noexcept {
   out.integer(unsigned(count));
 }
 
-void write_known_curve(std::string_view name, DerWriter &out) noexcept {
-  for (const KnownCurve &curve : kKnownCurves)
-    if (name == curve.name) return out.oid_text(curve.oid);
-  out.refuse();
-}
+namespace {
 
 void write_curve(const ECC_UNIT &key, DerWriter &out) noexcept {
   OBJECT_IDENTIFIER *oid = nullptr;

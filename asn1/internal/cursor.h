@@ -104,6 +104,9 @@ bool is_der(Octets octets) noexcept;
 // Reads the content of an INTEGER: as a magnitude in house form, with its sign in standard form.
 Read read_integer(const Tlv &tlv, BIGINT *&out) noexcept;
 
+// The content of a string that may be constructed of segments (X.690 8.7.3), as one OCTET STRING.
+Read read_joined_octets(const Tlv &tlv, ASN1_STRING *&out) noexcept;
+
 // A copy of a whole encoded value as a unit.
 Read read_unit(const Tlv &tlv, ASN1_UNIT *&out) noexcept;
 

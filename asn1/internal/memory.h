@@ -85,6 +85,22 @@ class WipeAtEnd {
   size_t length_;
 };
 
+// Octets that are wiped when they go.
+class SecretOctets {
+ public:
+  explicit SecretOctets(size_t size) noexcept : data_(new_octets(size)), size_(size) {}
+  SecretOctets(const SecretOctets &) = delete;
+  SecretOctets &operator=(const SecretOctets &) = delete;
+  ~SecretOctets() { PKV_Wipe(data_.get(), data_ ? size_ : 0); }
+  explicit operator bool() const noexcept { return data_ != nullptr; }
+  uint8_t *data() const noexcept { return data_.get(); }
+  int size() const noexcept { return int(size_); }
+
+ private:
+  owned<uint8_t> data_;
+  size_t size_;
+};
+
 inline void copy_octets(void *to, Octets from) noexcept {
   if (!from.empty()) std::memcpy(to, from.data(), from.size());
 }

@@ -22,25 +22,6 @@ struct Flat<CONTENT_ENCRYPTION> {
 
 inline constexpr int kNoRoom = 0x3A;  // encrypted content that cannot grow
 
-// Octets that are wiped when they go.
-class SecretOctets {
- public:
-  explicit SecretOctets(size_t size) noexcept : data_(new_octets(size)), size_(size) {}
-  SecretOctets(const SecretOctets &) = delete;
-  SecretOctets &operator=(const SecretOctets &) = delete;
-  ~SecretOctets() { PKV_Wipe(data_.get(), data_ ? size_ : 0); }
-  explicit operator bool() const noexcept { return data_ != nullptr; }
-  uint8_t *data() const noexcept { return data_.get(); }
-  int size() const noexcept { return int(size_); }
-
- private:
-  owned<uint8_t> data_;
-  size_t size_;
-};
-
-// The provider's cipher of an algorithm, 0 when it is none that encrypts content.
-int content_cipher_id(const X509_ALGO_IDENTIFIER *algorithm) noexcept;
-
 // A fresh random key and IV for a cipher.
 struct ContentKey {
   explicit ContentKey(int cipher_id) noexcept

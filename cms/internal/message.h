@@ -63,9 +63,6 @@ class MessageReader : public Cursor {
   int code_ = 0;
 };
 
-// The content of a string that may be constructed of segments (X.690 8.7.3), as one OCTET STRING.
-Read read_joined_octets(const Tlv &tlv, ASN1_STRING *&out) noexcept;
-
 // A version; one that is missing counts as 0.
 inline void write_version(const BIGINT *version, DerWriter &out) noexcept {
   version ? out.integer(version) : out.integer(0u);

@@ -140,6 +140,10 @@ VELPKI_API DIGEST_UNIT *PKV_Dup_DIGEST(const DIGEST_UNIT *unit) VELPKI_NOEXCEPT;
 VELPKI_API int PKV_Init_DIGEST(DIGEST_UNIT *unit, int digest_id) VELPKI_NOEXCEPT;
 VELPKI_API int PKV_Update_DIGEST(DIGEST_UNIT *unit, const unsigned char *data, int length) VELPKI_NOEXCEPT;
 VELPKI_API int PKV_Final_DIGEST(DIGEST_UNIT *unit, unsigned char *out, int *out_length) VELPKI_NOEXCEPT;
+/* The identifier of the digest that a unit computes; 0 for null, before Init and after Final. */
+VELPKI_API int PKV_Get_DIGEST_ID(const DIGEST_UNIT *unit) VELPKI_NOEXCEPT;
+/* PKV_Repeat_DIGEST replaces `value`, of the digest's own length, by its digest, `count` times over. */
+VELPKI_API int PKV_Repeat_DIGEST(int digest_id, unsigned char *value, int count) VELPKI_NOEXCEPT;
 
 /* HMAC over any of the digests (RFC 2104); the identifier may carry PKV_HMAC_FLAG. With MDC-2 a key has at most the 8
  * octets of its block (else PKV_ERR_BAD_VALUE). After Final the unit is ready for another message under the same key,
@@ -154,12 +158,17 @@ VELPKI_API int PKV_Init_HMAC(HMAC_UNIT *unit, int digest_id, const unsigned char
 VELPKI_API int PKV_Update_HMAC(HMAC_UNIT *unit, const unsigned char *data, int length) VELPKI_NOEXCEPT;
 VELPKI_API int PKV_Final_HMAC(HMAC_UNIT *unit, unsigned char *out, int *out_length) VELPKI_NOEXCEPT;
 
+/* PBKDF2 with HMAC over the digest (RFC 8018 5.2), the identifier with or without PKV_HMAC_FLAG. Password and salt may
+ * be empty; fewer than one iteration or octet is PKV_ERR_BAD_VALUE. */
+VELPKI_API int PKV_PBKDF2(int digest_id, const unsigned char *password, int password_length, const unsigned char *salt,
+                          int salt_length, int iterations, unsigned char *out, int out_length) VELPKI_NOEXCEPT;
+
 /* Ciphers. */
 
 /* Cipher identifiers: top octet the family (01 AES, 02 DES, 03 ARIA, 04 SEED, 05 RC5, 06 Blowfish, 07 RC2), second
  * octet 01 for three-key triple DES, third octet the key size (AES and ARIA 01/02/03 for 128/192/256 bits; DES 00 and
- * 01 single, 02 two-key EDE, 12 two-key EDE of the password-based scheme; RC2 01 128-bit, 02 40-bit), low octet the
- * mode. */
+ * 01 single, 02 two-key EDE, 12 two-key EDE of the password-based scheme; RC2 01 128-bit, 02 40-bit, 03 64-bit), low
+ * octet the mode. */
 enum {
   PKV_MODE_ECB = 0x00,
   PKV_MODE_CBC = 0x20,

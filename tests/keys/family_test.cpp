@@ -10,6 +10,15 @@ namespace {
 const std::vector<Family> &families() {
   static const Bytes sha256 = TLV(0x30, "0609608648016503040201 0500");
   static const Bytes hash = TLV(0xA0, sha256), mask = TLV(0xA1, TLV(0x30, hex("06092a864886f70d010108") + sha256));
+  static const Bytes kdf = TLV(0x30, "04080102030405060708 02020800 020120 300c06082a864886f70d02090500");
+  static const Bytes pbes2 = TLV(0x30, TLV(0x30, hex("06092a864886f70d01050c") + kdf) +
+                                           TLV(0x30, "060960864801650304012a 0410" + std::string(32, '1')));
+  static const std::string attributes =
+      "a027 3025 060a2a831a8c9a440a010103 3117 03150000112233445566778899aabbccddeeff00112233";
+  static const Bytes rsa =
+      TLV(0x30, hex("020100 300d06092a864886f70d0101010500") +
+                    TLV(0x04, TLV(0x30, "020100 02020111 020103 020200ab 020111 020117 020107 020103 020102")) +
+                    hex(attributes));
   static const std::vector<Family> all = {
       FAMILY(PKCS1_RSA_PRIVATE_KEY, TLV(0x30, "020100 02020111 020103 020200ab 020111 020117 020107 020103 020102"),
              dup_PKCS1_RSA_PRIVATE_KEY),
@@ -17,6 +26,16 @@ const std::vector<Family> &families() {
       FAMILY(RSASSA_PSS_PARAM, TLV(0x30, hash + mask + TLV(0xA2, "020120")), dup_RSASSA_PSS_PARAM),
       FAMILY(RSAES_OAEP_PARAM, TLV(0x30, hash + mask + TLV(0xA2, TLV(0x30, "06092a864886f70d010109 0402abcd"))),
              dup_RSAES_OAEP_PARAM),
+      FAMILY(P5_PBE_PARAM, TLV(0x30, "04080102030405060708 02020800"), dup_P5_PBE_PARAM),
+      family<P5_PBE_PARAM>("P5_PBE_PARAM_with_cipher", pbes2, Seq_to_P5_PBE_PARAM_RFC5280, P5_PBE_PARAM_to_Seq_RFC5280,
+                           dup_P5_PBE_PARAM, free_P5_PBE_PARAM),
+      family<PKCS8>("PKCS8", TLV(0x30, TLV(0x30, hex("06092a864886f70d01050d") + pbes2) + TLV(0x04, "0badcafe")),
+                    Seq_to_P8_ENCRYPTED_KEY, P8_ENCRYPTED_KEY_to_Seq, dup_PKCS8, free_PKCS8),
+      FAMILY(P8_PRIV_KEY_INFO, rsa, dup_P8_PRIV_KEY_INFO),
+      family<P8_PRIV_KEY_INFO>("P8_PRIV_KEY_INFO_of_an_unknown_key",
+                               TLV(0x30, "020100 300506032b6570 0422 0420" + std::string(64, '7') + attributes),
+                               Seq_to_P8_PRIV_KEY_INFO_RFC5280, P8_PRIV_KEY_INFO_to_Seq, dup_P8_PRIV_KEY_INFO,
+                               free_P8_PRIV_KEY_INFO),
   };
   return all;
 }

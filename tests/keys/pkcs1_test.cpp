@@ -1,6 +1,4 @@
 // PKCS#1: keys of others and to others, conversions, and the parameters of OAEP and PSS.
-#include <velpki/pem.h>
-
 #include <functional>
 
 #include "samples.h"
@@ -28,18 +26,6 @@ Owned<PKCS1_RSA_PRIVATE_KEY> read_private(const Bytes &der, int *code = nullptr)
   const int result = readDER_PKCS1_RSA_PRIVATE_KEY_from_Binary(&read, der.data(), int(der.size()));
   if (code) *code = result;
   return Owned<PKCS1_RSA_PRIVATE_KEY>(read);
-}
-
-// The DER and the label of the first block of a text that may begin with words.
-Bytes der_of(const Bytes &text, std::string &label) {
-  unsigned char *der = nullptr;
-  const char *name = nullptr;
-  int name_length = 0;
-  const int length = decode_PEM_ex(reinterpret_cast<const char *>(text.data()), int(text.size()), nullptr, &name,
-                                   &name_length, nullptr, &der);
-  const Block owner(der);
-  label.assign(name ? name : "", size_t(name_length));
-  return length > 0 ? Bytes(der, der + length) : Bytes();
 }
 
 std::string written(const PKCS1_RSA_PRIVATE_KEY *key) {

@@ -69,6 +69,37 @@ TEST(Digest, PiecesAndCopiesGiveTheWhole) {
   }
 }
 
+// A digest repeated, and PBKDF2, against the steps that they stand for.
+TEST(Digest, RepeatedAndDerived) {
+  const Bytes salt = hex("0102030405"), key(90, 0x61);
+  for (const Known &known : kKnown) {
+    if (known.id == PKV_DIGEST_MDC2) continue;  // no key longer than its block
+    const size_t length = size_t(known.length);
+    Bytes value(length, 7), repeated = value, derived(length + 3), sum(length);
+    for (int i = 0; i < 3; ++i) ASSERT_EQ(PKV_DIGEST(known.id, value.data(), int(length), value.data(), nullptr), 0);
+    ASSERT_EQ(PKV_Repeat_DIGEST(known.id, repeated.data(), 3), 0);
+    EXPECT_EQ(to_hex(repeated), to_hex(value)) << known.id;
+    Bytes message = salt;
+    message.insert(message.end(), {0, 0, 0, 1});
+    for (int i = 0; i < 4; ++i) {
+      value.assign(length, 0);
+      ASSERT_EQ(PKV_HMAC(known.id, key.data(), 90, message.data(), int(message.size()), value.data(), nullptr), 0);
+      for (size_t at = 0; at < length; ++at) sum[at] = uint8_t(sum[at] ^ value[at]);
+      message = value;
+    }
+    ASSERT_EQ(PKV_PBKDF2(known.id | PKV_HMAC_FLAG, key.data(), 90, salt.data(), 5, 4, derived.data(), int(length) + 3),
+              0);
+    EXPECT_EQ(to_hex(derived.data(), length), to_hex(sum)) << known.id;
+    const Unit unit(PKV_New_DIGEST());
+    EXPECT_EQ(PKV_Get_DIGEST_ID(unit.get()), 0);
+    ASSERT_EQ(PKV_Init_DIGEST(unit.get(), known.id), 0);
+    EXPECT_EQ(PKV_Get_DIGEST_ID(unit.get()), known.id);
+  }
+  EXPECT_EQ(PKV_Repeat_DIGEST(0x77, nullptr, 1), PKV_ERR_NULL);
+  EXPECT_EQ(PKV_PBKDF2(0x77, nullptr, 0, nullptr, 0, 1, Bytes(1).data(), 1), PKV_ERR_UNSUPPORTED);
+  EXPECT_EQ(PKV_PBKDF2(PKV_DIGEST_SHA1, nullptr, 0, nullptr, 0, 0, Bytes(1).data(), 1), PKV_ERR_BAD_VALUE);
+}
+
 TEST(Digest, Has160Vectors) {
   VELPKI_NEED_VECTORS("../reference/korean_vectors.json", file);
   for (const Json &c : read_json(file)["has160"].items) {

@@ -121,6 +121,17 @@ int read_kcdsa_value(Octets der, int function, KCDSA_UNIT &key) noexcept;
 // An uncompressed point of a curve that the provider knows by name, in its full length.
 int read_point_of(Octets point, int function, const char *curve, ECC_UNIT &key) noexcept;
 
+// The domain parameters of a KCDSA key, as they stand in an AlgorithmIdentifier. What is read has the codes of
+// F_SEQ_TO_X509_PUBKEY.
+int read_kcdsa_parameters(const Tlv &tlv, KCDSA_UNIT &key) noexcept;
+void write_kcdsa_parameters(const KCDSA_UNIT &key, DerWriter &out) noexcept;
+// The curves that the provider and the standard form know, by OID and by the provider's name.
+const char *curve_of_oid(std::string_view oid) noexcept;  // null for another
+void write_known_curve(std::string_view name, DerWriter &out) noexcept;
+
+// The provider's cipher of an algorithm, 0 when it is none that encrypts content.
+int content_cipher_id(const X509_ALGO_IDENTIFIER *algorithm) noexcept;
+
 // An OID of a registry row as a new record.
 inline owned<OBJECT_IDENTIFIER> oid_of_row(int index) noexcept {
   return owned<OBJECT_IDENTIFIER>(index_to_OBJECT_IDENTIFIER(index));
