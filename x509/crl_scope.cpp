@@ -68,7 +68,7 @@ class PointNames {
     for (const X509_NAME_CHILD *each : elements<X509_NAME_CHILD>(whole_ ? &rdn : nullptr)) {
       if (!each || add_X509_NAME_child(whole_.get(), each, -1)) return false;
       X509_NAME_CHILD *added = get_X509_NAME_CHILD(whole_.get(), whole_->count - 1);
-      if (added->rdn) added->rdn += base;
+      if (added->rdn > 0) added->rdn += base;
     }
     set_directory(whole_.get());
     return whole_ != nullptr;

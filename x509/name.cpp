@@ -33,11 +33,20 @@ bool make_room(STACK &name, int more) noexcept {
   return wanted <= INT_MAX && reserve_stack(&name, int(wanted));
 }
 
+bool read_empty_rdn(Cursor &in, STACK &name) noexcept {
+  owned<X509_NAME_CHILD> child(blank<X509_NAME_CHILD>());
+  if (!in.made(child.get())) return false;
+  child->rdn = kEmptyRdn;
+  return append(&name, child) || in.stop(Read::no_memory);
+}
+
 }  // namespace
 
 // RelativeDistinguishedName ::= SET OF AttributeTypeAndValue. House form keeps the first one; standard form keeps all,
-// and those of one set share a number.
+// and those of one set share a number. An empty set, which certificates in use have, becomes a child without type and
+// value.
 bool read_rdn(Cursor &in, const Tlv &set, STACK &name) noexcept {
+  if (in.rules().standard && set.content.empty()) return read_empty_rdn(in, name);
   Cursor rdn(set);
   const int before = name.count;
   const int count = in.rules().standard ? count_values(set.content, rdn.rules()) : 1;
@@ -68,7 +77,7 @@ void write_attribute(const X509_NAME_CHILD &child, DerWriter &out) noexcept {
 // Whether the child at `index` belongs to the RDN of the one before it.
 bool continues_rdn(const STACK &name, int index) noexcept {
   const auto *before = element<X509_NAME_CHILD>(&name, index - 1), *child = element<X509_NAME_CHILD>(&name, index);
-  return before && child && child->rdn && child->rdn == before->rdn;
+  return before && child && child->rdn > 0 && child->rdn == before->rdn;
 }
 
 }  // namespace
@@ -79,6 +88,7 @@ int encode_rdn(const STACK &name, int &index, DerWriter &out, uint8_t identifier
   do {
     const auto *child = element<X509_NAME_CHILD>(&name, index);
     if (!child) return fail(F_X509_NAME_TO_SEQ, kBadValue);
+    if (out.rules().standard && child->rdn == kEmptyRdn) return ++index, 0;
     if (!child->type || !child->value) return fail(F_X509_NAME_TO_SEQ, ERR_ASN1_ENCODING);
     write_attribute(*child, out);
   } while (++index < name.count && out.rules().standard && continues_rdn(name, index));

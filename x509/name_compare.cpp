@@ -161,6 +161,7 @@ bool same_text(const ASN1_STRING &a, const ASN1_STRING &b) noexcept {
 }
 
 bool same_attribute(const X509_NAME_CHILD *a, const X509_NAME_CHILD *b) noexcept {
+  if (a && b && a->rdn == kEmptyRdn && b->rdn == kEmptyRdn) return true;
   return a && b && a->value && b->value && same_octets(a->type, b->type) && same_text(*a->value, *b->value);
 }
 
@@ -168,7 +169,7 @@ bool same_attribute(const X509_NAME_CHILD *a, const X509_NAME_CHILD *b) noexcept
 int rdn_end(const X509_NAME &name, int index) noexcept {
   const auto *first = element<X509_NAME_CHILD>(&name, index);
   int end = index + 1;
-  while (end < name.count && first && first->rdn && element<X509_NAME_CHILD>(&name, end) &&
+  while (end < name.count && first && first->rdn > 0 && element<X509_NAME_CHILD>(&name, end) &&
          element<X509_NAME_CHILD>(&name, end)->rdn == first->rdn)
     ++end;
   return end;

@@ -18,7 +18,8 @@ VELPKI_BEGIN
 typedef struct {
   OBJECT_IDENTIFIER *type;
   ASN1_STRING *value;
-  int rdn; /* 0, or a number that consecutive children of one multi-valued RDN share (_RFC5280 functions only) */
+  int rdn; /* 0, or in _RFC5280 functions: a number that consecutive children of one multi-valued RDN share, or -1 for
+            * an RDN without attributes, whose type and value are null */
 } X509_NAME_CHILD;
 typedef STACK X509_NAME; /* of X509_NAME_CHILD, in encoding order */
 

@@ -86,8 +86,8 @@ TEST(ExtensionVectors, AreReadInStandardForm) {
     read += tally.standard;
     same += tally.standard_same;
   }
-  EXPECT_GE(read, all - 15);
-  EXPECT_GE(same, read - 45);
+  EXPECT_GE(read, all - 24);
+  EXPECT_GE(same, read - 55);
 }
 
 }  // namespace

@@ -67,6 +67,8 @@ inline constexpr int kRsassaPss = 835;
 // DerWriter refuses shows in its own result.
 int decode_name(const Tlv &tlv, STACK &name) noexcept;
 int encode_name(const STACK &name, DerWriter &out, uint8_t identifier = tag::kSequence) noexcept;
+// The `rdn` of a child that stands for an RDN without attributes.
+inline constexpr int kEmptyRdn = -1;
 // One RDN: the attributes of `set`, whatever its identifier; and those from `index` on, which moves past them.
 bool read_rdn(Cursor &in, const Tlv &set, STACK &name) noexcept;
 int encode_rdn(const STACK &name, int &index, DerWriter &out, uint8_t identifier = tag::kSet) noexcept;
