@@ -35,6 +35,22 @@ ASN1_STRING *new_string(int type, Octets data, int unused_bits, const char *file
   return string;
 }
 
+// Octets that share the record's block move into one of their own, which can grow.
+bool append_octets(ASN1_STRING &string, Octets more) noexcept {
+  const size_t length = size_t(string.length);
+  if (more.size() > size_t(INT_MAX) - kTerminators - length) return false;
+  const bool shared = string.data == own_octets(&string);
+  void *block = PKV_Realloc(shared ? nullptr : string.data, length + more.size() + kTerminators, __FILE__, __LINE__);
+  if (!block) return false;
+  uint8_t *octets = static_cast<uint8_t *>(block);
+  if (shared) copy_octets(octets, Octets(string.data, length));
+  copy_octets(octets + length, more);
+  octets[length + more.size()] = octets[length + more.size() + 1] = 0;
+  string.data = octets;
+  string.length = int(length + more.size());
+  return true;
+}
+
 bool same_octets(const ASN1_STRING *a, const ASN1_STRING *b) noexcept {
   if (!a || !b || a->length != b->length) return false;
   const Octets left = octets(*a), right = octets(*b);

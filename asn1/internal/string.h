@@ -31,6 +31,9 @@ struct Flat<ASN1_TIME> {
 ASN1_STRING *new_string(int type, Octets data, int unused_bits = 0, const char *file = __builtin_FILE(),
                         int line = __builtin_LINE()) noexcept;
 
+// Appends to the octets of a string; false with the string as it was when memory is exhausted.
+bool append_octets(ASN1_STRING &string, Octets more) noexcept;
+
 inline Octets octets(const ASN1_STRING &string) noexcept { return octets_of(string.data, string.length); }
 inline std::string_view text(const ASN1_STRING &string) noexcept {
   const Octets data = octets(string);

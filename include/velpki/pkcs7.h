@@ -271,6 +271,13 @@ VELPKI_API int update_PKCS7_Sign(P7_CONTENT_INFO *p7, const unsigned char *data,
 VELPKI_API int final_PKCS7_Sign(P7_CONTENT_INFO *p7) VELPKI_NOEXCEPT;
 /* The three in one. */
 VELPKI_API int sign_PKCS7(P7_CONTENT_INFO *p7, const unsigned char *data, int length, int detached) VELPKI_NOEXCEPT;
+/* sign_PKCS7_ex with PKCS7_SIGN_ATTRIBUTES gives every signer the content type and message digest attributes that it
+ * lacks and sorts its set as DER wants, so that everybody else's verification agrees. update_PKCS7_Sign_ex appends to
+ * the content of an attached message where update_PKCS7_Sign would ignore. */
+enum { PKCS7_SIGN_ATTRIBUTES = 1 };
+VELPKI_API int sign_PKCS7_ex(P7_CONTENT_INFO *p7, const unsigned char *data, int length, int detached,
+                             int flags) VELPKI_NOEXCEPT;
+VELPKI_API int update_PKCS7_Sign_ex(P7_CONTENT_INFO *p7, const unsigned char *data, int length) VELPKI_NOEXCEPT;
 
 /* Verifying. */
 

@@ -202,4 +202,34 @@ TEST(Interop, WhatOpensslSealsIsOpenedHere) {
                       PKV_RSA_OAEP));
 }
 
+// Streams: indefinite lengths, segments, at sizes around those of openssl's pieces.
+TEST(Interop, StreamsAreReadWhole) {
+  VELPKI_NEED_OPENSSL;
+  const std::string in = temporary_path("stream.in"), out = temporary_path("stream.out");
+  for (const size_t size : {size_t(1), size_t(4095), size_t(4096), size_t(4097), size_t(20000)}) {
+    Bytes content(size);
+    for (size_t i = 0; i < size; ++i) content[i] = uint8_t(i);
+    write_file(in, content.data(), size);
+    const std::string common = " -binary -stream -in " + in + " -out " + out + " -outform ";
+    for (const std::string form : {"DER", "PEM"}) {
+      int status = -1;
+      P7_CONTENT_INFO *p7 = nullptr;
+      run("openssl smime -sign -nodetach -signer " + first_party().certificate_path + " -inkey " +
+              first_party().key_path + common + form + " 2>&1",
+          &status);
+      ASSERT_EQ(status, 0);
+      ASSERT_EQ(readBER_P7_CONTENT_INFO_from_File(&p7, out.c_str()), 0) << size << form;
+      const Message message(p7);
+      EXPECT_EQ(verify(message, nullptr), 0) << size << form;
+      EXPECT_EQ(verify_PKCS7_strict(p7, nullptr, nullptr, content.data(), int(size), 0, nullptr, nullptr), 0)
+          << size << form;
+      P7_CONTENT_INFO *sealed = nullptr;
+      run("openssl smime -encrypt -aes128" + common + form + " " + second_party().certificate_path + " 2>&1", &status);
+      ASSERT_EQ(status, 0);
+      ASSERT_EQ(readBER_P7_CONTENT_INFO_from_File(&sealed, out.c_str()), 0) << size << form;
+      EXPECT_TRUE(opened(Message(sealed), second_party(), 32) == content) << size << form;
+    }
+  }
+}
+
 }  // namespace

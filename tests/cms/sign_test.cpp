@@ -124,6 +124,36 @@ TEST(Sign, DetachedContentComesInAnyPieces) {
   }
 }
 
+// With attributes made here, and attached content in pieces.
+TEST(Sign, FurtherForms) {
+  VELPKI_NEED_OPENSSL;
+  for (const bool detached : {false, true}) {
+    const Message p7 = message_of(PKCS7_SIGNED_DATA);
+    add_signer(p7, first_party());
+    P7_SIGNER_INFO *second = add_signer(p7, second_party(), 674);
+    const Bytes note = hex("3230");
+    ASSERT_EQ(add_PKCS7_Signed_Attribute(second, 49, TYPE_PRINTABLE_STRING, note.data(), 2), 0);
+    ASSERT_EQ(sign_PKCS7_ex(p7.get(), document().data(), int(document().size()), detached, PKCS7_SIGN_ATTRIBUTES), 0);
+    EXPECT_EQ(second->authenticatedAttributes->count, 3);
+    const std::string path = temporary_path("complete.der"), out = temporary_path("complete.out");
+    writeDER_P7_CONTENT_INFO_to_FILE(p7.get(), path.c_str());
+    int status = -1;
+    run("openssl cms -verify -noverify -binary -inform DER -in " + path +
+            (detached ? " -content " + document_path() : "") + " -out " + out + " 2>&1",
+        &status);
+    EXPECT_EQ(status, 0);
+    EXPECT_EQ(verify_strictly(sent(p7), 0, detached ? &document() : nullptr), 0);
+  }
+  const Message p7 = message_of(PKCS7_SIGNED_DATA);
+  add_signer(p7, first_party());
+  ASSERT_EQ(init_PKCS7_Sign(p7.get(), 0), 0);
+  for (size_t at = 0; at < document().size(); at += 1000)
+    ASSERT_EQ(update_PKCS7_Sign_ex(p7.get(), document().data() + at, 1000), 0);
+  ASSERT_EQ(update_PKCS7_Sign(p7.get(), document().data(), 1000), 0) << "ignored";
+  ASSERT_EQ(final_PKCS7_Sign(p7.get()), 0);
+  EXPECT_EQ(verify_strictly(sent(p7), 0, &document()), 0);
+}
+
 TEST(Sign, EmptyContent) {
   VELPKI_NEED_OPENSSL;
   for (const bool detached : {false, true}) {
