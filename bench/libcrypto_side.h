@@ -43,4 +43,9 @@ struct RevocationList {
   void *list;
 };
 
+// A certificate with a key of those numbers that signs itself, and a signed message verified with the certificates in
+// it, which are not.
+Bytes self_signed(const Bytes &n, const Bytes &e, const Bytes &d);
+bool verify_message(const Bytes &der);
+
 }  // namespace peer

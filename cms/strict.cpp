@@ -208,6 +208,7 @@ bool name_of_certificate(const X509_CERT &cert, Octets &issuer, Octets &serial) 
 bool is_named(const X509_CERT &cert, Octets received_name, const X509_NAME *issuer, const BIGINT *serial) noexcept {
   Octets own_issuer, own_serial;
   Tlv parent, name, number;
+  if (!serial || PKV_Cmp_BIGINT(get_X509_serial(&cert), serial) != 0) return false;
   if (received_name.empty() || !name_of_certificate(cert, own_issuer, own_serial)) {
     return compare_issuer_and_serial(&cert, issuer, serial) == 0;
   }
