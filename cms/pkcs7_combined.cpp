@@ -8,7 +8,8 @@ namespace {
 
 constexpr int failure(int reason) noexcept { return fail(F_P7_ENCRYPT, reason); }
 
-constexpr size_t kSpRoom = 160;  // octets for an encrypted digest that is encrypted itself
+constexpr size_t kSpRoom = 160;         // octets for an encrypted digest that is encrypted itself
+constexpr int kSpPadding = 0x4B00002B;  // the code of a padding that is none: the module's, without a function
 
 // What the four variants have in common.
 struct Sealing {
@@ -71,6 +72,7 @@ int encrypt_digests(const P7_CONTENT_INFO &p7, const Sealing &sealing, size_t ro
   const int cipher_id = content_cipher_id(algorithm_of(p7, sealing.algorithm));
   if (room && !all_fit(*signers, cipher_id, room)) return failure(kBadValue);
   for (P7_SIGNER_INFO *signer : elements<P7_SIGNER_INFO>(signers)) {
+    if (!signer || !signer->encryptedDigest) return failure(kNullArgument);
     owned<ASN1_STRING> encrypted;
     const ASN1_STRING &digest = *signer->encryptedDigest;
     const size_t needed = size_t(digest.length) + 2 * size_t(PKV_Get_BLOCK_CIPHER_Block_Length(cipher_id));
@@ -82,10 +84,6 @@ int encrypt_digests(const P7_CONTENT_INFO &p7, const Sealing &sealing, size_t ro
 }
 
 int sign_and_encrypt_sp(P7_CONTENT_INFO *p7, const Sealing &sealing, size_t room) noexcept {
-  if (!encryption_padding(sealing.padding)) return failure(kBadValue);
-  if (const int code = check_message(p7)) return code;
-  const P7_SIGNER_INFOS *signers = signer_infos(p7);
-  if (!signers || signers->count == 0) return failure(kBadValue);
   if (const int code = sign_and_encrypt(p7, sealing)) return code;
   return encrypt_digests(*p7, sealing, room);
 }
@@ -126,7 +124,7 @@ namespace velpki {
 namespace {
 
 int seal_sp(P7_CONTENT_INFO *p7, const Sealing &sealing, size_t room) noexcept {
-  if (!encryption_padding(sealing.padding)) return failure(kBadValue);
+  if (!encryption_padding(sealing.padding)) return kSpPadding;
   if (sealing.key) return sign_and_encrypt_sp(p7, sealing, room);
   return with_fresh_key(p7, sealing,
                         [=](const Sealing &whole) noexcept { return sign_and_encrypt_sp(p7, whole, room); });

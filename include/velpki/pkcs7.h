@@ -371,7 +371,7 @@ VELPKI_API int sign_encrypt_PKCS7_userKEY(P7_CONTENT_INFO *p7, void *reserved, X
                                           const unsigned char *data, int length, const unsigned char *key,
                                           const unsigned char *iv, int padding) VELPKI_NOEXCEPT;
 /* The _SP forms then encrypt each encrypted digest under the content's key and IV, as RFC 2315 11 demands, and name
- * "rsaEncryption" for every signer. A padding that is none is checked first: F_P7_ENCRYPT with 2B.
+ * "rsaEncryption" for every signer. A padding that is none is 4B00002B, a code without function, and found first.
  * @warning A digest that needs more than 160 octets with the final block fails with F_P7_ENCRYPT and 2B, before any is
  * replaced; the message is signed and encrypted then. That is every RSA key of more than 1152 bits under a cipher of 16
  * octets a block. sign_encrypt_PKCS7_userKEY_SP_ex takes digests of any length, and makes key and IV where `key` is

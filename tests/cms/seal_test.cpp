@@ -243,8 +243,8 @@ TEST(SignAndSeal, PlainAndSp) {
     if (c.strict) EXPECT_EQ(to_hex(out.data(), size_t(length)), to_hex(document()));
   }
   const Message empty = message_of(PKCS7_SIGNED_AND_ENVELOPED_DATA);
-  EXPECT_EQ(seal(empty, Variant::sp), F_P7_ENCRYPT | 0x2B);
-  EXPECT_EQ(sign_encrypt_PKCS7_SP(empty.get(), nullptr, nullptr, document().data(), 1, 1), F_P7_ENCRYPT | 0x2B);
+  EXPECT_EQ(seal(empty, Variant::sp), F_P7_SIGN | 0x2B);
+  EXPECT_EQ(sign_encrypt_PKCS7_SP(empty.get(), nullptr, nullptr, document().data(), 1, 1), 0x4B00002B);
   EXPECT_EQ(sign_encrypt_PKCS7(message_of(PKCS7_SIGNED_DATA).get(), nullptr, nullptr, document().data(), 1, 0),
             F_P7_ENCRYPT | 0x48);
 }
