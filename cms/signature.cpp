@@ -144,6 +144,7 @@ int check_message_digest(const X509_ATTRIBUTES *attributes, const SignatureSchem
 
 int verify_signer(const SignerParts &signer, const ASYMMETRIC_KEY &key, const SignatureScheme &scheme,
                   ContentDigests &digests, int function) noexcept {
+  if (key.type != ASYMMETRIC_KEY_RSA && key.type != ASYMMETRIC_KEY_KCDSA) return fail(function, kUnsupported);
   const bool bare = PKV_Get_BIGINT_Bit_Length(signer.version) == 0 || !has_attributes(signer.attributes);
   if (bare) return verify_signature(key, scheme, digests, signer.signature, function);
   if (const int code = check_message_digest(signer.attributes, scheme, digests, function)) return code;
