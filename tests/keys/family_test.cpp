@@ -19,6 +19,13 @@ const std::vector<Family> &families() {
       TLV(0x30, hex("020100 300d06092a864886f70d0101010500") +
                     TLV(0x04, TLV(0x30, "020100 02020111 020103 020200ab 020111 020117 020107 020103 020102")) +
                     hex(attributes));
+  static const Bytes mac =
+      TLV(0x30, "3021 3009 06052b0e03021a 0500 0414" + std::string(40, '5') + "0404 01020304 02020800");
+  static const Bytes cert_bag = TLV(0x30, "060a2a864886f70d01091601 a006 0404 30020500");
+  static const Bytes key_bag = TLV(0x30, hex("060b2a864886f70d010c0a0101") + TLV(0xA0, rsa) +
+                                             TLV(0x31, TLV(0x30, "06092a864886f70d010915 3103 0401aa")));
+  static const Bytes nested_bag = TLV(0x30, hex("060b2a864886f70d010c0a0106") + TLV(0xA0, TLV(0x30, key_bag)));
+  static const Bytes data = TLV(0x30, "06092a864886f70d010701 a004 04020500");
   static const std::vector<Family> all = {
       FAMILY(PKCS1_RSA_PRIVATE_KEY, TLV(0x30, "020100 02020111 020103 020200ab 020111 020117 020107 020103 020102"),
              dup_PKCS1_RSA_PRIVATE_KEY),
@@ -36,6 +43,18 @@ const std::vector<Family> &families() {
                                TLV(0x30, "020100 300506032b6570 0422 0420" + std::string(64, '7') + attributes),
                                Seq_to_P8_PRIV_KEY_INFO_RFC5280, P8_PRIV_KEY_INFO_to_Seq, dup_P8_PRIV_KEY_INFO,
                                free_P8_PRIV_KEY_INFO),
+      FAMILY(P12_MAC_DATA, mac, nullptr),
+      FAMILY(P12_BAGS, cert_bag, nullptr),
+      family<P12_SAFEBAG>("P12_SAFEBAG_of_a_key", key_bag, Seq_to_P12_SAFEBAG, P12_SAFEBAG_to_Seq, nullptr,
+                          free_P12_SAFEBAG),
+      family<P12_SAFEBAG>("P12_SAFEBAG_of_another_type", TLV(0x30, "06032a0304 a003 020105"), Seq_to_P12_SAFEBAG,
+                          P12_SAFEBAG_to_Seq, nullptr, free_P12_SAFEBAG),
+      family<P12_SAFEBAGS>("P12_SAFEBAGS", TLV(0x30, nested_bag + key_bag), Seq_to_P12_SAFEBAGS, P12_SAFEBAGS_to_Seq,
+                           nullptr, free_P12_SAFEBAGS),
+      family<P12_AUTH_SAFE>("P12_AUTH_SAFE", TLV(0x30, data + data), Seq_to_P12_AUTH_SAFE, P12_AUTH_SAFE_to_Seq,
+                            nullptr, free_P12_AUTH_SAFE),
+      family<PKCS12>("PKCS12", TLV(0x30, hex("020103") + data + mac), Seq_to_P12_PFX, P12_PFX_to_Seq, nullptr,
+                     free_PKCS12),
   };
   return all;
 }

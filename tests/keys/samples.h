@@ -4,6 +4,7 @@
 #include <velpki/asn1_error.h>
 #include <velpki/pem.h>
 #include <velpki/pkcs1.h>
+#include <velpki/pkcs12.h>
 #include <velpki/pkcs5.h>
 
 #include "support/asn1.h"
@@ -19,6 +20,7 @@ struct ReleaseKey {
   void operator()(P8_PRIV_KEY_INFO *p) const { free_P8_PRIV_KEY_INFO(p); }
   void operator()(PKCS8 *p) const { free_PKCS8(p); }
   void operator()(P5_PBE_PARAM *p) const { free_P5_PBE_PARAM(p); }
+  void operator()(PKCS12 *p) const { free_PKCS12(p); }
   void operator()(RSA_UNIT *p) const { PKV_Free_RSA(p); }
 };
 template <class T>
