@@ -209,6 +209,21 @@ VELPKI_API int PKV_Final_BLOCK_CIPHER(BLOCK_CIPHER_UNIT *unit, unsigned char *ou
 VELPKI_API const unsigned char *PKV_Get_BLOCK_CIPHER_Key(const BLOCK_CIPHER_UNIT *unit, int *length) VELPKI_NOEXCEPT;
 VELPKI_API const unsigned char *PKV_Get_BLOCK_CIPHER_IV(const BLOCK_CIPHER_UNIT *unit, int *length) VELPKI_NOEXCEPT;
 
+/* Keys under keys. The cipher's mode octet is not looked at: AES, ARIA and SEED wrap as RFC 3394 says (keys of 16 to
+ * 4096 octets, and 8 more wrapped), three-key triple DES as RFC 3217 (8 to 4096, and 16 more; parity is left as it is);
+ * other ciphers are PKV_ERR_UNSUPPORTED, lengths that are no multiple of 8 PKV_ERR_BAD_VALUE. What does not unwrap is
+ * PKV_ERR_FAILED after the same work, and writes nothing. `out` may be the input. */
+VELPKI_API int PKV_Wrap_KEY(int cipher_id, const unsigned char *kek, int kek_length, const unsigned char *key,
+                            int key_length, unsigned char *out, int *out_length) VELPKI_NOEXCEPT;
+VELPKI_API int PKV_Unwrap_KEY(int cipher_id, const unsigned char *kek, int kek_length, const unsigned char *wrapped,
+                              int wrapped_length, unsigned char *out, int *out_length) VELPKI_NOEXCEPT;
+/* Exactly `length` octets (at least 1) from a shared secret with ANSI X9.63's function over a digest, and from a
+ * password with PBKDF2 (RFC 8018) over HMAC; iterations are at least 1, and as many as are asked for. */
+VELPKI_API int PKV_X963_KDF(int digest_id, const unsigned char *secret, int secret_length, const unsigned char *info,
+                            int info_length, unsigned char *out, int length) VELPKI_NOEXCEPT;
+VELPKI_API int PKV_PBKDF2(int digest_id, const unsigned char *password, int password_length, const unsigned char *salt,
+                          int salt_length, int iterations, unsigned char *out, int length) VELPKI_NOEXCEPT;
+
 /* PKV_RC4 encrypts or decrypts `length` octets; `out` may be `in`. Keys have 5 to 32 octets. */
 VELPKI_API int PKV_RC4(const unsigned char *key, int key_length, const unsigned char *in, int length,
                        unsigned char *out) VELPKI_NOEXCEPT;

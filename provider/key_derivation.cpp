@@ -1,0 +1,99 @@
+// Keys from shared secrets (ANSI X9.63) and from passwords (PBKDF2, RFC 8018).
+#include <algorithm>
+#include <array>
+
+#include "provider/internal/arguments.h"
+#include "provider/internal/digest.h"
+#include "provider/internal/memory.h"
+
+namespace velcrypto {
+namespace {
+
+using Block = Wiped<std::array<uint8_t, PKV_MAX_DIGEST_LENGTH>>;
+using Counter = std::array<uint8_t, 4>;
+
+Counter counter_octets(unsigned counter) noexcept {
+  return {uint8_t(counter >> 24), uint8_t(counter >> 16), uint8_t(counter >> 8), uint8_t(counter)};
+}
+
+struct Input {
+  const uint8_t *data;
+  int length;
+};
+
+// Digest(secret || counter || info)
+int shared_block(DIGEST_UNIT &unit, int digest_id, Input secret, unsigned counter, Input info, Block &out) noexcept {
+  const Counter number = counter_octets(counter);
+  int length = PKV_MAX_DIGEST_LENGTH;
+  if (int code = PKV_Init_DIGEST(&unit, digest_id)) return code;
+  if (int code = PKV_Update_DIGEST(&unit, secret.data, secret.length)) return code;
+  if (int code = PKV_Update_DIGEST(&unit, number.data(), int(number.size()))) return code;
+  if (int code = PKV_Update_DIGEST(&unit, info.data, info.length)) return code;
+  return PKV_Final_DIGEST(&unit, out.value.data(), &length);
+}
+
+// U1 ^ U2 ^ ... of one block.
+int password_block(HMAC_UNIT *prf, Input salt, unsigned counter, int iterations, int length, Block &out) noexcept {
+  const Counter number = counter_octets(counter);
+  Block u;
+  if (int code = PKV_Update_HMAC(prf, salt.data, salt.length)) return code;
+  if (int code = PKV_Update_HMAC(prf, number.data(), int(number.size()))) return code;
+  for (int i = 0; i < iterations; ++i) {
+    int written = PKV_MAX_DIGEST_LENGTH;
+    if (i > 0) {
+      if (int code = PKV_Update_HMAC(prf, u.value.data(), length)) return code;
+    }
+    if (int code = PKV_Final_HMAC(prf, u.value.data(), &written)) return code;
+    for (size_t k = 0; k < u.value.size(); ++k) out.value[k] ^= k < size_t(length) ? u.value[k] : uint8_t(0);
+  }
+  return 0;
+}
+
+int check_output(const uint8_t *out, int length) noexcept {
+  return length < 1 ? PKV_ERR_BAD_VALUE : out ? 0 : PKV_ERR_NULL;
+}
+
+// Fills `out` from blocks of `block_length`, made by `make`. On failure what was written is wiped.
+template <class Make>
+int fill(uint8_t *out, int length, int block_length, Make make) noexcept {
+  for (int done = 0; done < length; done += block_length) {
+    Block block;
+    if (int code = make(unsigned(done / block_length) + 1, block)) return PKV_Wipe(out, size_t(length)), code;
+    std::copy_n(block.value.begin(), std::min(block_length, length - done), out + done);
+  }
+  return 0;
+}
+
+}  // namespace
+}  // namespace velcrypto
+
+using namespace velcrypto;
+
+int PKV_X963_KDF(int digest_id, const unsigned char *secret, int secret_length, const unsigned char *info,
+                 int info_length, unsigned char *out, int length) noexcept {
+  if (int code = check_octets(secret, secret_length)) return code;
+  if (int code = check_octets(info, info_length)) return code;
+  if (int code = check_output(out, length)) return code;
+  const int block_length = digest_id & PKV_HMAC_FLAG ? 0 : PKV_Get_DIGEST_Length(digest_id);
+  if (!block_length) return PKV_ERR_UNSUPPORTED;
+  const owned<DIGEST_UNIT, PKV_Free_DIGEST> unit(PKV_New_DIGEST());
+  if (!unit) return PKV_ERR_NO_MEMORY;
+  return fill(out, length, block_length, [&](unsigned counter, Block &block) noexcept {
+    return shared_block(*unit, digest_id, {secret, secret_length}, counter, {info, info_length}, block);
+  });
+}
+
+int PKV_PBKDF2(int digest_id, const unsigned char *password, int password_length, const unsigned char *salt,
+               int salt_length, int iterations, unsigned char *out, int length) noexcept {
+  if (int code = check_octets(password, password_length)) return code;
+  if (int code = check_octets(salt, salt_length)) return code;
+  if (int code = check_output(out, length)) return code;
+  if (iterations < 1) return PKV_ERR_BAD_VALUE;
+  const int block_length = PKV_Get_DIGEST_Length(digest_id);
+  const owned<HMAC_UNIT, PKV_Free_HMAC> prf(PKV_New_HMAC());
+  if (!prf) return PKV_ERR_NO_MEMORY;
+  if (int code = PKV_Init_HMAC(prf.get(), digest_id, password, password_length)) return code;
+  return fill(out, length, block_length, [&](unsigned counter, Block &block) noexcept {
+    return password_block(prf.get(), {salt, salt_length}, counter, iterations, block_length, block);
+  });
+}
