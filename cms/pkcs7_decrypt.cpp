@@ -26,7 +26,10 @@ const P7_RECIPIENT_INFO *find_recipient(const P7_CONTENT_INFO &p7, const X509_CE
 
 bool find_encrypted(const P7_CONTENT_INFO *p7, EncryptedView &out) noexcept {
   P7_ENCRYPTED_CONTENT_INFO **place = encrypted_content(p7);
-  const P7_ENCRYPTED_CONTENT_INFO *info = place ? *place : nullptr;
+  return view_encrypted(place ? *place : nullptr, out);
+}
+
+bool view_encrypted(const P7_ENCRYPTED_CONTENT_INFO *info, EncryptedView &out) noexcept {
   out.cipher_id = info ? content_cipher_id(info->contentEncryptionAlgorithm) : 0;
   if (!out.cipher_id) return false;
   out.key_length = PKV_Get_BLOCK_CIPHER_Key_Length(out.cipher_id);

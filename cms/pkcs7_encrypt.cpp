@@ -1,4 +1,5 @@
 // Enveloping and encrypting: init, update, final.
+#include "cms/internal/encrypted_content.h"
 #include "cms/internal/key_transport.h"
 #include "cms/internal/pkcs7.h"
 
@@ -7,8 +8,6 @@ namespace velpki {
 namespace {
 
 constexpr int failure(int reason) noexcept { return fail(F_P7_ENCRYPT, reason); }
-
-constexpr int kPasswordBased = 4;  // the class of algorithms whose parameters are not an IV
 
 bool has_encrypted_content(int row) noexcept {
   return row == PKCS7_ENVELOPED_DATA || row == PKCS7_SIGNED_AND_ENVELOPED_DATA || row == PKCS7_ENCRYPTED_DATA;
@@ -33,55 +32,6 @@ bool is_detached(const P7_CONTENT_INFO &p7) noexcept {
 
 EncryptionParts parts_of(const P7_CONTENT_INFO &p7, P7_ENCRYPTED_CONTENT_INFO &info) noexcept {
   return {info.encryptedContent, info.cipher, info.progress, is_detached(p7)};
-}
-
-// The algorithm asked for, or the one that was set before.
-const X509_ALGO_IDENTIFIER *algorithm_of(const P7_CONTENT_INFO &p7, const X509_ALGO_IDENTIFIER *asked) noexcept {
-  const P7_ENCRYPTED_CONTENT_INFO *info = *encrypted_content(&p7);
-  return asked ? asked : info ? info->contentEncryptionAlgorithm : nullptr;
-}
-
-// Whether an IV becomes the parameters. Those of encrypted data are kept when they are there, and where the algorithm
-// is password-based.
-bool takes_iv(const P7_CONTENT_INFO &p7, const X509_ALGO_IDENTIFIER &algorithm) noexcept {
-  if (p7.kind != PKCS7_ENCRYPTED_DATA) return true;
-  const bool empty = !algorithm.parameters || algorithm.parameters->type == TYPE_NULL;
-  return empty && get_AlgorType_from_OID(algorithm.algorithm) != kPasswordBased;
-}
-
-// A new encrypted content info with a running cipher: encrypted data may bring the cipher along.
-int start_content(const P7_CONTENT_INFO &p7, const X509_ALGO_IDENTIFIER &algorithm, const uint8_t *key,
-                  const uint8_t *iv, P7_ENCRYPTED_CONTENT_INFO &fresh) noexcept {
-  if (!fresh.cipher) {
-    const int cipher_id = content_cipher_id(&algorithm);
-    if (!cipher_id) return failure(kUnsupported);
-    owned<BLOCK_CIPHER_UNIT> unit;
-    if (const int code = start_content_cipher(cipher_id, key, iv, F_P7_ENCRYPT, unit)) return code;
-    fresh.cipher = unit.release();
-  }
-  fresh.contentType = index_to_OBJECT_IDENTIFIER(PKCS7_DATA);
-  fresh.contentEncryptionAlgorithm = dup_X509_ALGO_IDENTIFIER(&algorithm);
-  fresh.progress = allocate_record<CONTENT_ENCRYPTION>();
-  if (!fresh.contentType || !fresh.contentEncryptionAlgorithm || !fresh.progress) return failure(kNoMemory);
-  const bool stored = !takes_iv(p7, algorithm) || set_iv_parameters(*fresh.contentEncryptionAlgorithm, *fresh.cipher);
-  return stored ? 0 : failure(kNoMemory);
-}
-
-int replace_content(const P7_CONTENT_INFO &p7, const X509_ALGO_IDENTIFIER *asked, const uint8_t *key,
-                    const uint8_t *iv) noexcept {
-  const X509_ALGO_IDENTIFIER *algorithm = algorithm_of(p7, asked);
-  if (!algorithm) return failure(kNullArgument);
-  P7_ENCRYPTED_CONTENT_INFO *&place = *encrypted_content(&p7);
-  owned<P7_ENCRYPTED_CONTENT_INFO> fresh(new_P7_ENCRYPTED_CONTENT_INFO());
-  if (!fresh) return failure(kNoMemory);
-  const bool brought = p7.kind == PKCS7_ENCRYPTED_DATA && place && place->cipher;
-  if (brought) fresh->cipher = place->cipher;
-  const int code = start_content(p7, *algorithm, key, iv, *fresh);
-  if (code && brought) fresh->cipher = nullptr;
-  if (code) return code;
-  if (brought) place->cipher = nullptr;
-  free_P7_ENCRYPTED_CONTENT_INFO(std::exchange(place, fresh.release()));
-  return 0;
 }
 
 int encrypt_keys(const P7_RECIPIENT_INFOS &recipients, const BLOCK_CIPHER_UNIT &cipher, int padding) noexcept {
@@ -111,7 +61,8 @@ int init_PKCS7_Encrypt(P7_CONTENT_INFO *p7, void *, X509_ALGO_IDENTIFIER *algori
   P7_RECIPIENT_INFOS **recipients = recipient_list(p7);
   if (recipients && (!*recipients || (*recipients)->count == 0)) return failure(kNullArgument);
   set_detached(*p7, detached);
-  if (const int code = replace_content(*p7, algorithm, key, iv)) return code;
+  const ContentArguments content{algorithm, key, iv, p7->kind == PKCS7_ENCRYPTED_DATA};
+  if (const int code = replace_encrypted_content(*encrypted_content(p7), content, F_P7_ENCRYPT)) return code;
   return recipients ? encrypt_keys(**recipients, *(*encrypted_content(p7))->cipher, padding) : 0;
 }
 
@@ -141,7 +92,7 @@ int encrypt_PKCS7_userKEY(P7_CONTENT_INFO *p7, void *reserved, X509_ALGO_IDENTIF
 int encrypt_PKCS7(P7_CONTENT_INFO *p7, void *reserved, X509_ALGO_IDENTIFIER *algorithm, const unsigned char *data,
                   int length, int padding) noexcept {
   if (const int code = check_message(p7)) return code;
-  ContentKey fresh(content_cipher_id(algorithm_of(*p7, algorithm)));
+  ContentKey fresh(content_cipher_id(content_algorithm(*encrypted_content(p7), algorithm)));
   if (const int code = fresh.fill(F_P7_ENCRYPT)) return code;
   return encrypt_PKCS7_userKEY(p7, reserved, algorithm, data, length, fresh.key.data(), fresh.iv.data(), padding);
 }

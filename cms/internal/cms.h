@@ -84,6 +84,11 @@ int read_subject_key_identifier(const X509_CERT &cert, owned<ASN1_STRING> &out) 
 int name_certificate(SIGNER_IDENTIFIER *&out, const X509_CERT &cert, bool by_subject_key, int function) noexcept;
 int name_by_serial(ISSUER_AND_SERIAL_NUMBER *&out, const X509_CERT &cert, int function) noexcept;
 
+// The public key of a certificate as an originator's: 0, or `function` with 49 or 3C.
+int set_originator_key(ORIGINATOR_IDENTIFIER_ORKEY &out, const X509_CERT &cert, int function) noexcept;
+// Puts the key of a content into every recipient: 0, or the code of the first that failed.
+int wrap_for_all(const CMS_RECIPIENT_INFOS *recipients, Octets key, int padding, int function) noexcept;
+
 // Whether an identifier names a certificate, and the first of a list that it names (null: none), with the comparison of
 // the plain functions. 0, or the reason 3C.
 int names_certificate(const SIGNER_IDENTIFIER *identifier, const X509_CERT &cert, bool &named) noexcept;

@@ -1,4 +1,4 @@
-// What decrypting a PKCS#7 message needs of it.
+// What decrypting a message needs of it.
 #pragma once
 
 #include "cms/internal/content_cipher.h"
@@ -13,6 +13,7 @@ struct EncryptedView {
 };
 // False for a message without encrypted content, or with a cipher that is not known.
 bool find_encrypted(const P7_CONTENT_INFO *p7, EncryptedView &out) noexcept;
+bool view_encrypted(const P7_ENCRYPTED_CONTENT_INFO *info, EncryptedView &out) noexcept;
 // Decrypts under a key of the cipher's length; the IV is the one given, or that of the parameters. The buffer has room
 // for the ciphertext.
 int decrypt_view(const EncryptedView &encrypted, const uint8_t *key, const uint8_t *iv, uint8_t *out,

@@ -372,6 +372,47 @@ VELPKI_API int add_CMS_Authenticated_Attribute(CMS_CONTENT_INFO *cms, int oid_in
 VELPKI_API int add_CMS_Unauthenticated_Attribute(CMS_CONTENT_INFO *cms, int oid_index, int type,
                                                  const unsigned char *bytes, int length) VELPKI_NOEXCEPT;
 
+/* Recipients. set_CMS_RECIPIENT_INFO fills one by its flags (16 goes before 32, 2 before 1):
+ *  - 16: key agreement, of version 3, for the certificate's key. The originator is the certificate's public key with 2,
+ *    its subject key identifier with 1, else its issuer and serial number; the recipient is named by the subject key
+ *    identifier with 1, else by issuer and serial number. The algorithm is ECDH with SHA-256 and the wrap of AES-256.
+ *  - 32: a key-encryption key; nothing is filled but the kind.
+ *  - else key transport: with 1 version 2 and the subject key identifier, else version 0 and issuer and serial number;
+ *    "id-RSAES-OAEP" with the parameters for padding 8 and 16, else "rsaEncryption". The key must be RSA (48).
+ * @warning A key agreement recipient whose originator is not a public key cannot be encrypted for: only the _ex
+ * function takes the originator's private key. */
+VELPKI_API int set_CMS_RECIPIENT_INFO(CMS_RECIPIENT_INFO *ri, X509_CERT *cert, int padding, RSAES_OAEP_PARAM *oaep,
+                                      int flags) VELPKI_NOEXCEPT;
+/* The same for every kind, from options of which those that are 0 or null have the defaults named. */
+typedef struct {
+  int kind;                     /* one of CMS_RECIPIENT_ but the last */
+  const X509_CERT *cert;        /* of the recipient: key transport and agreement */
+  int flags;                    /* 1 and 2, as above */
+  int padding;                  /* key transport; PKCS#1 v1.5 */
+  const RSAES_OAEP_PARAM *oaep; /* of paddings 8 and 16; SHA-1 */
+  int digest_id;                /* of the key derivation: agreement and password; SHA-256 */
+  int cipher_id; /* what wraps: agreement AES-256, key-encryption key AES by its length; password AES-256-CBC */
+  const unsigned char *ukm; /* user keying material of agreement; none */
+  int ukm_length;
+  const X509_CERT *originator;          /* of agreement, named without flag 2; the recipient's */
+  const ASYMMETRIC_KEY *originator_key; /* its private key; without one, and with 2, a fresh key is made each time */
+  const unsigned char *secret;          /* the key-encryption key, or the password */
+  int secret_length;
+  const unsigned char *key_id; /* that names the key-encryption key */
+  int key_id_length;
+  int iterations; /* of the password's derivation; 600,000, and at most 10,000,000 */
+} CMS_RECIPIENT_OPTIONS;
+VELPKI_API int set_CMS_RECIPIENT_INFO_ex(CMS_RECIPIENT_INFO *ri, const CMS_RECIPIENT_OPTIONS *options) VELPKI_NOEXCEPT;
+/* set_CMS_OriginatorPublickKey makes an originator of a certificate's public key, the algorithm without parameters. */
+VELPKI_API int set_CMS_OriginatorPublickKey(ORIGINATOR_IDENTIFIER_ORKEY *originator, X509_CERT *cert) VELPKI_NOEXCEPT;
+/* add_CMS_RECIPIENT_INFO takes a recipient over, into enveloped or authenticated data. add_CMS_Recipient fills one and
+ * adds it; it is lent, null on failure. */
+VELPKI_API int add_CMS_RECIPIENT_INFO(CMS_CONTENT_INFO *cms, CMS_RECIPIENT_INFO *ri) VELPKI_NOEXCEPT;
+VELPKI_API CMS_RECIPIENT_INFO *add_CMS_Recipient(CMS_CONTENT_INFO *cms, X509_CERT *cert, int padding,
+                                                 RSAES_OAEP_PARAM *oaep, int flags) VELPKI_NOEXCEPT;
+VELPKI_API CMS_RECIPIENT_INFO *add_CMS_Recipient_ex(CMS_CONTENT_INFO *cms,
+                                                    const CMS_RECIPIENT_OPTIONS *options) VELPKI_NOEXCEPT;
+
 /* Signing. Codes: F_INIT_CMS_SIGN, F_UPDATE_CMS_SIGN, F_FINAL_CMS_SIGN with 49 (null, no content, final without init),
  * 48 (content that is not signed data, a key that is neither RSA nor KCDSA), 2B (no signers, an unknown algorithm, a
  * negative length), 5F (attributes that cannot be encoded), 54 (an empty half of a KCDSA signature), 3C, or the
@@ -404,6 +445,56 @@ VELPKI_API int sign_CMS(CMS_CONTENT_INFO *cms, const unsigned char *data, int le
  * octet: an empty one names every certificate that has one. See verify_CMS_strict. */
 VELPKI_API int verify_CMS(CMS_CONTENT_INFO *cms, X509_CERT *cert, const unsigned char *data,
                           int length) VELPKI_NOEXCEPT;
+
+/* Enveloping and encrypting. Codes: each function's own with 49 (null, no content, no recipients, a padding other than
+ * 0, 32, 8 and 16, update or final without init), 48 (content that is neither enveloped nor encrypted data, an unknown
+ * cipher, a key of the wrong kind), 2B, 3A (encrypted content that cannot grow), 3C, or the provider's. Those of a
+ * recipient are F_ENCRYPT_CMS_RECIPIENTINFO's. */
+
+/* encrypt_CMS_RecipientInfo encrypts a content-encryption key for one recipient; init_CMS_Encrypt_RecipientInfo does so
+ * for every one of enveloped data, the key having the length of the cipher that set_CMS_Cipher named. Padding is that
+ * of key transport, 0 meaning PKCS#1 v1.5. A key agreement recipient with a public key for originator gets a fresh one.
+ */
+VELPKI_API int encrypt_CMS_RecipientInfo(CMS_RECIPIENT_INFO *ri, const unsigned char *cek, int cek_length,
+                                         int padding) VELPKI_NOEXCEPT;
+VELPKI_API int init_CMS_Encrypt_RecipientInfo(CMS_CONTENT_INFO *cms, const unsigned char *cek,
+                                              int padding) VELPKI_NOEXCEPT;
+/* The flow of pkcs7.h: init starts the cipher (a null `algorithm` is the one that was set) and encrypts the key for the
+ * recipients; update and final write to the caller's buffer where the content is detached, else to the message. */
+VELPKI_API int init_CMS_Encrypt(CMS_CONTENT_INFO *cms, void *reserved, X509_ALGO_IDENTIFIER *algorithm, int detached,
+                                const unsigned char *key, const unsigned char *iv, int padding) VELPKI_NOEXCEPT;
+VELPKI_API int update_CMS_encrypt(CMS_CONTENT_INFO *cms, const unsigned char *in, int in_length, unsigned char *out,
+                                  int *out_length) VELPKI_NOEXCEPT;
+VELPKI_API int final_CMS_Encrypt(CMS_CONTENT_INFO *cms, unsigned char *out, int *out_length) VELPKI_NOEXCEPT;
+/* The three in one, with a random key and IV or the caller's. */
+VELPKI_API int encrypt_CMS(CMS_CONTENT_INFO *cms, void *reserved, X509_ALGO_IDENTIFIER *algorithm,
+                           const unsigned char *data, int length, int padding) VELPKI_NOEXCEPT;
+VELPKI_API int encrypt_CMS_userKEY(CMS_CONTENT_INFO *cms, void *reserved, X509_ALGO_IDENTIFIER *algorithm,
+                                   const unsigned char *data, int length, const unsigned char *key,
+                                   const unsigned char *iv, int padding) VELPKI_NOEXCEPT;
+
+/* Decrypting. */
+
+/* decrypt_content_encryption_key decrypts the key for the key transport recipient that the certificate names, or, given
+ * none, for the first one, whose certificate must then be in the originator information. `out` has room for the key of
+ * the content's cipher; `*out_length` is written only. F_DECRYPT_CONTENT_ENCRYPTION_KEY with 49 (null, no certificate),
+ * 48 (another type, a key that is not RSA, an unknown cipher), 2B (no such recipient), 3C, or the provider's.
+ * @warning Identifiers are compared as verify_CMS does. A wrong padding is told from a right one (Bleichenbacher's
+ * attack); decrypt_CMS_strict does not. */
+VELPKI_API int decrypt_content_encryption_key(CMS_CONTENT_INFO *cms, X509_CERT *cert, ASYMMETRIC_KEY *key,
+                                              unsigned char *out, int *out_length, int padding) VELPKI_NOEXCEPT;
+/* decrypt_CMS decrypts the content of enveloped or encrypted data; a null IV means that of the algorithm. `out` has
+ * room for the encrypted content. F_DECRYPT_CMS with 49, 48 (another type, an unknown cipher), 2B (parameters that are
+ * no IV), or the provider's: PKV_ERR_FAILED for a padding that is wrong. The _n form takes the capacity in
+ * `*out_length`. */
+VELPKI_API int decrypt_CMS(CMS_CONTENT_INFO *cms, const unsigned char *key, const unsigned char *iv, unsigned char *out,
+                           int *out_length) VELPKI_NOEXCEPT;
+VELPKI_API int decrypt_CMS_n(const CMS_CONTENT_INFO *cms, const unsigned char *key, const unsigned char *iv,
+                             unsigned char *out, int *out_length) VELPKI_NOEXCEPT;
+
+/* digest_CMS makes the content of digested data, of type data, and its digest, the algorithm without parameters.
+ * F_DIGEST_CMS with 49, 48 (another type, an unknown digest) or 3C. */
+VELPKI_API int digest_CMS(CMS_CONTENT_INFO *cms, int digest_id, const unsigned char *data, int length) VELPKI_NOEXCEPT;
 
 /* Readers and writers. The label is "CMS". See asn1_io.h for results. */
 
