@@ -1,4 +1,4 @@
-// Keys from shared secrets (ANSI X9.63) and from passwords (PBKDF2, RFC 8018).
+// Keys from shared secrets (ANSI X9.63).
 #include <algorithm>
 #include <array>
 
@@ -32,23 +32,6 @@ int shared_block(DIGEST_UNIT &unit, int digest_id, Input secret, unsigned counte
   return PKV_Final_DIGEST(&unit, out.value.data(), &length);
 }
 
-// U1 ^ U2 ^ ... of one block.
-int password_block(HMAC_UNIT *prf, Input salt, unsigned counter, int iterations, int length, Block &out) noexcept {
-  const Counter number = counter_octets(counter);
-  Block u;
-  if (int code = PKV_Update_HMAC(prf, salt.data, salt.length)) return code;
-  if (int code = PKV_Update_HMAC(prf, number.data(), int(number.size()))) return code;
-  for (int i = 0; i < iterations; ++i) {
-    int written = PKV_MAX_DIGEST_LENGTH;
-    if (i > 0) {
-      if (int code = PKV_Update_HMAC(prf, u.value.data(), length)) return code;
-    }
-    if (int code = PKV_Final_HMAC(prf, u.value.data(), &written)) return code;
-    for (size_t k = 0; k < u.value.size(); ++k) out.value[k] ^= k < size_t(length) ? u.value[k] : uint8_t(0);
-  }
-  return 0;
-}
-
 int check_output(const uint8_t *out, int length) noexcept {
   return length < 1 ? PKV_ERR_BAD_VALUE : out ? 0 : PKV_ERR_NULL;
 }
@@ -80,20 +63,5 @@ int PKV_X963_KDF(int digest_id, const unsigned char *secret, int secret_length, 
   if (!unit) return PKV_ERR_NO_MEMORY;
   return fill(out, length, block_length, [&](unsigned counter, Block &block) noexcept {
     return shared_block(*unit, digest_id, {secret, secret_length}, counter, {info, info_length}, block);
-  });
-}
-
-int PKV_PBKDF2(int digest_id, const unsigned char *password, int password_length, const unsigned char *salt,
-               int salt_length, int iterations, unsigned char *out, int length) noexcept {
-  if (int code = check_octets(password, password_length)) return code;
-  if (int code = check_octets(salt, salt_length)) return code;
-  if (int code = check_output(out, length)) return code;
-  if (iterations < 1) return PKV_ERR_BAD_VALUE;
-  const int block_length = PKV_Get_DIGEST_Length(digest_id);
-  const owned<HMAC_UNIT, PKV_Free_HMAC> prf(PKV_New_HMAC());
-  if (!prf) return PKV_ERR_NO_MEMORY;
-  if (int code = PKV_Init_HMAC(prf.get(), digest_id, password, password_length)) return code;
-  return fill(out, length, block_length, [&](unsigned counter, Block &block) noexcept {
-    return password_block(prf.get(), {salt, salt_length}, counter, iterations, block_length, block);
   });
 }

@@ -217,12 +217,9 @@ VELPKI_API int PKV_Wrap_KEY(int cipher_id, const unsigned char *kek, int kek_len
                             int key_length, unsigned char *out, int *out_length) VELPKI_NOEXCEPT;
 VELPKI_API int PKV_Unwrap_KEY(int cipher_id, const unsigned char *kek, int kek_length, const unsigned char *wrapped,
                               int wrapped_length, unsigned char *out, int *out_length) VELPKI_NOEXCEPT;
-/* Exactly `length` octets (at least 1) from a shared secret with ANSI X9.63's function over a digest, and from a
- * password with PBKDF2 (RFC 8018) over HMAC; iterations are at least 1, and as many as are asked for. */
+/* Exactly `length` octets (at least 1) from a shared secret with ANSI X9.63's function over a digest. */
 VELPKI_API int PKV_X963_KDF(int digest_id, const unsigned char *secret, int secret_length, const unsigned char *info,
                             int info_length, unsigned char *out, int length) VELPKI_NOEXCEPT;
-VELPKI_API int PKV_PBKDF2(int digest_id, const unsigned char *password, int password_length, const unsigned char *salt,
-                          int salt_length, int iterations, unsigned char *out, int length) VELPKI_NOEXCEPT;
 
 /* PKV_RC4 encrypts or decrypts `length` octets; `out` may be `in`. Keys have 5 to 32 octets. */
 VELPKI_API int PKV_RC4(const unsigned char *key, int key_length, const unsigned char *in, int length,
