@@ -113,11 +113,21 @@ int CMS_CONTENT_INFO_to_Seq(const CMS_CONTENT_INFO *in, ASN1_UNIT **out) noexcep
 int Seq_to_CMS_CONTENT_INFO(ASN1_UNIT *in, CMS_CONTENT_INFO **out) noexcept {
   return from_seq(F_SEQ_TO_CMS_CONTENT_INFO, in, out, decode);
 }
-int CMS_CONTENT_INFO_to_Seq_ex(const CMS_CONTENT_INFO *in, ASN1_UNIT **out) noexcept {
+int CMS_CONTENT_INFO_to_Seq_RFC5280(const CMS_CONTENT_INFO *in, ASN1_UNIT **out) noexcept {
   return to_seq(F_CMS_CONTENT_INFO_TO_SEQ, in, out, encode, kStandardRules);
 }
-int Seq_to_CMS_CONTENT_INFO_ex(ASN1_UNIT *in, CMS_CONTENT_INFO **out) noexcept {
+int Seq_to_CMS_CONTENT_INFO_RFC5280(ASN1_UNIT *in, CMS_CONTENT_INFO **out) noexcept {
   return from_seq(F_SEQ_TO_CMS_CONTENT_INFO, in, out, decode, kStandardRules);
 }
 
 VELPKI_IO(CMS_CONTENT_INFO, kCodec)
+
+int readBER_CMS_CONTENT_INFO_from_Binary(CMS_CONTENT_INFO **out, const unsigned char *data, int length) noexcept {
+  return read_ber(kCodec, out, octets_of(data, length));
+}
+int readBER_CMS_CONTENT_INFO_from_File(CMS_CONTENT_INFO **out, const char *path) noexcept {
+  return read_ber(kCodec, out, read_file(path).octets());
+}
+int writeDER_CMS_CONTENT_INFO_to_Binary_RFC5280(CMS_CONTENT_INFO *in, unsigned char **out) noexcept {
+  return write_der(kCodec, in, out, kStandardRules);
+}

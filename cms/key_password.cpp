@@ -1,6 +1,7 @@
 // Recipients that share a password: PBKDF2 and the key wrap of RFC 3211.
 #include <algorithm>
 
+#include "cms/internal/hmac_algorithm.h"
 #include "cms/internal/key_wrap.h"
 #include "cms/internal/signature.h"
 
@@ -10,16 +11,6 @@ namespace {
 
 constexpr std::string_view kPbkdf2 = "1.2.840.113549.1.5.12", kPwriKek = "1.2.840.113549.1.9.16.3.9";
 constexpr int kSaltOctets = 16;
-
-struct Prf {
-  std::string_view oid;
-  int digest_id;
-};
-constexpr Prf kPrfs[] = {{"1.2.840.113549.2.7", PKV_DIGEST_SHA1},
-                         {"1.2.840.113549.2.8", PKV_DIGEST_SHA224},
-                         {"1.2.840.113549.2.9", PKV_DIGEST_SHA256},
-                         {"1.2.840.113549.2.10", PKV_DIGEST_SHA384},
-                         {"1.2.840.113549.2.11", PKV_DIGEST_SHA512}};
 
 // The cipher of the wrap and its IV.
 struct Cipher {
@@ -59,9 +50,7 @@ bool read_prf(Cursor &in, int &digest_id) noexcept {
   Tlv child;
   const owned<X509_ALGO_IDENTIFIER> prf(blank<X509_ALGO_IDENTIFIER>());
   if (!in.next(TYPE_SEQUENCE, child) || !prf || decode(child, *prf)) return false;
-  digest_id = 0;
-  for (const Prf &each : kPrfs)
-    if (text(*prf->algorithm) == each.oid) digest_id = each.digest_id;
+  digest_id = hmac_digest(prf.get());
   return digest_id != 0;
 }
 bool read_derivation(const X509_ALGO_IDENTIFIER &algorithm, int key_length, Derivation &out) noexcept {
@@ -187,9 +176,7 @@ int set_cipher(X509_ALGO_IDENTIFIER *&algorithm, int cipher_id, int function) no
 
 int set_password_algorithms(PASSWORD_RECIPIENT_INFO &info, int digest_id, int cipher_id, int iterations,
                             int function) noexcept {
-  std::string_view prf;
-  for (const Prf &each : kPrfs)
-    if (each.digest_id == digest_id) prf = each.oid;
+  const std::string_view prf = hmac_oid(digest_id);
   if (prf.empty()) return fail(function, kUnsupported);
   if (iterations < 1 || iterations > kMostIterations) return fail(function, kBadValue);
   if (const int code = set_derivation(info.keyDerivationAlgorithm, prf, iterations, function)) return code;

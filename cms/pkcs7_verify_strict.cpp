@@ -70,25 +70,7 @@ int verify_one(const P7_SIGNER_INFO &signer, const Task &task, const X509_CERT *
   return verify_signer_strict(strict, task.content_type, *key, task.weak_allowed, task.digests, F_P7_VERIFY);
 }
 
-// The caller's reports, as many as there is room for.
-class Reports {
- public:
-  Reports(P7_SIGNER_REPORT *out, int *count) noexcept : out_(count ? out : nullptr), count_(count) {
-    if (count_) room_ = std::exchange(*count_, 0);
-  }
-  void add(const P7_SIGNER_REPORT &report) noexcept {
-    if (out_ && *count_ < room_) out_[*count_] = report;
-    if (count_ && *count_ < room_) ++*count_;
-  }
-  bool wants_more() const noexcept { return count_ && *count_ < room_; }
-
- private:
-  P7_SIGNER_REPORT *out_;
-  int *count_;
-  int room_ = 0;
-};
-
-int verify_all(const Task &task, Reports reports) noexcept {
+int verify_all(const Task &task, Reports<P7_SIGNER_REPORT> reports) noexcept {
   int verified = 0, first = 0;
   for (const P7_SIGNER_INFO *signer : elements<P7_SIGNER_INFO>(signer_infos(&task.p7))) {
     if (!signer || (task.chosen && !is_named_by(task.chosen, *signer))) continue;
@@ -110,7 +92,8 @@ int verify_sealed(const P7_CONTENT_INFO &p7, const X509_CERTIFICATES *more, Octe
   const owned<OBJECT_IDENTIFIER> type = oid_of_row(PKCS7_DATA);
   if (!type) return failure(kNoMemory);
   const bool weak_allowed = flags & PKCS7_ALLOW_WEAK_DIGESTS;
-  return verify_all({p7, nullptr, more, type.get(), digests, weak_allowed, &cipher}, Reports(nullptr, nullptr));
+  return verify_all({p7, nullptr, more, type.get(), digests, weak_allowed, &cipher},
+                    Reports<P7_SIGNER_REPORT>(nullptr, nullptr));
 }
 
 }  // namespace velpki
@@ -120,7 +103,7 @@ using namespace velpki;
 int verify_PKCS7_strict(const P7_CONTENT_INFO *p7, const X509_CERT *cert, const X509_CERTIFICATES *more,
                         const unsigned char *data, int length, int flags, P7_SIGNER_REPORT *reports,
                         int *report_count) noexcept {
-  Reports made(reports, report_count);
+  Reports<P7_SIGNER_REPORT> made(reports, report_count);
   if (!p7 || length < 0) return failure(kNullArgument);
   const P7_SIGNED_DATA *signed_content = signed_data(p7);
   if (!signed_content && !signed_and_enveloped_data(p7)) return failure(kUnsupported);

@@ -125,6 +125,8 @@ int check_algorithms(const StrictSigner &signer, bool weak_allowed, int function
   return !own || own == digest_id ? 0 : fail(function, ERR_ALGORITHM_MISMATCH);
 }
 
+}  // namespace
+
 int check_binding(const StrictSigner &signer, const OBJECT_IDENTIFIER *content_type, ContentDigests &digests,
                   int function) noexcept {
   if (signer.attributes.empty()) {
@@ -135,8 +137,6 @@ int check_binding(const StrictSigner &signer, const OBJECT_IDENTIFIER *content_t
   if (const int code = check_content_type(signer.attributes, content_type, function)) return code;
   return check_message_digest(signer.attributes, digest_id_of(signer.digest_algorithm), digests, function);
 }
-
-}  // namespace
 
 int verify_signer_strict(const StrictSigner &signer, const OBJECT_IDENTIFIER *content_type, const X509_PUBKEY &key,
                          bool weak_allowed, ContentDigests &digests, int function) noexcept {

@@ -89,6 +89,8 @@ int set_originator_key(ORIGINATOR_IDENTIFIER_ORKEY &out, const X509_CERT &cert, 
 // Puts the key of a content into every recipient: 0, or the code of the first that failed.
 int wrap_for_all(const CMS_RECIPIENT_INFOS *recipients, Octets key, int padding, int function) noexcept;
 
+// Whether a certificate has exactly this subject key identifier.
+bool has_subject_key(const X509_CERT &cert, const ASN1_STRING *identifier) noexcept;
 // Whether an identifier names a certificate, and the first of a list that it names (null: none), with the comparison of
 // the plain functions. 0, or the reason 3C.
 int names_certificate(const SIGNER_IDENTIFIER *identifier, const X509_CERT &cert, bool &named) noexcept;

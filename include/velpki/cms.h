@@ -6,7 +6,8 @@
  * Families (new_, free_, X_to_Seq, Seq_to_X) behave as docs/conventions.md says of SAMPLE. A member that is missing or
  * cannot be encoded is the encoder's code with ERR_ASN1_ENCODING, one that is missing or malformed the decoder's with
  * ERR_ASN1_DECODING; the code of a record inside goes up unchanged. Elements after the known ones are ignored, and of
- * an optional element that is repeated the last counts; the _ex readers refuse both. Conventions: docs/conventions.md.
+ * an optional element that is repeated the last counts; the _RFC5280 readers refuse both. Conventions:
+ * docs/conventions.md.
  */
 #ifndef VELPKI_CMS_H
 #define VELPKI_CMS_H
@@ -72,7 +73,7 @@ typedef struct {
   X509_CERTIFICATES *certificates; /* null when absent */
   X509_CRLS *crls;                 /* null when absent */
   CMS_SIGNER_INFOS *signerInfos;
-  STACK *otherCertificates; /* of ASN1_UNIT: choices other than certificates, which only the _ex readers take */
+  STACK *otherCertificates; /* of ASN1_UNIT: choices other than certificates, which only the _RFC5280 readers take */
   STACK *otherCrls;         /* of ASN1_UNIT: likewise */
   int detached;
   CMS_DIGESTS *digests; /* from init to final */
@@ -294,11 +295,11 @@ VELPKI_API void free_PASSWORD_RECIPIENT_INFO(PASSWORD_RECIPIENT_INFO *p) VELPKI_
  * be in segments; they are joined. Records inside a recipient have the codes of F_CMS_RECIPIENT_INFO_TO_SEQ and
  * F_SEQ_TO_CMS_RECIPIENT_INFO.
  * @warning Certificates and CRLs are read in house form, which refuses keys that it does not know and CRLs without
- * nextUpdate, and with them the whole message. The _ex functions read and write everything in standard form: numbers
- * with their sign, certificates with any key, other choices of certificates and CRLs kept as units; they write sets in
- * the order of DER, and what was received of certificates and signers octet for octet. */
-VELPKI_API int CMS_CONTENT_INFO_to_Seq_ex(const CMS_CONTENT_INFO *in, ASN1_UNIT **out) VELPKI_NOEXCEPT;
-VELPKI_API int Seq_to_CMS_CONTENT_INFO_ex(ASN1_UNIT *in, CMS_CONTENT_INFO **out) VELPKI_NOEXCEPT;
+ * nextUpdate, and with them the whole message. The _RFC5280 functions read and write everything in standard form:
+ * numbers with their sign, certificates with any key, other choices of certificates and CRLs kept as units; they write
+ * sets in the order of DER, and what was received of certificates and signers octet for octet. */
+VELPKI_API int CMS_CONTENT_INFO_to_Seq_RFC5280(const CMS_CONTENT_INFO *in, ASN1_UNIT **out) VELPKI_NOEXCEPT;
+VELPKI_API int Seq_to_CMS_CONTENT_INFO_RFC5280(ASN1_UNIT *in, CMS_CONTENT_INFO **out) VELPKI_NOEXCEPT;
 
 /* Building. What is said to take over belongs to the message afterwards, on success only; an object that the message
  * already holds is refused (2B). Certificates, keys, algorithms and attributes are copied. Codes: each function's own,
@@ -446,6 +447,22 @@ VELPKI_API int sign_CMS(CMS_CONTENT_INFO *cms, const unsigned char *data, int le
 VELPKI_API int verify_CMS(CMS_CONTENT_INFO *cms, X509_CERT *cert, const unsigned char *data,
                           int length) VELPKI_NOEXCEPT;
 
+/* verify_CMS_strict requires at least one signer and verifies every one, or with a certificate given those that name
+ * it, of which there must be one; certificates are looked for in the message and in `more` (null allowed). What else it
+ * requires, the algorithms and the codes are those of verify_PKCS7_strict, with F_VERIFY_CMS; identifiers are compared
+ * whole. For each signer a report is written, as long as `*report_count` (the capacity; then the number) allows; both
+ * may be null. */
+typedef struct {
+  const CMS_SIGNER_INFO *signer;
+  const X509_CERT *certificate; /* null when there is none */
+  int digest_id;
+  int code; /* 0 for a valid signature */
+} CMS_SIGNER_REPORT;
+enum { CMS_ALLOW_WEAK_DIGESTS = 1 };
+VELPKI_API int verify_CMS_strict(const CMS_CONTENT_INFO *cms, const X509_CERT *cert, const X509_CERTIFICATES *more,
+                                 const unsigned char *data, int length, int flags, CMS_SIGNER_REPORT *reports,
+                                 int *report_count) VELPKI_NOEXCEPT;
+
 /* Enveloping and encrypting. Codes: each function's own with 49 (null, no content, no recipients, a padding other than
  * 0, 32, 8 and 16, update or final without init), 48 (content that is neither enveloped nor encrypted data, an unknown
  * cipher, a key of the wrong kind), 2B, 3A (encrypted content that cannot grow), 3C, or the provider's. Those of a
@@ -492,6 +509,44 @@ VELPKI_API int decrypt_CMS(CMS_CONTENT_INFO *cms, const unsigned char *key, cons
 VELPKI_API int decrypt_CMS_n(const CMS_CONTENT_INFO *cms, const unsigned char *key, const unsigned char *iv,
                              unsigned char *out, int *out_length) VELPKI_NOEXCEPT;
 
+/* What opens a message: a private key (RSA for key transport, of a named curve for key agreement) and its certificate,
+ * a key-encryption key, a password, or several of these. Members that are not used are 0 or null. */
+typedef struct {
+  const X509_CERT *cert;
+  const ASYMMETRIC_KEY *key;
+  const X509_CERT *originator; /* of key agreement, where the message names it but does not bring it */
+  const unsigned char *kek;
+  int kek_length;
+  const unsigned char *kek_id; /* null: any */
+  int kek_id_length;
+  const unsigned char *password;
+  int password_length;
+} CMS_OPENER;
+/* decrypt_content_encryption_key_ex gives the key out of the first recipient of enveloped data that the opener fits;
+ * the padding is what the algorithm says, `*out_length` holds the capacity. F_DECRYPT_CONTENT_ENCRYPTION_KEY with 49,
+ * 48, 2B (no such recipient, a buffer that is too small), ERR_NO_SIGNER_CERTIFICATE (the originator's is nowhere), 3C,
+ * or the provider's: PKV_ERR_FAILED for a wrapped key that is wrong in any way. decrypt_CMS_strict decrypts the content
+ * with it, `*out_length` being a capacity of at least the encrypted content's. Whatever is wrong with the wrapped key,
+ * the content goes on to be decrypted under a random one (RFC 3218): the result is PKV_ERR_FAILED or, as with a wrong
+ * key, now and then rubbish. F_DECRYPT_CMS as above for what can be told from the message alone. */
+VELPKI_API int decrypt_content_encryption_key_ex(const CMS_CONTENT_INFO *cms, const CMS_OPENER *opener,
+                                                 unsigned char *out, int *out_length) VELPKI_NOEXCEPT;
+VELPKI_API int decrypt_CMS_strict(const CMS_CONTENT_INFO *cms, const CMS_OPENER *opener, unsigned char *out,
+                                  int *out_length) VELPKI_NOEXCEPT;
+
+/* authenticate_CMS makes the MAC of authenticated data: a fresh key of the digest's length for every recipient that was
+ * added, HMAC over the content, or, where there are authenticated attributes or the content is not data, over these,
+ * with contentType and messageDigest (by `digest_id`) added unless they are there. The content is stored unless it is
+ * detached. F_SET_CMS_MAC with 49, 48, 5F (attributes that cannot be encoded) or 3C, those of the recipients, or the
+ * provider's. SHA-1 keys have 20 octets, which key wraps do not take.
+ * verify_authenticated_CMS verifies it as strictly as verify_CMS_strict does signatures: F_VERIFY_CMS with 49, 48, 2B
+ * (no recipient that the opener fits), 5E (a MAC or message digest that differs, whatever the key), ERR_NO_CONTENT to
+ * ERR_AMBIGUOUS_CONTENT, 5F, or the provider's. */
+VELPKI_API int authenticate_CMS(CMS_CONTENT_INFO *cms, int mac_digest_id, int digest_id, const unsigned char *data,
+                                int length, int detached, int padding) VELPKI_NOEXCEPT;
+VELPKI_API int verify_authenticated_CMS(const CMS_CONTENT_INFO *cms, const CMS_OPENER *opener,
+                                        const unsigned char *data, int length) VELPKI_NOEXCEPT;
+
 /* digest_CMS makes the content of digested data, of type data, and its digest, the algorithm without parameters.
  * F_DIGEST_CMS with 49, 48 (another type, an unknown digest) or 3C. */
 VELPKI_API int digest_CMS(CMS_CONTENT_INFO *cms, int digest_id, const unsigned char *data, int length) VELPKI_NOEXCEPT;
@@ -508,6 +563,12 @@ VELPKI_API int readDER_CMS_CONTENT_INFO_from_File(CMS_CONTENT_INFO **out, const 
 VELPKI_API int readPEM_CMS_CONTENT_INFO_from_Binary(CMS_CONTENT_INFO **out, const char *text,
                                                     int length) VELPKI_NOEXCEPT;
 VELPKI_API int readPEM_CMS_CONTENT_INFO_from_File(CMS_CONTENT_INFO **out, const char *path) VELPKI_NOEXCEPT;
+/* readBER_ takes a message as others send it, in standard form: DER, BER with indefinite lengths and segments as
+ * streams write it, or PEM, told apart by the first octet. */
+VELPKI_API int readBER_CMS_CONTENT_INFO_from_Binary(CMS_CONTENT_INFO **out, const unsigned char *data,
+                                                    int length) VELPKI_NOEXCEPT;
+VELPKI_API int readBER_CMS_CONTENT_INFO_from_File(CMS_CONTENT_INFO **out, const char *path) VELPKI_NOEXCEPT;
+VELPKI_API int writeDER_CMS_CONTENT_INFO_to_Binary_RFC5280(CMS_CONTENT_INFO *in, unsigned char **out) VELPKI_NOEXCEPT;
 
 VELPKI_END
 

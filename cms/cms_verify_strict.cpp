@@ -1,0 +1,96 @@
+// Verifying without the tolerances of verify_CMS.
+#include "cms/internal/cms.h"
+#include "cms/internal/signer_state.h"
+#include "cms/internal/strict.h"
+
+namespace velpki {
+
+namespace {
+
+constexpr int failure(int reason) noexcept { return fail(F_VERIFY_CMS, reason); }
+
+// What all signers of a message share.
+struct Task {
+  const CMS_SIGNED_DATA &data;
+  const X509_CERT *chosen;
+  const X509_CERTIFICATES *more;
+  ContentDigests &digests;
+  bool weak_allowed;
+};
+
+// The octets of IssuerAndSerialNumber's content in a received SignerInfo; none for a signer that was built here.
+Octets received_name(const CMS_SIGNER_INFO &signer) noexcept {
+  Tlv parent, child;
+  parent.content = received_of(signer);
+  Cursor in(parent);
+  return in.next(child) && in.at(tag::kSequence) && in.next(child) ? child.content : Octets();
+}
+
+// One certificate that a signer may mean. Memory that ends here leaves the signer without certificate.
+bool is_named_by(const X509_CERT *cert, const CMS_SIGNER_INFO &signer) noexcept {
+  const SIGNER_IDENTIFIER *sid = signer.sid;
+  if (!cert || !sid) return false;
+  if (sid->type == CMS_ID_SUBJECT_KEY) return has_subject_key(*cert, sid->subjectKeyIdentifier);
+  const ISSUER_AND_SERIAL_NUMBER *name = sid->issuerAndSerialNumber;
+  return name && is_named(*cert, received_name(signer), name->issuer, name->serialNumber);
+}
+
+const X509_CERT *find_certificate_of(const CMS_SIGNER_INFO &signer, const Task &task) noexcept {
+  if (task.chosen) return task.chosen;
+  for (const STACK *list : {static_cast<const STACK *>(task.data.certificates), task.more})
+    for (const X509_CERT *cert : elements<X509_CERT>(list))
+      if (is_named_by(cert, signer)) return cert;
+  return nullptr;
+}
+
+int verify_one(const CMS_SIGNER_INFO &signer, const Task &task, const X509_CERT *cert) noexcept {
+  const X509_PUBKEY *key = get_X509_SPKI(cert);
+  if (!key) return failure(ERR_NO_SIGNER_CERTIFICATE);
+  DerWriter attributes;
+  if (!write_received_attributes(received_of(signer), signer.signedAttrs, attributes)) {
+    return failure(ERR_ASN1_DECODING);
+  }
+  const StrictSigner strict{attributes.written(), signer.digestAlgorithm, signer.signatureAlgorithm, signer.signature};
+  return verify_signer_strict(strict, task.data.encapContentInfo->eContentType, *key, task.weak_allowed, task.digests,
+                              F_VERIFY_CMS);
+}
+
+int verify_all(const Task &task, Reports<CMS_SIGNER_REPORT> reports) noexcept {
+  int verified = 0, first = 0;
+  for (const CMS_SIGNER_INFO *signer : elements<CMS_SIGNER_INFO>(task.data.signerInfos)) {
+    if (!signer || (task.chosen && !is_named_by(task.chosen, *signer))) continue;
+    const X509_CERT *cert = find_certificate_of(*signer, task);
+    const int code = verify_one(*signer, task, cert);
+    reports.add({signer, cert, digest_id_of(signer->digestAlgorithm), code});
+    if (!first) first = code;
+    ++verified;
+  }
+  return verified ? first : failure(kBadValue);
+}
+
+}  // namespace
+
+bool has_subject_key(const X509_CERT &cert, const ASN1_STRING *identifier) noexcept {
+  owned<ASN1_STRING> own;
+  return !read_subject_key_identifier(cert, own) && same_octets(own.get(), identifier);
+}
+
+}  // namespace velpki
+
+using namespace velpki;
+
+int verify_CMS_strict(const CMS_CONTENT_INFO *cms, const X509_CERT *cert, const X509_CERTIFICATES *more,
+                      const unsigned char *data, int length, int flags, CMS_SIGNER_REPORT *reports,
+                      int *report_count) noexcept {
+  Reports<CMS_SIGNER_REPORT> made(reports, report_count);
+  if (length < 0) return failure(kNullArgument);
+  if (const int code = check_type(cms, CMS_TYPE_SIGNED_DATA, F_VERIFY_CMS)) return code;
+  const CMS_SIGNED_DATA &content = *signed_data(cms);
+  const ENCAPSULATED_CONTENT_INFO *info = content.encapContentInfo;
+  if (!info || !info->eContentType) return failure(kNullArgument);
+  const Octets given = octets_of(data, length);
+  if (!info->eContent && !data) return failure(ERR_NO_CONTENT);
+  if (info->eContent && data && !equal_octets(octets(*info->eContent), given)) return failure(ERR_CONTENT_MISMATCH);
+  ContentDigests digests(info->eContent ? octets(*info->eContent) : given);
+  return verify_all({content, cert, more, digests, bool(flags & CMS_ALLOW_WEAK_DIGESTS)}, made);
+}

@@ -1,0 +1,85 @@
+// CMS messages and the parties that the tests of this folder make them for.
+#pragma once
+
+#include <velpki/cms.h>
+
+#include "parties.h"
+
+// Options and openers name the members that they set.
+#pragma GCC diagnostic ignored "-Wmissing-field-initializers"
+
+namespace test {
+
+struct ReleaseCms {
+  void operator()(CMS_CONTENT_INFO *p) const { free_CMS_CONTENT_INFO(p); }
+};
+using Cms = std::unique_ptr<CMS_CONTENT_INFO, ReleaseCms>;
+
+inline Cms cms_of(int type) {
+  Cms cms(new_CMS_CONTENT_INFO());
+  if (set_CMS_Type(cms.get(), type)) cms.reset();
+  return cms;
+}
+inline Cms read_cms(const Bytes &octets, int *code = nullptr) {
+  CMS_CONTENT_INFO *cms = nullptr;
+  const int result = readBER_CMS_CONTENT_INFO_from_Binary(&cms, octets.data(), int(octets.size()));
+  if (code) *code = result;
+  return Cms(cms);
+}
+inline Bytes written(CMS_CONTENT_INFO *cms) {
+  unsigned char *out = nullptr;
+  const int length = writeDER_CMS_CONTENT_INFO_to_Binary(cms, &out);
+  const Block owner(out);
+  return out ? Bytes(out, out + length) : Bytes();
+}
+// As a peer gets it.
+inline Cms sent(const Cms &cms) { return read_cms(written(cms.get())); }
+
+template <class R>
+R *content(const Cms &cms) {
+  return static_cast<R *>(cms->content);
+}
+
+inline int verify_strict(const Cms &cms, const Bytes *data = nullptr, int flags = CMS_ALLOW_WEAK_DIGESTS) {
+  return verify_CMS_strict(cms.get(), nullptr, nullptr, data ? data->data() : nullptr, data ? int(data->size()) : 0,
+                           flags, nullptr, nullptr);
+}
+inline int open_strict(const Cms &cms, const CMS_OPENER &opener, Bytes &out) {
+  out.assign(100000, 0);
+  int length = int(out.size());
+  const int code = decrypt_CMS_strict(cms.get(), &opener, out.data(), &length);
+  out.resize(code ? 0 : size_t(length));
+  return code;
+}
+
+// A party with a key on P-256, in files and here.
+struct CurveParty {
+  std::string certificate_path = temporary_path("curve.pem"), key_path = temporary_path("curve.key");
+  CurveParty() {
+    run("openssl ecparam -name prime256v1 -genkey -noout -out " + key_path + " && openssl req -x509 -new -key " +
+        key_path + " -days 30 -sha256 -set_serial 77 -subj '/O=velPKI/CN=curve' -out " + certificate_path +
+        " 2>/dev/null");
+  }
+  Certificate certificate() const {
+    X509_CERT *cert = nullptr;
+    readPEM_X509_CERT_from_File(&cert, certificate_path.c_str());
+    return Certificate(cert);
+  }
+  Owned<ASYMMETRIC_KEY> key() const {
+    const std::string text =
+        run("openssl ec -in " + key_path + " -outform DER 2>/dev/null | od -An -tx1 -v | tr -d ' \\n'");
+    const Bytes der = hex(text);
+    const Certificate cert = certificate();
+    const Owned<ECC_UNIT> unit(PKV_Dup_ECC(ASYMMETRIC_KEY_to_ECC_UNIT(get_X509_SPKI(cert.get())->key)));
+    BIGINT *d = der.size() > 39 ? PKV_New_BIGINT_Binary(der.data() + 7, 32) : nullptr;
+    PKV_Set_ECC_Private(unit.get(), d);
+    PKV_Free_BIGINT(d);
+    return Owned<ASYMMETRIC_KEY>(ECC_UNIT_to_ASYMMETRIC_KEY(unit.get()));
+  }
+};
+inline const CurveParty &curve_party() {
+  static const CurveParty party;
+  return party;
+}
+
+}  // namespace test
