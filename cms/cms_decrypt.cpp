@@ -9,21 +9,18 @@ namespace {
 
 constexpr int failure(int reason) noexcept { return fail(F_DECRYPT_CONTENT_ENCRYPTION_KEY, reason); }
 
-// The first key transport recipient that names the certificate; without one, the first whose certificate the originator
-// brought, and the first of all must be one of these.
+// The first key transport recipient that names the certificate; without one the first of all, whose certificate the
+// originator must have brought.
 int find_recipient(const CMS_CONTENT_INFO &cms, const X509_CERT *cert, const KEY_TRANS_RECIPIENT_INFO *&out) noexcept {
   const CMS_ORIGINATOR_INFO *originator = *originator_info(&cms);
   for (const CMS_RECIPIENT_INFO *each : elements<CMS_RECIPIENT_INFO>(*recipient_list(&cms))) {
     const KEY_TRANS_RECIPIENT_INFO *info = key_trans(each);
-    const X509_CERT *found = cert;
-    bool named = false;
     if (!info || !info->rid) continue;
-    if (const int reason = cert ? names_certificate(info->rid, *cert, named)
-                                : find_named(originator ? originator->certificates : nullptr, info->rid, found)) {
-      return failure(reason);
+    if (!cert) {
+      out = info;
+      return find_named(originator ? originator->certificates : nullptr, info->rid) ? 0 : failure(kNullArgument);
     }
-    if (!cert && !found) return failure(kNullArgument);
-    if (!cert || named) return out = info, 0;
+    if (names_certificate(info->rid, *cert)) return out = info, 0;
   }
   return failure(kBadValue);
 }

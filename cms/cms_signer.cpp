@@ -1,6 +1,4 @@
 // Setting up a signer, and what names it.
-#include <velpki/x509v3.h>
-
 #include "cms/internal/cms.h"
 #include "cms/internal/signature.h"
 #include "cms/internal/signer_state.h"
@@ -14,16 +12,22 @@ constexpr int kBySubjectKey = 1;  // of the flags
 
 }  // namespace
 
-int read_subject_key_identifier(const X509_CERT &cert, owned<ASN1_STRING> &out) noexcept {
+bool view_subject_key_identifier(const X509_CERT &cert, Octets &out) noexcept {
   const X509_EXTENSIONS *extensions = get_X509_extensions(&cert);
   const int index = get_X509_EXTENSION_index_by_OID_index(extensions, kSubjectKeyIdentifierRow, -1);
   const auto *extension = index < 0 ? nullptr : element<X509_EXTENSION>(extensions, index);
-  OCTET_STRING *identifier = nullptr;
-  if (!extension) return kBadValue;
-  const int code = X509_EXTENSION_to_SUBJECT_KEYID_RFC5280(extension, &identifier);
-  if (code) return reason_of(code) == kNoMemory ? kNoMemory : kBadValue;
-  out.reset(identifier);
-  return 0;
+  Tlv tlv;
+  Rules rules = kStandardRules;
+  if (!extension || !extension->value || !Tlv::parse(octets(*extension->value), rules, tlv)) return false;
+  out = tlv.content;
+  return tlv.identifier == TYPE_OCTET_STRING && tlv.whole.size() == size_t(extension->value->length);
+}
+
+int read_subject_key_identifier(const X509_CERT &cert, owned<ASN1_STRING> &out) noexcept {
+  Octets identifier;
+  if (!view_subject_key_identifier(cert, identifier)) return kBadValue;
+  out.reset(new_string(TYPE_OCTET_STRING, identifier));
+  return out ? 0 : kNoMemory;
 }
 
 int name_certificate(SIGNER_IDENTIFIER *&out, const X509_CERT &cert, bool by_subject_key, int function) noexcept {

@@ -7,8 +7,7 @@ namespace velpki {
 namespace {
 
 // The comparison of identifiers: as text, for the length of the wanted one.
-bool begins_as_text(const ASN1_STRING &own, const ASN1_STRING &wanted) noexcept {
-  const Octets a = octets(own), b = octets(wanted);
+bool begins_as_text(Octets a, Octets b) noexcept {
   for (size_t i = 0; i < b.size(); ++i) {
     const uint8_t left = i < a.size() ? a[i] : 0;
     if (left != b[i]) return false;
@@ -19,32 +18,23 @@ bool begins_as_text(const ASN1_STRING &own, const ASN1_STRING &wanted) noexcept 
 
 }  // namespace
 
-int names_certificate(const SIGNER_IDENTIFIER *identifier, const X509_CERT &cert, bool &named) noexcept {
-  named = false;
-  if (!identifier) return 0;
+bool names_certificate(const SIGNER_IDENTIFIER *identifier, const X509_CERT &cert) noexcept {
+  if (!identifier) return false;
   if (identifier->type != CMS_ID_SUBJECT_KEY) {
-    named = cmp_ISSUER_AND_SERIAL_NUMBER(&cert, identifier->issuerAndSerialNumber) == 0;
-    return 0;
+    return cmp_ISSUER_AND_SERIAL_NUMBER(&cert, identifier->issuerAndSerialNumber) == 0;
   }
-  owned<ASN1_STRING> own;
-  const int reason = read_subject_key_identifier(cert, own);
-  if (reason == kNoMemory) return reason;
-  named = own && identifier->subjectKeyIdentifier && begins_as_text(*own, *identifier->subjectKeyIdentifier);
-  return 0;
+  Octets own;
+  return identifier->subjectKeyIdentifier && view_subject_key_identifier(cert, own) &&
+         begins_as_text(own, octets(*identifier->subjectKeyIdentifier));
 }
 
-int find_named(const X509_CERTIFICATES *list, const SIGNER_IDENTIFIER *identifier, const X509_CERT *&out) noexcept {
-  for (const X509_CERT *cert : elements<X509_CERT>(list)) {
-    bool named = false;
-    if (const int reason = cert ? names_certificate(identifier, *cert, named) : 0) return reason;
-    if (named) return out = cert, 0;
-  }
-  return 0;
+const X509_CERT *find_named(const X509_CERTIFICATES *list, const SIGNER_IDENTIFIER *identifier) noexcept {
+  for (const X509_CERT *cert : elements<X509_CERT>(list))
+    if (cert && names_certificate(identifier, *cert)) return cert;
+  return nullptr;
 }
 
 namespace {
-
-constexpr int failure(int reason) noexcept { return fail(F_VERIFY_CMS, reason); }
 
 int verify_with(const CMS_SIGNER_INFO &signer, const X509_CERT &cert, ContentDigests &digests) noexcept {
   const X509_PUBKEY *spki = get_X509_SPKI(&cert);
@@ -55,23 +45,10 @@ int verify_with(const CMS_SIGNER_INFO &signer, const X509_CERT &cert, ContentDig
   return verify_signer(parts, *spki->key, scheme, digests, F_VERIFY_CMS);
 }
 
-// The certificate that verifies a signer; null for one that the given certificate is not meant for.
-int certificate_for(const CMS_SIGNER_INFO &signer, const X509_CERT *given, const X509_CERTIFICATES *list,
-                    const X509_CERT *&out) noexcept {
-  bool named = false;
-  if (!given) return find_named(list, signer.sid, out);
-  const int reason = names_certificate(signer.sid, *given, named);
-  out = named ? given : nullptr;
-  return reason;
-}
-
 int verify_all(const CMS_SIGNED_DATA &data, const X509_CERT *given, ContentDigests &digests) noexcept {
   for (const CMS_SIGNER_INFO *signer : elements<CMS_SIGNER_INFO>(data.signerInfos)) {
-    const X509_CERT *cert = nullptr;
-    if (const int reason = signer ? certificate_for(*signer, given, data.certificates, cert) : 0) {
-      return failure(reason);
-    }
-    if (!cert && given) continue;
+    if (!signer || (given && !names_certificate(signer->sid, *given))) continue;
+    const X509_CERT *cert = given ? given : find_named(data.certificates, signer->sid);
     if (!cert) return 1;
     if (const int code = verify_with(*signer, *cert, digests)) return code;
   }

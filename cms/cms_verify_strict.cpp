@@ -26,7 +26,6 @@ Octets received_name(const CMS_SIGNER_INFO &signer) noexcept {
   return in.next(child) && in.at(tag::kSequence) && in.next(child) ? child.content : Octets();
 }
 
-// One certificate that a signer may mean. Memory that ends here leaves the signer without certificate.
 bool is_named_by(const X509_CERT *cert, const CMS_SIGNER_INFO &signer) noexcept {
   const SIGNER_IDENTIFIER *sid = signer.sid;
   if (!cert || !sid) return false;
@@ -72,8 +71,8 @@ int verify_all(const Task &task, Reports<CMS_SIGNER_REPORT> reports) noexcept {
 }  // namespace
 
 bool has_subject_key(const X509_CERT &cert, const ASN1_STRING *identifier) noexcept {
-  owned<ASN1_STRING> own;
-  return !read_subject_key_identifier(cert, own) && same_octets(own.get(), identifier);
+  Octets own;
+  return identifier && view_subject_key_identifier(cert, own) && equal_octets(own, octets(*identifier));
 }
 
 }  // namespace velpki

@@ -20,6 +20,7 @@ Targets asn1_targets();
 Targets x509_targets();
 Targets extension_targets();
 Targets pkcs7_targets();
+Targets cms_targets();
 Targets crl_targets();
 Targets korea_targets();
 

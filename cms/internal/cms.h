@@ -80,6 +80,8 @@ int write_identifier(const SIGNER_IDENTIFIER *identifier, int function, DerWrite
 
 // The subject key identifier of a certificate: 0, or 2B when it has none that can be read, or 3C.
 int read_subject_key_identifier(const X509_CERT &cert, owned<ASN1_STRING> &out) noexcept;
+// Its octets where they stand; false when there are none.
+bool view_subject_key_identifier(const X509_CERT &cert, Octets &out) noexcept;
 // Names a certificate: 0, or `function` with a reason.
 int name_certificate(SIGNER_IDENTIFIER *&out, const X509_CERT &cert, bool by_subject_key, int function) noexcept;
 int name_by_serial(ISSUER_AND_SERIAL_NUMBER *&out, const X509_CERT &cert, int function) noexcept;
@@ -92,9 +94,9 @@ int wrap_for_all(const CMS_RECIPIENT_INFOS *recipients, Octets key, int padding,
 // Whether a certificate has exactly this subject key identifier.
 bool has_subject_key(const X509_CERT &cert, const ASN1_STRING *identifier) noexcept;
 // Whether an identifier names a certificate, and the first of a list that it names (null: none), with the comparison of
-// the plain functions. 0, or the reason 3C.
-int names_certificate(const SIGNER_IDENTIFIER *identifier, const X509_CERT &cert, bool &named) noexcept;
-int find_named(const X509_CERTIFICATES *list, const SIGNER_IDENTIFIER *identifier, const X509_CERT *&out) noexcept;
+// the plain functions.
+bool names_certificate(const SIGNER_IDENTIFIER *identifier, const X509_CERT &cert) noexcept;
+const X509_CERT *find_named(const X509_CERTIFICATES *list, const SIGNER_IDENTIFIER *identifier) noexcept;
 
 inline bool has_anything(const CMS_ORIGINATOR_INFO *info) noexcept {
   return info && (has_elements(info->certificates) || has_elements(info->crls) ||

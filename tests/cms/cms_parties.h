@@ -45,7 +45,8 @@ inline int verify_strict(const Cms &cms, const Bytes *data = nullptr, int flags 
                            flags, nullptr, nullptr);
 }
 inline int open_strict(const Cms &cms, const CMS_OPENER &opener, Bytes &out) {
-  out.assign(100000, 0);
+  const CMS_ENCRYPTED_CONTENT_INFO *info = content<CMS_ENVELOPED_DATA>(cms)->encryptedContentInfo;
+  out.assign(info->encryptedContent ? size_t(info->encryptedContent->length) + 1 : 1, 0);
   int length = int(out.size());
   const int code = decrypt_CMS_strict(cms.get(), &opener, out.data(), &length);
   out.resize(code ? 0 : size_t(length));

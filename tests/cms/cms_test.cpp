@@ -1,0 +1,342 @@
+// CMS: versions, identifiers, hostile messages, and flows whose allocations fail.
+#include <cstring>
+
+#include "cms_parties.h"
+#include "cms_samples.h"
+
+using namespace test;
+
+namespace {
+
+constexpr int kTypes[] = {21, 22, 23, 25, 26, 205};
+
+TEST(Cms, VersionsByTypeAndAgainstTheOthers) {
+  for (const int type : kTypes) {
+    const Cms cms = cms_of(type);
+    ASSERT_NE(cms, nullptr);
+    for (const int asked : kTypes) {
+      const int result = set_CMS_version(cms.get(), 3, asked);
+      EXPECT_EQ(result, asked == type && type != 21 ? 0 : F_SET_CMS_VERSION | 0x48) << type << " as " << asked;
+    }
+    EXPECT_EQ(set_CMS_version(cms.get(), -1, type), F_SET_CMS_VERSION | (type == 21 ? 0x48 : type == 22 ? 0x2B : 0x28));
+  }
+  EXPECT_EQ(set_CMS_Type(cms_of(21).get(), 24), F_SET_CMS_TYPE | 0x48);
+  EXPECT_EQ(set_CMS_Type(nullptr, 22), F_SET_CMS_TYPE | 0x49);
+  EXPECT_EQ(set_CMS_version(nullptr, 1, 22), F_SET_CMS_VERSION | 0x49);
+}
+
+TEST(Cms, SignerVersionsFollowTheIdentifier) {
+  VELPKI_NEED_OPENSSL;
+  const Certificate cert = first_party().certificate();
+  const Cms cms = cms_of(CMS_TYPE_SIGNED_DATA);
+  CMS_SIGNER_INFO *plain = add_CMS_Signature(cms.get(), cert.get(), 0, nullptr, 672, 1, nullptr);
+  const auto *data = content<CMS_SIGNED_DATA>(cms);
+  EXPECT_EQ(PKV_Get_BIGINT_Word(data->version), 1u);
+  CMS_SIGNER_INFO *by_key = add_CMS_Signature(cms.get(), cert.get(), 1, nullptr, 672, 1, nullptr);
+  ASSERT_TRUE(plain && by_key);
+  EXPECT_EQ(PKV_Get_BIGINT_Word(plain->version), 1u);
+  EXPECT_EQ(PKV_Get_BIGINT_Word(by_key->version), 3u);
+  EXPECT_EQ(PKV_Get_BIGINT_Word(data->version), 3u);
+  EXPECT_EQ(set_CMS_version(cms.get(), 2, 22), F_SET_CMS_VERSION | 0x2B);
+  EXPECT_EQ(set_CMS_version(cms.get(), 3, 22), 0);
+  EXPECT_EQ(PKV_Get_BIGINT_Word(plain->version), 3u);
+  EXPECT_EQ(set_CMS_SIGNER_INFO(plain, cert.get(), 0, nullptr, 672, 3, nullptr), F_SET_CMS_SIGNER_INFO | 0x48);
+  EXPECT_EQ(add_CMS_SignerInfo(cms.get(), plain), F_ADD_CMS_SIGNER | 0x2B);
+  EXPECT_EQ(data->digestAlgorithms->count, 2);
+}
+
+TEST(Cms, RecipientVersionsAndIdentifiers) {
+  VELPKI_NEED_OPENSSL;
+  const Certificate rsa = first_party().certificate(), curve = curve_party().certificate();
+  const Cms cms = cms_of(CMS_TYPE_ENVELOPED_DATA);
+  const auto *data = content<CMS_ENVELOPED_DATA>(cms);
+  const auto *by_serial =
+      static_cast<KEY_TRANS_RECIPIENT_INFO *>(add_CMS_Recipient(cms.get(), rsa.get(), 32, nullptr, 0)->info);
+  EXPECT_EQ(PKV_Get_BIGINT_Word(by_serial->version), 0u);
+  EXPECT_EQ(PKV_Get_BIGINT_Word(data->version), 0u);
+  const auto *by_key =
+      static_cast<KEY_TRANS_RECIPIENT_INFO *>(add_CMS_Recipient(cms.get(), rsa.get(), 8, nullptr, 1)->info);
+  EXPECT_EQ(PKV_Get_BIGINT_Word(by_key->version), 2u);
+  EXPECT_EQ(PKV_Get_BIGINT_Word(data->version), 2u);
+  EXPECT_EQ(index_from_OBJECT_IDENTIFIER(by_key->keyEncryptionAlgorithm->algorithm), 832);
+  for (const auto &[flags, originator, recipient] :
+       {std::tuple(16, 0, 0), {17, 1, 1}, {18, 2, 0}, {19, 2, 1}, {48, 0, 0}}) {
+    const CMS_RECIPIENT_INFO *made = add_CMS_Recipient(cms.get(), curve.get(), 0, nullptr, flags);
+    ASSERT_NE(made, nullptr);
+    const auto *info = static_cast<KEY_AGREE_RECIPIENT_INFO *>(made->info);
+    EXPECT_EQ(PKV_Get_BIGINT_Word(info->version), 3u);
+    EXPECT_EQ(info->originator->type, originator);
+    EXPECT_EQ(static_cast<RECIPIENT_ENCRYPTED_KEY *>(get_STACK_value(info->recipientEncryptedKeys, 0))->rid->type,
+              recipient);
+    CMS_RECIPIENT_INFO *changeable = const_cast<CMS_RECIPIENT_INFO *>(made);
+    const int result = encrypt_CMS_RecipientInfo(changeable, document().data(), 16, 0);
+    EXPECT_EQ(result, originator == 2 ? 0 : F_ENCRYPT_CMS_RECIPIENTINFO | 0x48);
+    EXPECT_EQ(info->originator->type, originator);
+  }
+  EXPECT_EQ(add_CMS_Recipient(cms.get(), curve.get(), 0, nullptr, 32)->kind, CMS_RECIPIENT_KEK);
+  EXPECT_EQ(add_CMS_Recipient(cms.get(), curve.get(), 0, nullptr, 0), nullptr);
+  EXPECT_EQ(set_CMS_version(cms.get(), 5, 23), 0);
+  EXPECT_EQ(PKV_Get_BIGINT_Word(by_key->version), 5u);
+}
+
+// Subject key identifiers as text in the plain functions, and as they are in the strict ones.
+TEST(Cms, SubjectKeyIdentifierComparison) {
+  VELPKI_NEED_OPENSSL;
+  const Certificate cert = first_party().certificate();
+  OCTET_STRING *own = nullptr;
+  ASSERT_EQ(set_CMS_SubjectKeyIdentifier(&own, cert.get()), 0);
+  const Bytes whole(own->data, own->data + own->length);
+  free_ASN1_STRING(own);
+  struct Case {
+    Bytes identifier;
+    bool plain, strict;
+  };
+  const Bytes longer = whole + Bytes{7}, prefix(whole.begin(), whole.end() - 1), other(20, 0x7E);
+  for (const Case &c : {Case{whole, true, true},
+                        {prefix, true, false},
+                        {{}, true, false},
+                        {longer, false, false},
+                        {whole + Bytes{0}, true, false},
+                        {other, false, false}}) {
+    const Cms cms = cms_of(CMS_TYPE_SIGNED_DATA);
+    CMS_SIGNER_INFO *signer = add_CMS_Signature(cms.get(), cert.get(), 1, first_party().key().get(), 672, 1, nullptr);
+    ASSERT_NE(signer, nullptr);
+    add_CMS_Certificate(cms.get(), cert.get());
+    ASSERT_EQ(sign_CMS(cms.get(), document().data(), 5000, 0), 0);
+    ASSERT_EQ(set_ASN1_STRING_value(signer->sid->subjectKeyIdentifier, TYPE_OCTET_STRING, c.identifier.data(),
+                                    int(c.identifier.size())),
+              0);
+    EXPECT_EQ(verify_CMS(cms.get(), nullptr, nullptr, 0), c.plain ? 0 : 1) << to_hex(c.identifier);
+    EXPECT_EQ(verify_strict(cms) == 0, c.strict) << to_hex(c.identifier);
+  }
+}
+
+// What the plain function lets pass and the strict one does not.
+TEST(Cms, StrictRefusesWhatPlainLetsPass) {
+  VELPKI_NEED_OPENSSL;
+  const Certificate cert = first_party().certificate(), other = second_party().certificate();
+  const Cms empty = cms_of(CMS_TYPE_SIGNED_DATA);
+  auto *content_info = new_ENCAPSULATED_CONTENT_INFO();
+  ASSERT_EQ(set_ENCAPSULATED_CONTENT_INFO(content_info, 21, document().data(), 10), 0);
+  ASSERT_EQ(set_Content_Info(empty.get(), content_info), 0);
+  EXPECT_EQ(verify_CMS(empty.get(), cert.get(), nullptr, 0), 0);
+  EXPECT_EQ(verify_strict(empty), F_VERIFY_CMS | 0x2B);
+  // Content of another type is bound by attributes, which are made without being asked for.
+  const Cms typed = cms_of(CMS_TYPE_SIGNED_DATA);
+  auto *typed_info = new_ENCAPSULATED_CONTENT_INFO();
+  ASSERT_EQ(set_ENCAPSULATED_CONTENT_INFO(typed_info, 22, document().data(), 10), 0);
+  ASSERT_EQ(set_Content_Info(typed.get(), typed_info), 0);
+  CMS_SIGNER_INFO *signer = add_CMS_Signature(typed.get(), cert.get(), 0, first_party().key().get(), 672, 1, nullptr);
+  add_CMS_Certificate(typed.get(), cert.get());
+  ASSERT_EQ(sign_CMS(typed.get(), nullptr, 0, 0), 0);
+  EXPECT_EQ(signer->signedAttrs->count, 2);
+  EXPECT_EQ(PKV_Get_BIGINT_Word(content<CMS_SIGNED_DATA>(typed)->version), 3u);
+  EXPECT_EQ(verify_strict(sent(typed)), 0);
+  EXPECT_EQ(verify_CMS(typed.get(), other.get(), nullptr, 0), 0);
+  EXPECT_EQ(verify_CMS_strict(typed.get(), other.get(), nullptr, nullptr, 0, 0, nullptr, nullptr), F_VERIFY_CMS | 0x2B);
+  // The same signature over the same octets under another content type.
+  const Cms renamed = sent(typed);
+  OBJECT_IDENTIFIER *&type = content<CMS_SIGNED_DATA>(renamed)->encapContentInfo->eContentType;
+  free_OBJECT_IDENTIFIER(type);
+  type = index_to_OBJECT_IDENTIFIER(23);
+  EXPECT_EQ(verify_CMS(renamed.get(), nullptr, nullptr, 0), 0);
+  EXPECT_EQ(verify_strict(renamed), F_VERIFY_CMS | ERR_CONTENT_TYPE_MISMATCH);
+  // Attributes taken away and offered as the content.
+  const Cms stripped = sent(typed);
+  auto *data = content<CMS_SIGNED_DATA>(stripped);
+  auto *victim = static_cast<CMS_SIGNER_INFO *>(get_STACK_value(data->signerInfos, 0));
+  ASN1_UNIT *unit = nullptr;
+  ASSERT_EQ(X509_ATTRIBUTES_to_Seq(victim->signedAttrs, &unit), 0);
+  Bytes set = hex(flat(unit));
+  free_ASN1_UNIT(unit);
+  set[0] = 0x31;
+  auto *forged = new_CMS_SIGNER_INFO();
+  std::swap(forged->version, victim->version), std::swap(forged->sid, victim->sid);
+  std::swap(forged->digestAlgorithm, victim->digestAlgorithm);
+  std::swap(forged->signatureAlgorithm, victim->signatureAlgorithm), std::swap(forged->signature, victim->signature);
+  std::swap(*forged, *victim);
+  free_CMS_SIGNER_INFO(forged);
+  free_OBJECT_IDENTIFIER(data->encapContentInfo->eContentType);
+  data->encapContentInfo->eContentType = index_to_OBJECT_IDENTIFIER(21);
+  ASSERT_EQ(set_ASN1_STRING_value(data->encapContentInfo->eContent, TYPE_OCTET_STRING, set.data(), int(set.size())), 0);
+  EXPECT_EQ(verify_CMS(stripped.get(), nullptr, nullptr, 0), 0);
+  EXPECT_EQ(verify_strict(stripped), F_VERIFY_CMS | ERR_AMBIGUOUS_CONTENT);
+}
+
+TEST(Cms, AuthenticatedDataWithAndWithoutAttributes) {
+  const Bytes key(32, 0x31), id = {9};
+  const CMS_RECIPIENT_OPTIONS options{
+      .kind = 2, .secret = key.data(), .secret_length = 32, .key_id = id.data(), .key_id_length = 1};
+  const CMS_OPENER opener{.kek = key.data(), .kek_length = 32};
+  const Bytes wrong_key(32, 0x32);
+  const CMS_OPENER wrong{.kek = wrong_key.data(), .kek_length = 32};
+  for (const int digest : {PKV_DIGEST_SHA256, PKV_DIGEST_SHA384, PKV_DIGEST_SHA512}) {
+    for (const int form : {0, 1, 2, 3}) {
+      const Cms cms = cms_of(CMS_TYPE_AUTHENTICATED_DATA);
+      ASSERT_NE(add_CMS_Recipient_ex(cms.get(), &options), nullptr);
+      if (form & 1) ASSERT_EQ(add_CMS_Authenticated_Attribute(cms.get(), 52, TYPE_OCTET_STRING, key.data(), 4), 0);
+      ASSERT_EQ(authenticate_CMS(cms.get(), digest, PKV_DIGEST_SHA256, document().data(), 5000, form & 2, 0), 0);
+      const Cms back = sent(cms);
+      ASSERT_NE(back, nullptr);
+      const uint8_t *data = form & 2 ? document().data() : nullptr;
+      EXPECT_EQ(verify_authenticated_CMS(back.get(), &opener, data, data ? 5000 : 0), 0);
+      EXPECT_EQ(verify_authenticated_CMS(back.get(), &wrong, data, data ? 5000 : 0), F_VERIFY_CMS | 0x5E);
+      EXPECT_EQ(verify_authenticated_CMS(back.get(), &opener, document().data(), 4999),
+                F_VERIFY_CMS | (form & 2 ? 0x5E : ERR_CONTENT_MISMATCH));
+      if (form & 2) EXPECT_EQ(verify_authenticated_CMS(back.get(), &opener, nullptr, 0), F_VERIFY_CMS | ERR_NO_CONTENT);
+    }
+  }
+}
+
+// An enveloped message under a key-encryption key, of which one piece is replaced.
+struct Sealed {
+  Bytes key = Bytes(16, 0x21), wrapped, iv = TLV(0x04, Bytes(16, 0)), cipher = TLV(0x06, "608648016503040102");
+  Bytes content = Bytes(16, 0xA5);
+  explicit Sealed(size_t key_length = 16) : wrapped(64) {
+    int length = 64;
+    const Bytes secret(key_length, 0x5A);
+    PKV_Wrap_KEY(0x01000100, key.data(), 16, secret.data(), int(secret.size()), wrapped.data(), &length);
+    wrapped.resize(size_t(length));
+  }
+  Cms message(int *code = nullptr) const {
+    const Bytes recipient =
+        TLV(0xA2, TLV(0x02, "04") + TLV(0x30, "040109") + TLV(0x30, "0609608648016503040105") + TLV(0x04, wrapped));
+    const Bytes info = TLV(0x30, TLV(0x06, "2a864886f70d010701") + TLV(0x30, cipher + iv) + TLV(0x80, content));
+    const Bytes data = TLV(0x30, TLV(0x02, "02") + TLV(0x31, recipient) + info);
+    return read_cms(TLV(0x30, TLV(0x06, "2a864886f70d010703") + TLV(0xA0, data)), code);
+  }
+  CMS_OPENER opener() const { return {.kek = key.data(), .kek_length = 16}; }
+};
+
+TEST(Cms, WrappedKeysAndIvsOfOtherLengths) {
+  uint8_t key[64];
+  for (const size_t length : {16, 24, 32}) {
+    const Sealed sealed(length);
+    const CMS_OPENER opener = sealed.opener();
+    int room = 16;
+    EXPECT_EQ(decrypt_content_encryption_key_ex(sealed.message().get(), &opener, key, &room),
+              length == 16 ? 0 : PKV_ERR_FAILED);
+    room = 15;
+    EXPECT_EQ(decrypt_content_encryption_key_ex(sealed.message().get(), &opener, key, &room),
+              F_DECRYPT_CONTENT_ENCRYPTION_KEY | 0x2B);
+  }
+  for (const size_t length : {0, 8, 16, 23, 25, 80}) {
+    Sealed sealed;
+    sealed.wrapped = Bytes(length, 1);
+    const CMS_OPENER opener = sealed.opener();
+    int room = 64;
+    EXPECT_EQ(decrypt_content_encryption_key_ex(sealed.message().get(), &opener, key, &room), PKV_ERR_FAILED) << length;
+  }
+  for (const size_t length : {0, 1, 8, 15, 17, 50}) {
+    Sealed sealed;
+    sealed.iv = TLV(0x04, Bytes(length, 0));
+    Bytes out;
+    EXPECT_EQ(open_strict(sealed.message(), sealed.opener(), out), F_DECRYPT_CMS | 0x2B) << length;
+  }
+  for (const size_t length : {0, 1, 15, 17}) {
+    Sealed sealed;
+    sealed.content = Bytes(length, 1);
+    Bytes out;
+    EXPECT_NE(open_strict(sealed.message(), sealed.opener(), out), 0) << length;
+  }
+  for (const char *oid : {"2a864886f70d010101", "608648016503040201", "2a0304"}) {
+    Sealed sealed;
+    sealed.cipher = TLV(0x06, oid);
+    Bytes out;
+    EXPECT_EQ(open_strict(sealed.message(), sealed.opener(), out), F_DECRYPT_CMS | 0x48) << oid;
+  }
+}
+
+// A value of more octets than TLV takes.
+Bytes large(uint8_t tag, const Bytes &content) {
+  const size_t n = content.size();
+  return Bytes{tag, 0x83, uint8_t(n >> 16), uint8_t(n >> 8), uint8_t(n)} + content;
+}
+
+TEST(Cms, ThousandsOfRecipientsAndNestedContents) {
+  const CmsParts parts;
+  Bytes recipients, signers;
+  const Bytes recipient = parts.kek(), signer = parts.cms_signer();
+  for (int i = 0; i < 5000; ++i) {
+    recipients.insert(recipients.end(), recipient.begin(), recipient.end());
+    signers.insert(signers.end(), signer.begin(), signer.end());
+  }
+  const Bytes enveloped = large(0x30, TLV(0x02, "02") + large(0x31, recipients) + parts.encrypted);
+  int code = 0;
+  const Cms many = read_cms(large(0x30, TLV(0x06, "2a864886f70d010703") + large(0xA0, enveloped)), &code);
+  ASSERT_NE(many, nullptr) << std::hex << code;
+  EXPECT_EQ(content<CMS_ENVELOPED_DATA>(many)->recipientInfos->count, 5000);
+  const Bytes data = large(0x30, TLV(0x02, "03") + TLV(0x31, parts.sha256) + parts.encapsulated +
+                                     TLV(0xA0, parts.certificate.der()) + large(0x31, signers));
+  const Cms signed_by_many = read_cms(large(0x30, TLV(0x06, "2a864886f70d010702") + large(0xA0, data)));
+  ASSERT_NE(signed_by_many, nullptr);
+  EXPECT_NE(verify_strict(signed_by_many), 0);
+  EXPECT_NE(verify_CMS(signed_by_many.get(), nullptr, nullptr, 0), 0);
+  for (const char *content : {"a0020500", "a0023000", "a003020101", "a000", "a00a3008020100310031003000"}) {
+    for (const uint8_t type : {2, 3, 5, 6}) {
+      read_cms(TLV(0x30, TLV(0x06, hex("2a864886f70d0107") + Bytes{type}) + hex(content)), &code);
+      EXPECT_NE(code, 0) << int(type) << " " << content;
+    }
+  }
+}
+
+// Every allocation of whole flows fails once; nothing leaks, and the flow ends with a code.
+TEST(Cms, FlowsSurviveEachFailedAllocation) {
+  VELPKI_NEED_OPENSSL;
+  const Certificate cert = first_party().certificate(), curve = curve_party().certificate();
+  const Owned<ASYMMETRIC_KEY> key = first_party().key(), curve_key = curve_party().key();
+  const auto aes = algorithm(419);
+  const Bytes kek(16, 2);
+  const CMS_RECIPIENT_OPTIONS recipients[] = {
+      {.kind = 0, .cert = cert.get(), .flags = 1},
+      {.kind = 1, .cert = curve.get(), .flags = 2},
+      {.kind = 2, .secret = kek.data(), .secret_length = 16, .key_id = kek.data(), .key_id_length = 2},
+      {.kind = 3, .secret = kek.data(), .secret_length = 16, .iterations = 1}};
+  const CMS_OPENER openers[] = {{.cert = cert.get(), .key = key.get()},
+                                {.cert = curve.get(), .key = curve_key.get()},
+                                {.kek = kek.data(), .kek_length = 16},
+                                {.password = kek.data(), .password_length = 16}};
+  const auto sign = [&]() -> int {
+    const Cms cms = cms_of(CMS_TYPE_SIGNED_DATA);
+    if (!cms || !add_CMS_Signature_ex(cms.get(), cert.get(), 1, key.get(), 672, 2, nullptr)) return 0x3C;
+    if (add_CMS_Certificate(cms.get(), cert.get())) return 0x3C;
+    auto *signer = static_cast<CMS_SIGNER_INFO *>(get_STACK_value(content<CMS_SIGNED_DATA>(cms)->signerInfos, 0));
+    if (add_CMS_Signed_Attribute(signer, 52, TYPE_OCTET_STRING, kek.data(), 3)) return 0x3C;
+    if (const int code = sign_CMS(cms.get(), kek.data(), 16, 1)) return code;
+    unsigned char *out = nullptr;
+    const int length = writeDER_CMS_CONTENT_INFO_to_Binary(cms.get(), &out);
+    CMS_CONTENT_INFO *back = nullptr;
+    int code = out ? readBER_CMS_CONTENT_INFO_from_Binary(&back, out, length) : length;
+    PKV_Free(out, __FILE__, __LINE__);
+    if (!code) code = verify_CMS_strict(back, nullptr, nullptr, kek.data(), 16, 0, nullptr, nullptr);
+    free_CMS_CONTENT_INFO(back);
+    return code;
+  };
+  const auto seal = [&]() -> int {
+    const Cms cms = cms_of(CMS_TYPE_ENVELOPED_DATA);
+    for (const CMS_RECIPIENT_OPTIONS &each : recipients)
+      if (!cms || !add_CMS_Recipient_ex(cms.get(), &each)) return 0x3C;
+    if (const int code = encrypt_CMS(cms.get(), nullptr, aes.get(), kek.data(), 16, 0)) return code;
+    for (const CMS_OPENER &each : openers) {
+      uint8_t out[32];
+      int length = 32;
+      if (const int code = decrypt_CMS_strict(cms.get(), &each, out, &length)) return code;
+      if (length != 16 || std::memcmp(out, kek.data(), 16) != 0) return 0x3C;
+    }
+    return 0;
+  };
+  for (const auto &flow : {std::function<int()>(sign), std::function<int()>(seal)}) {
+    ASSERT_EQ(flow(), 0);
+    int code = 1;
+    for (long n = 0; code && n < 3000; ++n) {
+      const size_t before = live_blocks();
+      fail_allocation(n);
+      code = flow();
+      fail_allocation(-1);
+      ASSERT_EQ(live_blocks(), before) << "allocation " << n;
+    }
+    EXPECT_EQ(code, 0);
+  }
+}
+
+}  // namespace
