@@ -23,6 +23,7 @@ Targets pkcs7_targets();
 Targets cms_targets();
 Targets crl_targets();
 Targets korea_targets();
+Targets ocsp_targets();
 
 inline void require(bool holds, const char *what) {
   if (holds) return;

@@ -145,25 +145,15 @@ int encode(const KISA_HSM_SIGNATURE_TOKEN &token, DerWriter &out) noexcept {
   return out.result(kKisa);
 }
 
-// The encoded AlgorithmIdentifier of a signature algorithm as a record.
-int algorithm_record(const OBJECT_IDENTIFIER &oid, X509_ALGO_IDENTIFIER *&out) noexcept {
-  DerWriter writer(kStandardRules);
-  write_algorithm_with_null(oid, writer);
-  if (writer.failed()) return writer.result(kKisa);
-  Rules rules = kStandardRules;
-  Tlv tlv;
-  out = new_X509_ALGO_IDENTIFIER();
-  if (!out) return fail(kKisa, kNoMemory);
-  return Tlv::parse(writer.written(), rules, tlv) ? velpki::decode(tlv, *out) : fail(kKisa, ERR_ASN1_ENCODING);
-}
-
 int sign(KISA_HSM_SIGNATURE_TOKEN &token, const ASYMMETRIC_KEY &key, const OBJECT_IDENTIFIER &algorithm) noexcept {
   DerWriter content, signature;
   if (const int code = write_signed(token, content)) return code;
   if (const int code = sign_octets(content.written(), algorithm, key, kKisa, signature)) return code;
   owned<KISA_HSM_SIGNATURE_VALUE> value(blank<KISA_HSM_SIGNATURE_VALUE>());
   if (!value) return fail(kKisa, kNoMemory);
-  if (const int code = algorithm_record(algorithm, value->signatureAlgorithm)) return code;
+  owned<X509_ALGO_IDENTIFIER> identifier;
+  if (const int code = new_signature_algorithm(algorithm, kKisa, identifier)) return code;
+  value->signatureAlgorithm = identifier.release();
   value->signature = new_string(TYPE_BIT_STRING, signature.written());
   if (!value->signature) return fail(kKisa, kNoMemory);
   free_KISA_HSM_SIGNATURE_VALUE(std::exchange(token.signatureValue, value.release()));
@@ -172,15 +162,9 @@ int sign(KISA_HSM_SIGNATURE_TOKEN &token, const ASYMMETRIC_KEY &key, const OBJEC
 
 int verify(const KISA_HSM_SIGNATURE_TOKEN &token, const X509_PUBKEY &key) noexcept {
   const KISA_HSM_SIGNATURE_VALUE &value = *token.signatureValue;
-  if (value.signature->unused_bits) return fail(kKisa, ERR_UNUSED_BITS);
-  DerWriter content, algorithm(kStandardRules);
+  DerWriter content;
   if (const int code = write_signed(token, content)) return code;
-  if (const int code = velpki::encode(*value.signatureAlgorithm, algorithm)) return code;
-  if (algorithm.failed()) return algorithm.result(kKisa);
-  Rules rules = kStandardRules;
-  Tlv tlv;
-  if (!Tlv::parse(algorithm.written(), rules, tlv)) return fail(kKisa, ERR_ASN1_DECODING);
-  return verify_octets(content.written(), tlv, octets(*value.signature), key, kKisa);
+  return verify_bits(content.written(), *value.signatureAlgorithm, *value.signature, key, kKisa);
 }
 
 }  // namespace

@@ -33,6 +33,12 @@ int check_signing_algorithm(const OBJECT_IDENTIFIER *oid, int function) noexcept
 int sign_octets(Octets tbs, const OBJECT_IDENTIFIER &oid, const ASYMMETRIC_KEY &key, int function, DerWriter &out,
                 int pss_digest_id = kPssDigest) noexcept;
 
+// The same for records that keep the whole identifier: the one that a signature of this algorithm carries, and a
+// verification by it.
+int new_signature_algorithm(const OBJECT_IDENTIFIER &oid, int function, owned<X509_ALGO_IDENTIFIER> &out) noexcept;
+int verify_bits(Octets tbs, const X509_ALGO_IDENTIFIER &algorithm, const ASN1_STRING &signature, const X509_PUBKEY &key,
+                int function) noexcept;
+
 // What signing puts into a record: the signature, its algorithm, and the whole finished structure as if received.
 struct Signed {
   owned<OBJECT_IDENTIFIER> algorithm;
