@@ -60,11 +60,34 @@ int store_content(CMS_AUTHENTICATED_DATA &data, Octets content, bool detached) n
   return 0;
 }
 
-int check_bound(const CMS_AUTHENTICATED_DATA &data, Octets content, Octets covered) noexcept {
-  const StrictSigner binding{has_attributes(data.authAttrs) ? covered : Octets(), data.digestAlgorithm, nullptr,
+// The content that a MAC to be verified is about: the message's own, or the caller's, which must not differ.
+int find_content(const CMS_AUTHENTICATED_DATA &from, const unsigned char *data, int length, Octets &content) noexcept {
+  if (!from.encapContentInfo || !from.encapContentInfo->eContentType || !from.mac) {
+    return fail(F_VERIFY_CMS, kNullArgument);
+  }
+  const ASN1_STRING *attached = from.encapContentInfo->eContent;
+  if (!attached && !data) return fail(F_VERIFY_CMS, ERR_NO_CONTENT);
+  content = attached ? octets(*attached) : octets_of(data, length);
+  const bool same = !attached || !data || equal_octets(content, octets_of(data, length));
+  return same ? 0 : fail(F_VERIFY_CMS, ERR_CONTENT_MISMATCH);
+}
+
+int check_mac(const CMS_AUTHENTICATED_DATA &from, int digest_id, const SecretOctets &key, Octets content) noexcept {
+  uint8_t mac[PKV_MAX_DIGEST_LENGTH];
+  int length = PKV_MAX_DIGEST_LENGTH;
+  DerWriter covered(kStandardRules);
+  if (!write_covered(from, content, covered)) return fail(F_VERIFY_CMS, kAttributeEncoding);
+  const Octets octets = covered.written();
+  if (const int code = PKV_HMAC(digest_id, key.data(), key.size(), octets.data(), int(octets.size()), mac, &length)) {
+    return code;
+  }
+  if (from.mac->length != length || !PKV_Equal_Secret(from.mac->data, mac, size_t(length))) {
+    return fail(F_VERIFY_CMS, kMismatch);
+  }
+  const StrictSigner binding{has_attributes(from.authAttrs) ? octets : Octets(), from.digestAlgorithm, nullptr,
                              nullptr};
   ContentDigests digests(content);
-  return check_binding(binding, data.encapContentInfo->eContentType, digests, F_VERIFY_CMS);
+  return check_binding(binding, from.encapContentInfo->eContentType, digests, F_VERIFY_CMS);
 }
 
 }  // namespace
@@ -96,33 +119,16 @@ int authenticate_CMS(CMS_CONTENT_INFO *cms, int mac_digest_id, int digest_id, co
 
 int verify_authenticated_CMS(const CMS_CONTENT_INFO *cms, const CMS_OPENER *opener, const unsigned char *data,
                              int length) noexcept {
-  constexpr int kFunction = F_VERIFY_CMS;
-  if (!opener || length < 0) return fail(kFunction, kNullArgument);
-  if (const int code = check_type(cms, CMS_TYPE_AUTHENTICATED_DATA, kFunction)) return code;
+  if (!opener || length < 0) return fail(F_VERIFY_CMS, kNullArgument);
+  if (const int code = check_type(cms, CMS_TYPE_AUTHENTICATED_DATA, F_VERIFY_CMS)) return code;
   const CMS_AUTHENTICATED_DATA &from = *authenticated_data(cms);
   const int digest_id = hmac_digest(from.macAlgorithm);
-  if (!digest_id) return fail(kFunction, kUnsupported);
-  if (!from.encapContentInfo || !from.encapContentInfo->eContentType || !from.mac)
-    return fail(kFunction, kNullArgument);
-  const ASN1_STRING *attached = from.encapContentInfo->eContent;
-  if (!attached && !data) return fail(kFunction, ERR_NO_CONTENT);
-  if (attached && data && !equal_octets(octets(*attached), octets_of(data, length))) {
-    return fail(kFunction, ERR_CONTENT_MISMATCH);
-  }
-  const Octets content = attached ? octets(*attached) : octets_of(data, length);
+  Octets content;
   OpenableRecipient recipient;
-  if (const int code = find_openable(from.recipientInfos, *opener, kFunction, recipient)) return code;
+  if (!digest_id) return fail(F_VERIFY_CMS, kUnsupported);
+  if (const int code = find_content(from, data, length, content)) return code;
+  if (const int code = find_openable(from.recipientInfos, *opener, F_VERIFY_CMS, recipient)) return code;
   SecretOctets key(size_t(PKV_Get_DIGEST_Length(digest_id)));
-  if (const int code = open_key(*cms, recipient, *opener, true, kFunction, key)) return code;
-  DerWriter covered(kStandardRules);
-  if (!write_covered(from, content, covered)) return fail(kFunction, kAttributeEncoding);
-  uint8_t mac[PKV_MAX_DIGEST_LENGTH];
-  int mac_length = PKV_MAX_DIGEST_LENGTH;
-  const Octets octets = covered.written();
-  if (const int code =
-          PKV_HMAC(digest_id, key.data(), key.size(), octets.data(), int(octets.size()), mac, &mac_length)) {
-    return code;
-  }
-  const bool same = from.mac->length == mac_length && PKV_Equal_Secret(from.mac->data, mac, size_t(mac_length));
-  return same ? check_bound(from, content, octets) : fail(kFunction, kMismatch);
+  if (const int code = open_key(*cms, recipient, *opener, true, F_VERIFY_CMS, key)) return code;
+  return check_mac(from, digest_id, key, content);
 }
