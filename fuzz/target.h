@@ -24,6 +24,7 @@ Targets cms_targets();
 Targets crl_targets();
 Targets korea_targets();
 Targets ocsp_targets();
+Targets keys_targets();
 
 inline void require(bool holds, const char *what) {
   if (holds) return;
