@@ -180,7 +180,7 @@ bool put_octet(int32_t character, DerWriter &out) noexcept {
 template <class Char>
 int convert(Octets in, Char **out, int32_t (*take)(Octets &) noexcept,
             bool (*put)(int32_t, DerWriter &) noexcept) noexcept {
-  DerWriter writer;
+  DerWriter writer({}, Content::secret);  // the text may be a password
   while (!in.empty()) {
     const int32_t character = take(in);
     if (character < 0 || !put(character, writer)) return -1;

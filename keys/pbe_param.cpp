@@ -136,6 +136,16 @@ std::string_view prf_oid(int digest_id) noexcept {
   return {};
 }
 
+bool set_prf(P5_PBE_PARAM &param, int digest_id) noexcept {
+  if (digest_id == PKV_DIGEST_SHA1) return true;
+  const std::string_view text = prf_oid(digest_id);
+  const owned<OBJECT_IDENTIFIER> oid(new_OBJECT_IDENTIFIER(text.data(), int(text.size())));
+  owned<X509_ALGO_IDENTIFIER> prf(new_X509_ALGO_IDENTIFIER());
+  if (!oid || !prf || set_X509_ALGO_IDENTIFIER_value(prf.get(), oid.get(), nullptr)) return false;
+  param.prf = prf.release();
+  return true;
+}
+
 namespace {
 
 int write_octets(int value, int count, uint8_t (&out)[kIterationRoom]) noexcept {

@@ -32,16 +32,10 @@ owned<PKCS8> shroud(const Pkcs12Request &request, const P8_PRIV_KEY_INFO &key) n
   return p8;
 }
 
-struct Text {
-  const char *password;
-  int length;
-  BmpPassword::Text form;
-};
-
-owned<P12_SAFEBAG> new_shrouded_bag(int pbe_index, const Text &text, Octets salt, int salt_length, int iteration,
-                                    const P8_PRIV_KEY_INFO *key) noexcept {
+owned<P12_SAFEBAG> new_shrouded_bag(int pbe_index, const PasswordText &text, Octets salt, int salt_length,
+                                    int iteration, const P8_PRIV_KEY_INFO *key) noexcept {
   Pkcs12Password password;
-  if (!key || password.set(text.password, text.length, text.form)) return nullptr;
+  if (!key || password.set(text)) return nullptr;
   return new_bag(row::kShroudedKeyBag, P12_KIND_SHROUDED,
                  shroud({pbe_index, &password, salt, salt_length, iteration}, *key));
 }
@@ -53,7 +47,7 @@ P12_SAFEBAG *add_bag(STACK **bags, owned<P12_SAFEBAG> bag, Octets id) noexcept {
   return bag.release();
 }
 
-P12_SAFEBAG *add_key(STACK **bags, const P8_PRIV_KEY_INFO *key, Octets id, const Text &text, int pbe_index,
+P12_SAFEBAG *add_key(STACK **bags, const P8_PRIV_KEY_INFO *key, Octets id, const PasswordText &text, int pbe_index,
                      int iteration) noexcept {
   return add_bag(bags, pbe_index == -1 ? new_key_bag(key) : new_shrouded_bag(pbe_index, text, {}, 0, iteration, key),
                  id);

@@ -15,15 +15,6 @@ namespace {
 
 constexpr unsigned kVersion = 3;
 
-bool is_octet_string(const Tlv &tlv) noexcept {
-  return tlv.identifier == TYPE_OCTET_STRING || tlv.identifier == (TYPE_OCTET_STRING | tag::kConstructed);
-}
-bool read_octets(Cursor &in, OCTET_STRING *&out) noexcept {
-  Tlv child;
-  return in.next(child) && (is_octet_string(child) || in.expect(child, TYPE_OCTET_STRING)) &&
-         in.keep(read_joined_octets(child, out));
-}
-
 // DigestInfo ::= SEQUENCE { digestAlgorithm AlgorithmIdentifier, digest OCTET STRING }
 bool read_digest_info(Cursor &in, P12_MAC_DATA &out) noexcept {
   Tlv info, algorithm;

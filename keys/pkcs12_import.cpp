@@ -245,11 +245,11 @@ int hand_over(Import &import, STACK **keys, STACK **certs, STACK **ca_certs) noe
 // Finds the form of the password that the MAC accepts: what is given, or else none and the empty one.
 int verify(Import &import, const PKCS12 &p12, const char *password, int length, Pkcs12Password &out) noexcept {
   const auto form = import.options.utf8 ? BmpPassword::Text::utf8 : BmpPassword::Text::octets;
-  if (const int code = out.set(password, length, form)) return code;
+  if (const int code = out.set({password, length, form})) return code;
   if (!p12.macData) return import.options.without_mac || (!password && !import.options.strict) ? 0 : kMismatch;
   const int reason = check_mac(p12, out, import.options.any_digest, import.budget);
   if (password || reason != kMismatch) return reason;
-  if (const int code = out.set("", 0, form)) return code;
+  if (const int code = out.set({"", 0, form})) return code;
   return check_mac(p12, out, import.options.any_digest, import.budget);
 }
 

@@ -166,7 +166,7 @@ int verify_mac(PKCS12 *p12, const char *password, int length, BmpPassword::Text 
   if (!p12->macData) return password ? fail(F_IMPORT_PKCS12, kMismatch) : 0;
   Pkcs12Password both;
   Budget budget;
-  if (const int code = both.set(password, length, text)) return fail(F_IMPORT_PKCS12, code);
+  if (const int code = both.set({password, length, text})) return fail(F_IMPORT_PKCS12, code);
   const int reason = check_mac(*p12, both, false, budget);
   return reason ? fail(F_IMPORT_PKCS12, reason) : 0;
 }

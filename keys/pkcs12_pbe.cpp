@@ -50,14 +50,6 @@ int find_means(int pbe_index, Means &out) noexcept {
   return pkcs12_cipher_of(oid_of_row(pbe_index).get(), out.cipher) ? 0 : PKV_ERR_UNSUPPORTED;
 }
 
-int set_prf(P5_PBE_PARAM &param, int digest_id) noexcept {
-  const std::string_view text = prf_oid(digest_id);
-  const owned<OBJECT_IDENTIFIER> oid(new_OBJECT_IDENTIFIER(text.data(), int(text.size())));
-  param.prf = new_X509_ALGO_IDENTIFIER();
-  const bool set = oid && param.prf && set_X509_ALGO_IDENTIFIER_value(param.prf, oid.get(), nullptr) == 0;
-  return set ? 0 : PKV_ERR_NO_MEMORY;
-}
-
 int fill_parameters(const Means &means, Octets salt, int iterations, const KeyAndIv &key,
                     P5_PBE_PARAM &param) noexcept {
   uint8_t count[kIterationRoom];
@@ -69,7 +61,7 @@ int fill_parameters(const Means &means, Octets salt, int iterations, const KeyAn
   if (set_P5_PBE_PARAM(&param, salt.data(), int(salt.size()), count, length, cipher.get(), iv.get())) {
     return PKV_ERR_NO_MEMORY;
   }
-  return means.pbes2() ? set_prf(param, means.cipher.digest_id) : 0;
+  return means.pbes2() && !set_prf(param, means.cipher.digest_id) ? PKV_ERR_NO_MEMORY : 0;
 }
 
 int make_algorithm(int pbe_index, const P5_PBE_PARAM &param, owned<X509_ALGO_IDENTIFIER> &out) noexcept {
@@ -82,8 +74,9 @@ int make_algorithm(int pbe_index, const P5_PBE_PARAM &param, owned<X509_ALGO_IDE
 
 }  // namespace
 
-int Pkcs12Password::set(const char *password, int length, BmpPassword::Text text) noexcept {
-  if (const int code = bmp_.set(password, length, text)) return code;
+int Pkcs12Password::set(const PasswordText &text) noexcept {
+  const auto &[password, length, form] = text;
+  if (const int code = bmp_.set(password, length, form)) return code;
   const size_t size = !password ? 0 : length < 0 ? std::strlen(password) : size_t(length);
   octets_ = {reinterpret_cast<const uint8_t *>(password), size};
   return 0;

@@ -8,12 +8,6 @@ namespace {
 constexpr int kUsualAlgorithm = row::kPbe3Des;
 constexpr int kPlain = -1;
 
-struct Text {
-  const char *password;
-  int length;
-  BmpPassword::Text form;
-};
-
 bool encode_bags(const STACK *bags, DerWriter &der) noexcept {
   return bags && encode_safe_bags(*bags, der) == 0 && !der.failed();
 }
@@ -36,14 +30,14 @@ owned<P7_CONTENT_INFO> encrypted_safe(const Pkcs12Request &request, const STACK 
   return code ? nullptr : std::move(p7);
 }
 
-owned<P7_CONTENT_INFO> encrypted_safe(int pbe_index, const Text &text, Octets salt, int salt_length, int iteration,
-                                      const STACK *bags) noexcept {
+owned<P7_CONTENT_INFO> encrypted_safe(int pbe_index, const PasswordText &text, Octets salt, int salt_length,
+                                      int iteration, const STACK *bags) noexcept {
   Pkcs12Password password;
-  if (password.set(text.password, text.length, text.form)) return nullptr;
+  if (password.set(text)) return nullptr;
   return encrypted_safe({pbe_index, &password, salt, salt_length, iteration}, bags);
 }
 
-int add_safe(STACK **safes, const STACK *bags, int pbe_index, int iteration, const Text &text) noexcept {
+int add_safe(STACK **safes, const STACK *bags, int pbe_index, int iteration, const PasswordText &text) noexcept {
   constexpr int kNoList = 0x3B;
   if (!safes || !bags) return fail(F_PKCS12_ADD_SAFE, kNullArgument);
   const int index = pbe_index ? pbe_index : kUsualAlgorithm;
@@ -57,20 +51,20 @@ int add_safe(STACK **safes, const STACK *bags, int pbe_index, int iteration, con
   return 0;
 }
 
-P12_SAFEBAGS *open_safe(const P7_CONTENT_INFO *p7, const Text &text) noexcept {
+P12_SAFEBAGS *open_safe(const P7_CONTENT_INFO *p7, const PasswordText &text) noexcept {
   Pkcs12Password password;
   Budget budget;
   P12_SAFEBAGS *bags = nullptr;
-  if (!p7 || password.set(text.password, text.length, text.form)) return nullptr;
+  if (!p7 || password.set(text)) return nullptr;
   return open_encrypted(*p7, password, budget, bags) ? nullptr : bags;
 }
 
-P8_PRIV_KEY_INFO *open_key(const P12_SAFEBAG *bag, const Text &text) noexcept {
+P8_PRIV_KEY_INFO *open_key(const P12_SAFEBAG *bag, const PasswordText &text) noexcept {
   Pkcs12Password password;
   Budget budget;
   owned<P8_PRIV_KEY_INFO> key;
   const auto *p8 = value_of<PKCS8>(bag, P12_KIND_SHROUDED);
-  if (!p8 || password.set(text.password, text.length, text.form)) return nullptr;
+  if (!p8 || password.set(text)) return nullptr;
   return open_shrouded(*p8, password, budget, key) ? nullptr : key.release();
 }
 

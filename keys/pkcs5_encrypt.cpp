@@ -99,16 +99,6 @@ owned<OBJECT_IDENTIFIER> cipher_oid(const Request &request) noexcept {
   return owned<OBJECT_IDENTIFIER>(dup_OBJECT_IDENTIFIER(request.oid.get()));
 }
 
-bool set_prf(P5_PBE_PARAM &param, int digest_id) noexcept {
-  if (digest_id == PKV_DIGEST_SHA1) return true;  // the default
-  const std::string_view text = prf_oid(digest_id);
-  const owned<OBJECT_IDENTIFIER> oid(new_OBJECT_IDENTIFIER(text.data(), int(text.size())));
-  owned<X509_ALGO_IDENTIFIER> prf(new_X509_ALGO_IDENTIFIER());
-  if (!oid || !prf || set_X509_ALGO_IDENTIFIER_value(prf.get(), oid.get(), nullptr)) return false;
-  param.prf = prf.release();
-  return true;
-}
-
 // 0, or a code: that of set_P5_PBE_PARAM as it is.
 int set_parameters(const Request &request, const Encrypted &encrypted, PKCS8 &p8) noexcept {
   const owned<P5_PBE_PARAM> param(new_P5_PBE_PARAM());

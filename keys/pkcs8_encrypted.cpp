@@ -24,15 +24,13 @@ int kind_of(const OBJECT_IDENTIFIER *oid) noexcept {
   }
 }
 
-// OCTET STRING, which in the files of some is in segments.
+}  // namespace
+
 bool read_octets(Cursor &in, OCTET_STRING *&out) noexcept {
   Tlv child;
-  return in.next(child) &&
-         (child.identifier == (TYPE_OCTET_STRING | tag::kConstructed) || in.expect(child, TYPE_OCTET_STRING)) &&
+  return in.next(child) && (is_octet_string(child) || in.expect(child, TYPE_OCTET_STRING)) &&
          in.keep(read_joined_octets(child, out));
 }
-
-}  // namespace
 
 // EncryptedPrivateKeyInfo ::= SEQUENCE { encryptionAlgorithm AlgorithmIdentifier, encryptedData OCTET STRING }
 int decode(const Tlv &tlv, PKCS8 &out) noexcept {

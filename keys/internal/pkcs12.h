@@ -58,10 +58,17 @@ int list_of_octets(Octets octets, int function, int (*decode)(const Tlv &, STACK
   return list_from_tlv<E>(function, tlv, &out, decode);
 }
 
+// A password as a caller gives it.
+struct PasswordText {
+  const char *password;
+  int length;
+  BmpPassword::Text form;
+};
+
 // A password in both of its forms. PBES2 takes the octets, everything else the characters.
 class Pkcs12Password {
  public:
-  int set(const char *password, int length, BmpPassword::Text text) noexcept;
+  int set(const PasswordText &text) noexcept;
   Octets octets() const noexcept { return octets_; }
   Octets characters() const noexcept { return bmp_.octets(); }
 

@@ -20,6 +20,8 @@ bool store_pbe_param(X509_ALGO_IDENTIFIER &algorithm, const P5_PBE_PARAM &param,
 // The digest of a PRF, null meaning the default; 0 for one that is not known. And its OID, empty for none.
 int prf_digest_id(const X509_ALGO_IDENTIFIER *prf) noexcept;
 std::string_view prf_oid(int digest_id) noexcept;
+// States the PRF of a digest that has an OID; SHA-1 is the default, which is not written. False when memory ends.
+bool set_prf(P5_PBE_PARAM &param, int digest_id) noexcept;
 
 // The octets in which the house form writes an iteration count: as many as it can be divided by 16 while above 16.
 // Their number, 0 for counts up to 16.

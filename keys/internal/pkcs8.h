@@ -27,6 +27,12 @@ int encode(const P8_PRIV_KEY_INFO &info, DerWriter &out) noexcept;
 int decode(const Tlv &tlv, PKCS8 &out) noexcept;
 int encode(const PKCS8 &p8, DerWriter &out) noexcept;
 
+// OCTET STRING, which in the files of some is in segments.
+inline bool is_octet_string(const Tlv &tlv) noexcept {
+  return tlv.identifier == TYPE_OCTET_STRING || tlv.identifier == (TYPE_OCTET_STRING | tag::kConstructed);
+}
+bool read_octets(Cursor &in, OCTET_STRING *&out) noexcept;
+
 // The key octets of PrivateKeyInfo by the row of their algorithm: rsaEncryption, kcdsa1 or id-ecPublicKey. `algorithm`
 // stands at the parameters. Reading fills `out`, whose owner releases it on failure, too. A failure stops the cursor.
 bool read_private_key(Cursor &algorithm, int row, Octets octets, ASYMMETRIC_KEY &out) noexcept;
