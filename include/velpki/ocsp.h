@@ -261,7 +261,8 @@ VELPKI_API int get_BASIC_OCSP_RESPONSE_strict(const OCSP_RESPONSE *response, BAS
  * look at the answer. Reasons: 49, 18, 17, 19 and 1A as above, ERR_OCSP_RESPONDER (no authorised signer),
  * ERR_OCSP_CERT_ID, ERR_OCSP_THIS_UPDATE, ERR_OCSP_NEXT_UPDATE (past, or absent without
  * OCSP_ALLOW_NO_NEXT_UPDATE), ERR_UNKNOWN_EXTENSION (a critical one), 3C, those of verify_SIG_X509_CERT_RFC5280 and the
- * provider's. The issuer's own standing is the caller's to know. */
+ * provider's. Whether the issuer is trusted, and whether a delegate was itself revoked, is the caller's to know. Memory
+ * that ends while candidates are looked at counts as a candidate that does not fit. */
 enum { OCSP_ALLOW_NO_NEXT_UPDATE = 1 };
 VELPKI_API int verify_BASIC_OCSP_RESPONSE(BASIC_OCSP_RESPONSE *response, X509_CERT *signer_cert,
                                           const unsigned char *nonce, int nonce_len) VELPKI_NOEXCEPT;

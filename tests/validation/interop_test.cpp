@@ -106,6 +106,24 @@ Basic answer_of_ours(const OCSP_REQUEST *request, const std::string &signer, boo
   return Basic(basic);
 }
 
+// The house form of an entry is no answer for others.
+TEST(OcspInterop, OpensslDoesNotReadTheHouseForm) {
+  VELPKI_NEED_OPENSSL;
+  in_pki("openssl ocsp -issuer ca.pem -cert good.pem -reqout their.req");
+  const Request request = decoded(Seq_to_OCSP_REQUEST, read_file(pki() + "/their.req"));
+  const Basic standard = answer_of_ours(request.get(), "ca", false, "1.2.840.113549.1.1.11");
+  BASIC_OCSP_RESPONSE *house = nullptr;
+  OCSP_RESPONSE *response = nullptr;
+  ASSERT_EQ(generate_BASIC_OCSP_RESPONSE(&house, standard->tbsResponseData, party_key("ca").get(), nullptr), 0);
+  ASSERT_EQ(generate_OCSP_RESPONSE(&response, OCSP_SUCCESSFUL, house), 0);
+  EXPECT_GT(writeDER_OCSP_RESPONSE_to_FILE(response, (pki() + "/house.resp").c_str()), 0);
+  EXPECT_TRUE(contains(in_pki("openssl ocsp -respin house.resp -CAfile ca.pem"), "Error parsing response"));
+  const Basic back(get_BASIC_OCSP_RESPONSE(response));
+  EXPECT_EQ(verify_BASIC_OCSP_RESPONSE(back.get(), party_certificate("ca").get(), nullptr, 0), 0);
+  EXPECT_EQ(strict_basic(response), nullptr);
+  free_OCSP_RESPONSE(response), free_BASIC_OCSP_RESPONSE(house);
+}
+
 TEST(OcspInterop, OpensslTakesOurAnswers) {
   VELPKI_NEED_OPENSSL;
   for (const char *signer : {"ca", "responder"})
