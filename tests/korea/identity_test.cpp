@@ -139,41 +139,11 @@ TEST(CheckVid, ReadsBothFormsAndRefusesAnotherNumberOrRandom) {
 
 // What a subjectAltName may hold instead, and the code that follows.
 TEST(CheckVid, SaysWhatIsWrong) {
-  const Bytes sha1 = TLV(0x30, "06052b0e03021a"), id_vid = TLV(0x06, "2a831a8c9a440a010101");
-  const auto vid = [](const Bytes &algorithm, size_t n) {
-    return TLV(0x30, algorithm + TLV(0xA0, TLV(0x04, Bytes(n, 1))));
-  };
-  const auto data = [&](const Bytes &info) { return TLV(0x30, TLV(0x0C, "41") + info); };
-  const auto name = [](std::string_view type, const Bytes &value) {
-    return TLV(0xA0, TLV(0x06, type) + TLV(0xA0, value));
-  };
-  const auto whole = [&](const Bytes &value) {
-    return name("2a831a8c9a440a0101", data(TLV(0x30, TLV(0x30, id_vid + value))));
-  };
-  const Bytes foreign = name("2a0304", TLV(0x0C, "78")), dns = TLV(0x82, Bytes(200, 'a'));
-  const struct {
-    const char *what;
-    Bytes names;
-    int code;
-  } cases[] = {
-      {"behind other names", dns + foreign + whole(vid(sha1, 20)), F_CHECK_VID | ERR_INVALID_VID_DATA},
-      {"type of the registry", name("2a831a8c9a4406 01", data(TLV(0x30, TLV(0x30, id_vid + vid(sha1, 20))))),
-       F_CHECK_VID | ERR_INVALID_VID_DATA},
-      {"short", whole(vid(sha1, 19)), F_CHECK_VID | ERR_INVALID_VID_LENGTH},
-      {"empty", whole(vid(sha1, 0)), F_CHECK_VID | ERR_INVALID_VID_LENGTH},
-      {"no digest", whole(vid(TLV(0x30, "06032a0304"), 20)), F_CHECK_VID | 0x48},
-      {"a signature's identifier", whole(vid(TLV(0x30, "06092a864886f70d010105"), 20)), F_CHECK_VID | 0x48},
-      {"untagged octets", whole(TLV(0x30, sha1 + TLV(0x04, Bytes(20, 1)))), F_SEQ_TO_VID | ERR_ASN1_DECODING},
-      {"two values", whole(TLV(0x30, sha1 + TLV(0xA0, "040101 040101"))), F_SEQ_TO_VID | ERR_ASN1_DECODING},
-      {"no information", name("2a831a8c9a440a0101", data({})), F_CHECK_VID | ERR_NOT_FOUNDED},
-      {"no name", name("2a831a8c9a440a0101", TLV(0x30, "")), F_SEQ_TO_KISA_IDENTIFY_DATA | ERR_ASN1_DECODING},
-      {"foreign only", dns + foreign, F_CHECK_VID | ERR_NOT_FOUNDED},
-      {"nothing", {}, F_CHECK_VID | ERR_NOT_FOUNDED},
-      {"cut", hex("a005"), F_CHECK_VID | ERR_ASN1_DECODING},
-  };
   const Bytes random(20, 7);
-  for (const auto &c : cases)
-    EXPECT_EQ(check(certificate_with(TLV(0x30, c.names)).get(), "1", random), c.code) << c.what;
+  for (const Row &row : table("vid_checks")) {
+    const Owned<X509_CERT> cert = certificate_with(TLV(0x30, row.at("names")));
+    EXPECT_EQ(check(cert.get(), "1", random), int(std::stoul(row.at("code"), nullptr, 16))) << row.at("what");
+  }
   const Owned<X509_CERT> plain(new_X509_CERT());
   EXPECT_EQ(check(plain.get(), "1", random), F_CHECK_VID | ERR_NOT_FOUNDED);
   EXPECT_EQ(check(nullptr, "1", random), F_CHECK_VID | 0x49);

@@ -9,54 +9,34 @@ const Bytes kTime = TLV(0x18, "32303236303130313030303030305a"), kLater = TLV(0x
 const Bytes kId = TLV(0x30, TLV(0x30, "06052b0e03021a0500") + TLV(0x04, "aa") + TLV(0x04, "bb") + TLV(0x02, "05"));
 const Bytes kExtensions = TLV(0x30, TLV(0x30, "06092b0601050507300102" + std::string("0402abcd")));
 
-// What stands where the status does and behind thisUpdate, and what it means; -1 is refused.
-TEST(OcspSingle, IsReadByItsIdentifiers) {
-  struct {
-    const char *what;
-    Bytes status, tail;
-    int type;
-    bool next, extensions, standard;
-  } cases[] = {
-      {"good", TLV(0x80, ""), {}, OCSP_STATUS_GOOD, false, false, true},
-      {"good, constructed", TLV(0xA0, ""), {}, OCSP_STATUS_GOOD, false, false, false},
-      {"unknown", TLV(0x82, ""), {}, OCSP_STATUS_UNKNOWN, false, false, true},
-      {"unknown, constructed", TLV(0xA2, ""), {}, OCSP_STATUS_UNKNOWN, false, false, false},
-      {"revoked", TLV(0xA1, kTime), {}, OCSP_STATUS_REVOKED, false, false, true},
-      {"revoked, primitive", TLV(0x81, kTime), {}, -1, false, false, false},
-      {"revoked, empty", TLV(0xA1, ""), {}, -1, false, false, false},
-      {"no such status", TLV(0x83, ""), {}, -1, false, false, false},
-      {"universal null", TLV(0x05, ""), {}, -1, false, false, false},
-      {"standard update", TLV(0x80, ""), TLV(0xA0, kLater), OCSP_STATUS_GOOD, true, false, true},
-      {"bare update", TLV(0x80, ""), kLater, OCSP_STATUS_GOOD, true, false, false},
-      {"standard extensions", TLV(0x80, ""), TLV(0xA1, kExtensions), OCSP_STATUS_GOOD, false, true, true},
-      {"house extensions", TLV(0x80, ""), TLV(0xA2, kExtensions), OCSP_STATUS_GOOD, false, true, false},
-      {"both, mixed", TLV(0x80, ""), TLV(0xA0, kLater) + TLV(0xA2, kExtensions), OCSP_STATUS_GOOD, true, true, false},
-      {"extensions first", TLV(0x80, ""), TLV(0xA1, kExtensions) + TLV(0xA0, kLater), -1, false, false, false},
-      {"two updates", TLV(0x80, ""), TLV(0xA0, kLater) + kLater, -1, false, false, false},
-      {"update of another type", TLV(0x80, ""), TLV(0xA0, TLV(0x17, "00")), -1, false, false, false},
+// What stands where the status does and behind thisUpdate, and what it means; type -1 is refused.
+void check_single(const Row &row) {
+  const std::string &what = row.at("what");
+  const int type = number_in(row, "type");
+  const Bytes status = hex(row.at("status")), single_octets = TLV(0x30, kId + status + kTime + hex(row.at("tail")));
+  const auto single = decoded(Seq_to_OCSP_SINGLE_RESPONSE, single_octets);
+  const Bytes data = TLV(0x30, TLV(0xA2, "0401aa") + kTime + TLV(0x30, single_octets));
+  const Bytes basic = TLV(0x30, data + TLV(0x30, "06092a864886f70d01010b0500") + TLV(0x03, "00cc"));
+  const Bytes bytes = TLV(0x30, hex("06092b0601050507300101") + TLV(0x04, basic));
+  const auto response = decoded(Seq_to_OCSP_RESPONSE, TLV(0x30, hex("0a0100") + TLV(0xA0, bytes)));
+  EXPECT_EQ(strict_basic(response.get()) != nullptr, row.at("standard") == "1") << what;
+  ASSERT_EQ(single != nullptr, type >= 0) << what;
+  if (!single) return;
+  EXPECT_EQ(single->certStatus->type, type) << what;
+  const bool next = row.at("next") == "1", extensions = row.at("extensions") == "1";
+  EXPECT_EQ(single->nextUpdate != nullptr, next) << what;
+  EXPECT_EQ(single->singleExtensions != nullptr, extensions) << what;
+  const Bytes written = type == OCSP_STATUS_REVOKED ? status : TLV(uint8_t(0x80 + type), "");
+  const auto expected = [&](const Bytes &update, uint8_t identifier) {
+    return TLV(0x30, kId + written + kTime + (next ? update : Bytes()) +
+                         (extensions ? TLV(identifier, kExtensions) : Bytes()));
   };
-  for (const auto &c : cases) {
-    const auto single = decoded(Seq_to_OCSP_SINGLE_RESPONSE, TLV(0x30, kId + c.status + kTime + c.tail));
-    ASSERT_EQ(single != nullptr, c.type >= 0) << c.what;
-    const Bytes data = TLV(0x30, TLV(0xA2, "0401aa") + kTime + TLV(0x30, TLV(0x30, kId + c.status + kTime + c.tail)));
-    const Bytes basic = TLV(0x30, data + TLV(0x30, "06092a864886f70d01010b0500") + TLV(0x03, "00cc"));
-    const Bytes bytes = TLV(0x30, hex("06092b0601050507300101") + TLV(0x04, basic));
-    const auto response = decoded(Seq_to_OCSP_RESPONSE, TLV(0x30, hex("0a0100") + TLV(0xA0, bytes)));
-    EXPECT_EQ(strict_basic(response.get()) != nullptr, c.standard) << c.what;
-    if (!single) continue;
-    EXPECT_EQ(single->certStatus->type, c.type) << c.what;
-    EXPECT_EQ(single->nextUpdate != nullptr, c.next) << c.what;
-    EXPECT_EQ(single->singleExtensions != nullptr, c.extensions) << c.what;
-    const Bytes status = c.type == 0 ? TLV(0x80, "") : c.type == 2 ? TLV(0x82, "") : c.status;
-    const auto expected = [&](const Bytes &next, uint8_t extensions) {
-      return TLV(0x30, kId + status + kTime + (c.next ? next : Bytes()) +
-                           (c.extensions ? TLV(extensions, kExtensions) : Bytes()));
-    };
-    EXPECT_EQ(to_hex(encoded(OCSP_SINGLE_RESPONSE_to_Seq, single.get())), to_hex(expected(kLater, 0xA2))) << c.what;
-    EXPECT_EQ(to_hex(encoded(OCSP_SINGLE_RESPONSE_to_Seq_strict, single.get())),
-              to_hex(expected(TLV(0xA0, kLater), 0xA1)))
-        << c.what;
-  }
+  EXPECT_EQ(encoded(OCSP_SINGLE_RESPONSE_to_Seq, single.get()), expected(kLater, 0xA2)) << what;
+  EXPECT_EQ(encoded(OCSP_SINGLE_RESPONSE_to_Seq_strict, single.get()), expected(TLV(0xA0, kLater), 0xA1)) << what;
+}
+
+TEST(OcspSingle, IsReadByItsIdentifiers) {
+  for (const Row &row : table("ocsp_single")) check_single(row);
 }
 
 TEST(OcspRequest, TakesKeyIdentifiersForHashesAndDrawsANonce) {
@@ -144,69 +124,34 @@ Basic made(const Answer &a, bool house = false, int digest = PKV_DIGEST_SHA256) 
   return Basic(basic);
 }
 
+int code_in(const Row &row, const char *column) { return int(std::stoul(row.at(column), nullptr, 16)); }
+
 TEST(OcspVerify, StrictRefusesWhatThePlainOneLetsPass) {
   VELPKI_NEED_OPENSSL;
   const Certificate cert = party_certificate("good"), ca = party_certificate("ca");
-  struct Case {
-    const char *what;
-    int strict, plain;
-    unsigned flags;
-    Answer a;
-  };
-  std::vector<Case> cases;
-  const auto add = [&](const char *what, int strict, auto &&change, int plain = 0, unsigned flags = 0) {
-    Case c{what, strict ? kOcsp | strict : 0, plain, flags, {}};
-    change(c.a);
-    cases.push_back(c);
-  };
-  add("by the issuer", 0, [](Answer &) {});
-  add("by its key", 0, [](Answer &a) { a.by_key = true; });
-  add("by a delegate", 0, [](Answer &a) { a.signer = a.carried = "responder"; });
-  add("by a delegate's key", 0, [](Answer &a) { a.signer = a.carried = "responder", a.by_key = true; });
-  add(
-      "delegate not carried", ERR_OCSP_RESPONDER, [](Answer &a) { a.signer = "responder"; }, PKV_ERR_MISMATCH);
-  add("without the purpose", ERR_OCSP_RESPONDER, [](Answer &a) { a.signer = a.carried = "good"; });
-  add("of another authority", ERR_OCSP_RESPONDER, [](Answer &a) { a.signer = a.carried = "stranger"; });
-  add("anybody", ERR_OCSP_RESPONDER, [](Answer &a) { a.signer = a.carried = "other"; });
-  add("another certificate", ERR_OCSP_CERT_ID, [](Answer &a) { a.about = "revoked"; });
-  add("of the future", ERR_OCSP_THIS_UPDATE, [](Answer &a) { a.from = "20300101000000Z"; });
-  add("no time", ERR_OCSP_THIS_UPDATE, [](Answer &a) { a.from = "2026"; });
-  add("out of date", ERR_OCSP_NEXT_UPDATE, [](Answer &a) { a.until = "20260102000000Z"; });
-  add("without end", ERR_OCSP_NEXT_UPDATE, [](Answer &a) { a.until.clear(); });
-  add(
-      "without end, allowed", 0, [](Answer &a) { a.until.clear(); }, 0, OCSP_ALLOW_NO_NEXT_UPDATE);
-  add("critical", ERR_UNKNOWN_EXTENSION, [](Answer &a) { a.critical = true; });
-  add(
-      "no nonce", 0x1A, [](Answer &a) { a.nonce.clear(); }, kOcsp | 0x1A);
-  add(
-      "nonce not wrapped", 0x19, [](Answer &a) { a.nonce = "aa00bb01cc"; }, kOcsp | 0x19);
-  add(
-      "nonce of another length", 0x19, [](Answer &a) { a.nonce = "0404aa00bb01"; }, kOcsp | 0x19);
-  add("nonce that differs behind a zero", 0x19, [](Answer &a) { a.nonce = "0405aa00bb02cc"; });
-  add(
-      "nonce that differs before it", 0x19, [](Answer &a) { a.nonce = "0405ab00bb01cc"; }, kOcsp | 0x19);
   const Bytes nonce = hex("aa00bb01cc"), raw = hex("0405aa00bb01cc");
-  for (const Case &c : cases) {
-    const Basic basic = made(c.a);
+  const auto strict = [&](const Answer &a, const char *time, const Bytes &asked, unsigned flags) {
     const OCSP_SINGLE_RESPONSE *answer = nullptr;
-    const auto time = time_of("20280101000000Z");
-    EXPECT_EQ(verify_BASIC_OCSP_RESPONSE_strict(basic.get(), cert.get(), ca.get(), nonce.data(), int(nonce.size()),
-                                                time.get(), c.flags, &answer),
-              c.strict)
-        << c.what;
-    EXPECT_EQ(answer != nullptr, c.strict == 0) << c.what;
-    EXPECT_EQ(verify_BASIC_OCSP_RESPONSE(basic.get(), nullptr, raw.data(), int(raw.size())), c.plain) << c.what;
+    const int code =
+        verify_BASIC_OCSP_RESPONSE_strict(made(a).get(), cert.get(), ca.get(), asked.empty() ? nullptr : asked.data(),
+                                          int(asked.size()), time_of(time).get(), flags, &answer);
+    EXPECT_EQ(answer != nullptr, code == 0);
+    return code;
+  };
+  for (const Row &row : table("ocsp_answers")) {
+    const Answer a{row.at("signer"),          row.at("about"), row.at("carried"), row.at("by_key") == "1",
+                   row.at("critical") == "1", row.at("from"),  row.at("until"),   row.at("nonce")};
+    const int expected = code_in(row, "strict");
+    EXPECT_EQ(strict(a, "20280101000000Z", nonce, unsigned(number_in(row, "flags"))), expected ? kOcsp | expected : 0)
+        << row.at("what");
+    EXPECT_EQ(verify_BASIC_OCSP_RESPONSE(made(a).get(), nullptr, raw.data(), int(raw.size())), code_in(row, "plain"))
+        << row.at("what");
   }
-  Answer damaged;
+  Answer damaged, late;
   damaged.damage = 7;
-  EXPECT_EQ(
-      verify_BASIC_OCSP_RESPONSE_strict(made(damaged).get(), cert.get(), ca.get(), nullptr, 0, nullptr, 0, nullptr),
-      PKV_ERR_MISMATCH);
-  Answer late;
   late.signer = late.carried = "responder";
-  EXPECT_EQ(verify_BASIC_OCSP_RESPONSE_strict(made(late).get(), cert.get(), ca.get(), nullptr, 0,
-                                              time_of("20390101000000Z").get(), 0, nullptr),
-            kOcsp | ERR_OCSP_RESPONDER);
+  EXPECT_EQ(strict(damaged, "20280101000000Z", {}, 0), PKV_ERR_MISMATCH);
+  EXPECT_EQ(strict(late, "20390101000000Z", {}, 0), kOcsp | ERR_OCSP_RESPONDER);
 }
 
 TEST(OcspVerify, GivesTheReasonsInOrder) {
