@@ -110,8 +110,8 @@ VELPKI_API int CertBag_to_X509_CERT(P12_BAGS *bag, X509_CERT **cert) VELPKI_NOEX
  * is wrong or missing), 48 (a MAC digest other than those of set_PKCS12_mac, a cipher that is unknown), 2B (an
  * iteration count above PKCS5_MAX_ITERATIONS, all counts together above ten times that, more than four million pairs of
  * keys and certificates), 3B or 3C (memory), ERR_ASN1_DECODING for whatever else is not as it should be.
- * @warning On failure a list that was given, and into which this call has put an element, is released with all its
- * elements and the pointer set to null. A file without MAC opens only without password. import_PKCS12_ex has neither
+ * @warning On failure a list that was given is released with all its elements, and the pointer set to null, if the call
+ * had already found an element for it. A file without MAC opens only without password. import_PKCS12_ex has neither
  * rule. */
 VELPKI_API int import_PKCS12(PKCS12 *p12, const char *password, int password_length, STACK **keys, STACK **certs,
                              STACK **ca_certs) VELPKI_NOEXCEPT;

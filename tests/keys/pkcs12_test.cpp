@@ -100,20 +100,21 @@ class Pkcs12 : public testing::Test {
 struct Writing {
   int key_index, cert_index, digest;
   const char *password, *name;
-  int mac_iterations = 2048;
+  int mac_iterations = 2048, iterations = 0;
 };
 
 // Key, own certificate and authority in a file.
 Owned<PKCS12> write_pfx(const Pair &pair, const Writing &with) {
   static const unsigned char id[] = {1, 2, 3, 4};
   STACK *keys = nullptr, *certs = nullptr, *safes = nullptr;
-  P12_SAFEBAG *key = add_PKCS12_keyinfo_UTF8(&keys, pair.info, id, 4, with.password, -1, with.key_index, 0);
+  P12_SAFEBAG *key =
+      add_PKCS12_keyinfo_UTF8(&keys, pair.info, id, 4, with.password, -1, with.key_index, with.iterations);
   P12_SAFEBAG *cert = add_PKCS12_cert(&certs, pair.own, id, 4);
   P12_SAFEBAG *ca = add_PKCS12_cert(&certs, pair.authority, nullptr, 0);
   EXPECT_TRUE(key && cert && ca);
   if (key) EXPECT_EQ(add_PKCS12_friendlyname_UTF8(key, with.name, -1), 0);
   if (cert) EXPECT_EQ(add_PKCS12_friendlyname_UTF8(cert, with.name, -1), 0);
-  EXPECT_EQ(PKCS12_add_safe_UTF8(&safes, certs, with.cert_index, 0, with.password), 0);
+  EXPECT_EQ(PKCS12_add_safe_UTF8(&safes, certs, with.cert_index, with.iterations, with.password), 0);
   EXPECT_EQ(PKCS12_add_safe(&safes, keys, -1, 0, nullptr), 0);
   Owned<PKCS12> p12(PKCS12_add_safes(safes));
   EXPECT_EQ(set_PKCS12_mac_UTF8(p12.get(), with.password, -1, nullptr, 0, with.mac_iterations, with.digest), 0);
@@ -287,6 +288,18 @@ TEST_F(Bags, NestedUnknownAndMisformed) {
     EXPECT_EQ(pfx_der(p12.get()), c.file);
     EXPECT_EQ(import_plain(p12.get(), "password").code, kMacMismatch) << "no MAC";
   }
+}
+
+TEST_F(Bags, ListsOfTheCallerOnFailure) {
+  const Owned<PKCS12> p12 = read_pfx(file_of(safe_of(key_bag()) + TLV(0x30, hex("06092a864886f70d010701"))));
+  STACK *plain = new_STACK(), *kept = new_STACK();
+  EXPECT_EQ(import_PKCS12(p12.get(), nullptr, 0, &plain, nullptr, nullptr), F_IMPORT_PKCS12 | ERR_ASN1_DECODING);
+  EXPECT_EQ(plain, nullptr) << "a key had been found for it";
+  EXPECT_EQ(import_PKCS12_ex(p12.get(), nullptr, 0, 0, 0, &kept, nullptr, nullptr, nullptr),
+            F_IMPORT_PKCS12 | ERR_ASN1_DECODING);
+  ASSERT_NE(kept, nullptr);
+  EXPECT_EQ(kept->count, 0);
+  free_STACK(kept);
 }
 
 TEST_F(Bags, MacsThatAreRefused) {
@@ -466,7 +479,7 @@ TEST(Pkcs12Korean, KcdsaKeySignsAfterwards) {
 
 // Import and export with the n-th allocation failing.
 TEST_F(Pkcs12, SurviveEachFailedAllocation) {
-  const Owned<PKCS12> source = write_pfx(pair(), kWritings[1]);
+  const Owned<PKCS12> source = write_pfx(pair(), {161, 161, PKV_DIGEST_SHA256, "pass", "홍길동", 20, 20});
   const Bytes der = pfx_der(source.get());
   bool failed = true;
   for (long n = 0; failed && n < 3000; ++n) {
