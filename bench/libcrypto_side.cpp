@@ -4,6 +4,7 @@
 #include <openssl/core_names.h>
 #include <openssl/evp.h>
 #include <openssl/objects.h>
+#include <openssl/ocsp.h>
 #include <openssl/param_build.h>
 #include <openssl/pem.h>
 #include <openssl/rsa.h>
@@ -152,6 +153,16 @@ size_t RevocationList::encode() const {
   const int length = i2d_re_X509_CRL_tbs(static_cast<X509_CRL *>(list), &out);
   OPENSSL_free(out);
   return size_t(length);
+}
+
+int decode_ocsp_response(const Bytes &der) {
+  const unsigned char *at = der.data();
+  OCSP_RESPONSE *response = d2i_OCSP_RESPONSE(nullptr, &at, long(der.size()));
+  OCSP_BASICRESP *basic = OCSP_response_get1_basic(response);
+  const int entries = basic ? OCSP_resp_count(basic) : -1;
+  OCSP_BASICRESP_free(basic);
+  OCSP_RESPONSE_free(response);
+  return entries;
 }
 
 }  // namespace peer

@@ -13,6 +13,7 @@ using Bytes = std::vector<uint8_t>;
 void decode_certificate(const Bytes &der);
 void decode_and_encode_certificate(const Bytes &der);
 int decode_certificate_with_extensions(const Bytes &der);  // the number of extension values read
+int decode_ocsp_response(const Bytes &der);                // the number of entries
 // Two decoded names of one certificate's issuer, compared.
 struct Names {
   explicit Names(const Bytes &der);
