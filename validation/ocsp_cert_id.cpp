@@ -86,7 +86,7 @@ using namespace velpki;
 int hash_X509_NAME(const X509_NAME *name, int digest, unsigned char *out, int *out_len) noexcept {
   if (!name || !out || !out_len) return ocsp_failure(kNullArgument);
   DerWriter der;
-  if (const int code = encode_name(*name, der)) return code;
+  if (const int code = encode_name(*name, der)) return as_ocsp(code);
   if (der.failed()) return der.result(kOcsp);
   const Octets octets = der.written();
   if (const int code = PKV_DIGEST(digest, octets.data(), int(octets.size()), out, out_len)) return code;

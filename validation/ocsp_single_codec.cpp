@@ -57,11 +57,10 @@ bool read_status(Cursor &in, OCSP_CERT_STATUS &out) noexcept {
     out.revokedInfo = blank<OCSP_REVOKED_INFO>();
     return in.made(out.revokedInfo) && in.absorb(decode(status, *out.revokedInfo));
   }
-  const uint8_t constructed = in.rules().standard ? 0 : tag::kConstructed;
-  const bool none =
-      status.identifier == kGood || status.identifier == kUnknown ||
-      (constructed && (status.identifier == (kGood | constructed) || status.identifier == (kUnknown | constructed)));
-  return (none && (!in.rules().standard || status.content.empty())) || in.stop(Read::malformed);
+  const bool standard = in.rules().standard;
+  const int identifier = standard ? status.identifier : status.identifier & ~tag::kConstructed;
+  const bool known = identifier == kGood || identifier == kUnknown;
+  return (known && (status.content.empty() || !standard)) || in.stop(Read::malformed);
 }
 int write_status(const OCSP_CERT_STATUS *status, DerWriter &out) noexcept {
   if (!status) return ocsp_failure(ERR_ASN1_ENCODING);

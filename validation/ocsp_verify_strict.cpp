@@ -105,6 +105,9 @@ int check_time(const Question &asked, const OCSP_SINGLE_RESPONSE &single) noexce
 int find_entry(const Question &asked, const OCSP_SINGLE_RESPONSE *&out) noexcept {
   DerWriter issuer(kStandardRules);
   owned<BIGINT> serial;
+  if (cmp_X509_NAME_RFC5280(get_X509_issuer(&asked.cert), get_X509_subject(&asked.issuer)) != 0) {
+    return ocsp_failure(ERR_OCSP_CERT_ID);
+  }
   if (const int code = read_issuer_and_serial(asked.cert, issuer, serial)) return code;
   for (const OCSP_SINGLE_RESPONSE *each : elements<OCSP_SINGLE_RESPONSE>(asked.response.tbsResponseData->responses)) {
     if (!each || !each->certID || PKV_Cmp_BIGINT(each->certID->serialNumber, serial.get()) != 0) continue;
@@ -141,18 +144,21 @@ int check_nonce(const Question &asked) noexcept {
   return same ? 0 : ocsp_failure(kOtherNonce);
 }
 
-int check_message(const Question &asked) noexcept {
+int check_parts(const Question &asked) noexcept {
   const BASIC_OCSP_RESPONSE &response = asked.response;
   if (!response.tbsResponseData) return ocsp_failure(kNullArgument);
   if (!response.encoded) return ocsp_failure(kNoEncoding);
-  if (!response.signature) return ocsp_failure(kNoSignature);
-  const bool unknown = has_unknown_critical(response.tbsResponseData->responseExtensions, {kNonceOid});
+  return response.signature ? 0 : ocsp_failure(kNoSignature);
+}
+
+int check_extensions(const Question &asked) noexcept {
+  const bool unknown = has_unknown_critical(asked.response.tbsResponseData->responseExtensions, {kNonceOid});
   return unknown ? ocsp_failure(ERR_UNKNOWN_EXTENSION) : check_nonce(asked);
 }
 
 int answer_to(const Question &asked, const OCSP_SINGLE_RESPONSE *&out) noexcept {
   const OCSP_SINGLE_RESPONSE *found = nullptr;
-  for (const auto check : {check_message, check_responder})
+  for (const auto check : {check_parts, check_responder, check_extensions})
     if (const int code = check(asked)) return code;
   if (const int code = check_entry(asked, found)) return code;
   out = found;

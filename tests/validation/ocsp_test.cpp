@@ -150,7 +150,7 @@ TEST(OcspVerify, StrictRefusesWhatThePlainOneLetsPass) {
   Answer damaged, late;
   damaged.damage = 7;
   late.signer = late.carried = "responder";
-  EXPECT_EQ(strict(damaged, "20280101000000Z", {}, 0), PKV_ERR_MISMATCH);
+  EXPECT_EQ(strict(damaged, "20280101000000Z", hex("01"), 0), PKV_ERR_MISMATCH);  // before the nonce
   EXPECT_EQ(strict(late, "20390101000000Z", {}, 0), kOcsp | ERR_OCSP_RESPONDER);
 }
 
