@@ -16,6 +16,7 @@ struct Task {
   const X509_CERT *chosen;
   const X509_CERTIFICATES *more;
   const OBJECT_IDENTIFIER *content_type;
+  const OBJECT_IDENTIFIER *bare_type;  // the type that a signer without attributes is taken to sign
   ContentDigests &digests;
   bool weak_allowed;
   const DigestCipher *cipher = nullptr;
@@ -67,7 +68,8 @@ int verify_one(const P7_SIGNER_INFO &signer, const Task &task, const X509_CERT *
   }
   const StrictSigner strict{attributes.written(), signer.digestAlgorithm, signer.digestEncryptionAlgorithm,
                             task.cipher ? opened.get() : signer.encryptedDigest};
-  return verify_signer_strict(strict, task.content_type, *key, task.weak_allowed, task.digests, F_P7_VERIFY);
+  const OBJECT_IDENTIFIER *type = strict.attributes.empty() ? task.bare_type : task.content_type;
+  return verify_signer_strict(strict, type, *key, task.weak_allowed, task.digests, F_P7_VERIFY);
 }
 
 int verify_all(const Task &task, Reports<P7_SIGNER_REPORT> reports) noexcept {
@@ -92,7 +94,7 @@ int verify_sealed(const P7_CONTENT_INFO &p7, const X509_CERTIFICATES *more, Octe
   const owned<OBJECT_IDENTIFIER> type = oid_of_row(PKCS7_DATA);
   if (!type) return failure(kNoMemory);
   const bool weak_allowed = flags & PKCS7_ALLOW_WEAK_DIGESTS;
-  return verify_all({p7, nullptr, more, type.get(), digests, weak_allowed, &cipher},
+  return verify_all({p7, nullptr, more, type.get(), type.get(), digests, weak_allowed, &cipher},
                     Reports<P7_SIGNER_REPORT>(nullptr, nullptr));
 }
 
@@ -117,5 +119,6 @@ int verify_PKCS7_strict(const P7_CONTENT_INFO *p7, const X509_CERT *cert, const 
   const owned<OBJECT_IDENTIFIER> data_type = oid_of_row(PKCS7_DATA);
   if (!data_type) return failure(kNoMemory);
   const OBJECT_IDENTIFIER *type = signed_content ? signed_content->contentInfo->contentType : data_type.get();
-  return verify_all({*p7, cert, more, type, digests, bool(flags & PKCS7_ALLOW_WEAK_DIGESTS)}, made);
+  const OBJECT_IDENTIFIER *bare_type = flags & PKCS7_ALLOW_BARE_SIGNERS ? data_type.get() : type;
+  return verify_all({*p7, cert, more, type, bare_type, digests, bool(flags & PKCS7_ALLOW_WEAK_DIGESTS)}, made);
 }

@@ -301,8 +301,9 @@ VELPKI_API int verify_PKCS7_data(P7_CONTENT_INFO *p7, P7_SIGNER_INFO *si, ASYMME
  * it, of which there must be one. Certificates are looked for in the message and in `more` (null allowed), by the
  * received octets of issuer and serial number; whether they are to be trusted is the caller's to find out. The
  * signature is over the received octets of the attributes. RSA (v1.5, and PSS with its parameters), KCDSA, ECDSA and
- * Ed25519. Digests of less than 28 octets (MD5, SHA-1, HAS-160) need PKCS7_ALLOW_WEAK_DIGESTS. For each signer a report
- * is written, as long as `*report_count` (the capacity; then the number) allows; both may be null. Codes: F_P7_VERIFY
+ * Ed25519. Digests of less than 28 octets (MD5, SHA-1, HAS-160) need PKCS7_ALLOW_WEAK_DIGESTS, and signers without
+ * attributes over a content that is not data (RFC 2315 9.2) PKCS7_ALLOW_BARE_SIGNERS. For each signer a report is
+ * written, as long as `*report_count` (the capacity; then the number) allows; both may be null. Codes: F_P7_VERIFY
  * with 49, 48 (another type, an unknown digest, algorithm or key), 2B (no such signer), the reasons
  * ERR_NO_SIGNER_CERTIFICATE to ERR_AMBIGUOUS_CONTENT, ERR_ALGORITHM_MISMATCH, 5E (message digest), ERR_ASN1_DECODING;
  * or the provider's: the first signer's that failed. */
@@ -312,7 +313,7 @@ typedef struct {
   int digest_id;
   int code; /* 0 for a valid signature */
 } P7_SIGNER_REPORT;
-enum { PKCS7_ALLOW_WEAK_DIGESTS = 1 };
+enum { PKCS7_ALLOW_WEAK_DIGESTS = 1, PKCS7_ALLOW_BARE_SIGNERS = 2 };
 VELPKI_API int verify_PKCS7_strict(const P7_CONTENT_INFO *p7, const X509_CERT *cert, const X509_CERTIFICATES *more,
                                    const unsigned char *data, int length, int flags, P7_SIGNER_REPORT *reports,
                                    int *report_count) VELPKI_NOEXCEPT;

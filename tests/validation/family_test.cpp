@@ -1,5 +1,8 @@
-// The record families of ocsp.h.
+// The record families of ocsp.h, ctl.h and the trust anchors.
 #include "support/family.h"
+
+#include <velpki/cpv.h>
+#include <velpki/ctl.h>
 
 #include "samples.h"
 
@@ -41,6 +44,28 @@ const std::vector<Family> &families() {
   return all;
 }
 
+const std::vector<Family> &trust_families() {
+  static const Bytes spki =
+      TLV(0x30, TLV(0x30, "06092a864886f70d010101 0500") + TLV(0x03, "00" + std::string("300602010b020103")));
+  static const Bytes name = TLV(0x30, TLV(0x31, TLV(0x30, TLV(0x06, "550403") + TLV(0x0C, "4341"))));
+  static const Bytes attribute = TLV(0x30, "06092a864886f70d010914 310a1e08c608c81c00200031");
+  static const Bytes plain = TLV(0x30, TLV(0x04, "0102"));
+  static const Bytes subject = TLV(0x30, TLV(0x04, "0102") + TLV(0x31, attribute));
+  static const Bytes subjects = TLV(0x30, plain + subject);
+  static const Bytes head = TLV(0x02, "00") + TLV(0x30, "060a2a831a8c9a4408010101") + TLV(0x02, "29");
+  static const Bytes dates =
+      TLV(0x17, "3230303130313030303030305a") + TLV(0x18, "32303530303130313030303030305a") + TLV(0x06, "2b0e03021a");
+  static const Bytes extensions = TLV(0x30, TLV(0x30, "0603551d0e 0401aa"));
+  static const std::vector<Family> all = {
+      FAMILY(TRUST_ANCHOR, TLV(0x30, name + spki), dup_TRUST_ANCHOR),
+      FAMILY(TRUSTED_CERTIFICATE, subject, dup_TRUSTED_CERTIFICATE),
+      FAMILY(TRUSTED_SUBJECTS, subjects, nullptr),
+      FAMILY(CERT_TRUST_LIST, TLV(0x30, head + dates + subjects + extensions), dup_CERT_TRUST_LIST),
+  };
+  return all;
+}
+
 INSTANTIATE_FAMILIES(Ocsp, families);
+INSTANTIATE_FAMILIES(Trust, trust_families);
 
 }  // namespace

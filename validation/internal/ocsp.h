@@ -3,6 +3,7 @@
 
 #include <velpki/ocsp.h>
 
+#include "validation/internal/extension.h"
 #include "x509/internal/x509v3.h"
 
 namespace velpki {
@@ -94,11 +95,6 @@ int write_member(const R *member, DerWriter &out) noexcept {
 // Requests and responses as a caller's: a copy of a certificate as the only element of a list.
 X509_CERTIFICATES *list_of_one(const X509_CERT &cert) noexcept;
 // The nonce extension: found, or appended with these octets as its value.
-inline const X509_EXTENSION *find_extension(const X509_EXTENSIONS *extensions, std::string_view oid) noexcept {
-  for (const X509_EXTENSION *each : elements<X509_EXTENSION>(extensions))
-    if (each && each->object && each->value && text(*each->object) == oid) return each;
-  return nullptr;
-}
 inline const X509_EXTENSION *find_nonce(const X509_EXTENSIONS *extensions) noexcept {
   return find_extension(extensions, kNonceOid);
 }

@@ -1,0 +1,79 @@
+// The path suite of NIST through validate_certpath. tests/data/pkits_differences.tsv says where the answer is another,
+// and by which rule.
+#include <cstdio>
+#include <sstream>
+
+#include "paths.h"
+
+using namespace test;
+
+namespace {
+
+std::vector<std::string> parts(const std::string &text) {
+  std::vector<std::string> out;
+  std::istringstream in(text);
+  for (std::string part; std::getline(in, part, ',');) out.push_back(part);
+  return out;
+}
+
+// False when a certificate cannot be read.
+bool add_file(STACK *path, const std::string &file) {
+  const Bytes der = read_file(file);
+  X509_CERT *cert = nullptr;
+  if (readDER_X509_CERT_from_Binary(&cert, der.data(), int(der.size()))) return false;
+  return push_STACK_value(path, cert);
+}
+
+bool issued(const STACK *path, int cert, int issuer) {
+  const X509_PUBKEY *key = get_X509_SPKI(static_cast<X509_CERT *>(get_STACK_value(path, issuer)));
+  return key && verify_SIG_X509_CERT(static_cast<X509_CERT *>(get_STACK_value(path, cert)), key->key) == 0;
+}
+
+// Takes out what stands between a certificate and its issuer: the certificates of those who sign revocation lists only.
+void drop_bystanders(STACK *path) {
+  for (int i = 0; i + 1 < path->count; ++i) {
+    int issuer = i + 1;
+    while (issuer < path->count && !issued(path, i, issuer)) ++issuer;
+    for (; issuer < path->count && issuer > i + 1; --issuer)
+      free_X509_CERT(static_cast<X509_CERT *>(remove_STACK_value(path, i + 1)));
+  }
+}
+
+// The code of a row; -1 for a path that cannot be read.
+int validate(const Row &row, const std::string &folder) {
+  const Path path(new_X509_CERTIFICATES());
+  std::vector<std::string> files = parts(row.at("intermediates"));
+  files.insert(files.begin(), row.at("trust_anchor"));
+  files.push_back(row.at("end_entity"));
+  for (auto file = files.rbegin(); file != files.rend(); ++file)
+    if (!add_file(path.get(), folder + "/" + *file)) return -1;
+  drop_bystanders(path.get());
+  const Settings settings(number_in(row, "initial_explicit_policy"), number_in(row, "initial_inhibit_any_policy"));
+  const Policies user = policies_of(parts(row.at("initial_policy_set")));
+  node_LIST *tree = nullptr;
+  const int code = validate_certpath(path.get(), user.get(), &tree);
+  free_node_LIST(tree);
+  return code;
+}
+
+TEST(Pkits, EveryDifferenceHasItsRule) {
+  VELPKI_NEED_VECTORS("pkits", folder);
+  std::map<std::string, std::string> rules;
+  for (const Row &row : table("pkits_differences")) rules[row.at("test_id")] = row.at("rule");
+  std::map<std::string, std::pair<int, int>> sections;  // agreeing and all
+  for (const Row &row : read_tsv(folder + "/tests.tsv")) {
+    const std::string &id = row.at("test_id");
+    const int code = validate(row, folder);
+    const bool agrees = (code == 0) == (row.at("expected") == "valid");
+    EXPECT_EQ(agrees, rules.count(id) == 0) << id << " " << row.at("title") << std::hex << " " << code;
+    auto &[agreeing, all] = sections[row.at("section")];
+    agreeing += agrees;
+    ++all;
+    rules.erase(id);
+  }
+  for (const auto &[id, rule] : rules) ADD_FAILURE() << "no such test: " << id;
+  for (const auto &[section, count] : sections)
+    std::printf("section %s: %d of %d agree\n", section.c_str(), count.first, count.second);
+}
+
+}  // namespace
