@@ -13,28 +13,10 @@ using Run = void (*)(const uint8_t *, int);
 #define HOUSE(T) \
   [](const uint8_t *d, int n) { family<T>(d, n, Seq_to_##T, T##_to_Seq, dup_##T, free_##T, Readable::perhaps); }
 #define STANDARD(T) STANDARD_FAMILY(T, dup_##T)
-#define BOTH(T) HOUSE(T), STANDARD(T)
+#define EXTENSION_TYPE(T) HOUSE(T), STANDARD(T),
 
 constexpr Run kTypes[] = {
-    BOTH(GENERAL_NAME),
-    BOTH(GENERAL_NAMES),
-    BOTH(OTHERNAME),
-    BOTH(EDIPARTYNAME),
-    BOTH(AUTHORITY_KEYID),
-    BOTH(BASIC_CONSTRAINTS),
-    BOTH(POLICY_CONSTRAINTS),
-    BOTH(GENERAL_SUBTREE),
-    BOTH(NAME_CONSTRAINTS),
-    BOTH(DIST_POINT),
-    BOTH(CRL_DIST_POINTS),
-    BOTH(NOTICE_NUMBERS),
-    BOTH(NOTICE_REFERENCE),
-    BOTH(USER_NOTICE),
-    BOTH(POLICY_QUALIFIERS),
-    BOTH(POLICY_INFO),
-    BOTH(CERTIFICATE_POLICIES),
-    BOTH(POLICY_MAPPINGS),
-    BOTH(ACCESS_DESCRIPTION),
+#include "../tests/support/extension_types_table.inc"
     STANDARD_FAMILY(AUTHORITY_INFO_ACCESS, nullptr),
     STANDARD_FAMILY(EXTENDED_KEY_USAGE, nullptr),
     [](const uint8_t *d, int n) {

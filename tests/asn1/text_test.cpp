@@ -3,6 +3,8 @@
 #include <velpki/convert.h>
 #include <velpki/utils.h>
 
+#include <tuple>
+
 #include "support/asn1.h"
 
 namespace {
@@ -63,39 +65,34 @@ TEST(Convert, Edges) {
   EXPECT_TRUE(ascTouni(nullptr, 3, &out) == -1 && ascTouni("abc", 3, nullptr) == -1);
 }
 
-template <auto print>
-void print_octets(const void *string) {
-  const auto *s = static_cast<const ASN1_STRING *>(string);
-  if constexpr (std::is_invocable_v<decltype(print), const ASN1_STRING *>)
-    print(s);
-  else if constexpr (std::is_invocable_v<decltype(print), const unsigned char *, int>)
-    print(s->data, s->length);
-  else
-    print(reinterpret_cast<const char *>(s->data), s->length);
+// What a printer says of octets.
+template <class... Arguments>
+std::string said(void (*print)(Arguments...), const std::string &octets) {
+  const test::String s = test::string(TYPE_UTF8_STRING, test::hex(octets));
+  return test::captured_stdout([&] {
+    if constexpr (std::is_invocable_v<decltype(print), const ASN1_STRING *>)
+      print(s.get());
+    else
+      print(reinterpret_cast<std::tuple_element_t<0, std::tuple<Arguments...>>>(s->data), s->length);
+  });
 }
 
 TEST(Printers, Formats) {
-  const struct {
-    void (*print)(const void *);
-    const char *octets;
-    std::string expected;
-  } cases[] = {{print_octets<print_hex_no_nl>, "00AB7F", "00:AB:7F"},
-               {print_octets<print_hex>, "00AB7F", "00:AB:7F\n"},
-               {print_octets<print_hex_nl>, "", ""},
-               {print_octets<print_PCHAR>, "411B5B0A7F9BEAB0", "A.[....."},
-               {print_octets<dump_PCHAR>, "EAB08041", std::string("\xEA\xB0\x80") + "A\n"},
-               {print_octets<print_ASN1STRING>, "410042", "A.B\n"},
-               {print_octets<dump_hex>, "4142430A7F80FF00000000000000003031",
-                "00000000  41 42 43 0A 7F 80 FF 00 00 00 00 00 00 00 00 30  ABC............0\n"
-                "00000010  31                                               1\n"},
-               {print_octets<dump_ASN1STRING>, "41",
-                "type 0C, 1 octets\n00000000  41                                               A\n"}};
-  for (const auto &each : cases) {
-    const test::String string = test::string(TYPE_UTF8_STRING, test::hex(each.octets));
-    EXPECT_EQ(test::captured_stdout(each.print, string.get()), each.expected) << each.octets;
-  }
-  const auto print_null = [](const void *) { print_hex(nullptr, 3), dump_hex(nullptr, 3), print_ASN1STRING(nullptr); };
-  EXPECT_EQ(test::captured_stdout(print_null, nullptr), "");
+  EXPECT_EQ(said(print_hex_no_nl, "00AB7F"), "00:AB:7F");
+  EXPECT_EQ(said(print_hex, "00AB7F"), "00:AB:7F\n");
+  EXPECT_EQ(said(print_hex_nl, ""), "");
+  EXPECT_EQ(said(print_PCHAR, "411B5B0A7F9BEAB0"), "A.[.....");
+  EXPECT_EQ(said(dump_PCHAR, "EAB08041"),
+            "\xEA\xB0\x80"
+            "A\n");
+  EXPECT_EQ(said(print_ASN1STRING, "410042"), "A.B\n");
+  EXPECT_EQ(said(dump_hex, "4142430A7F80FF00000000000000003031"),
+            "00000000  41 42 43 0A 7F 80 FF 00 00 00 00 00 00 00 00 30  ABC............0\n"
+            "00000010  31                                               1\n");
+  EXPECT_EQ(said(dump_ASN1STRING, "41"),
+            "type 0C, 1 octets\n00000000  41                                               A\n");
+  const auto print_null = [] { print_hex(nullptr, 3), dump_hex(nullptr, 3), print_ASN1STRING(nullptr); };
+  EXPECT_EQ(test::captured_stdout(print_null), "");
 }
 
 }  // namespace

@@ -51,6 +51,44 @@ inline Number number(std::string_view hexadecimal) {
   return Number(PKV_New_BIGINT_Binary(octets.data(), int(octets.size())));
 }
 
+// The unit that an encoder makes of a record, in hex; "-" with a code.
+template <class Encode, class R>
+std::string hex_of(const Encode &encode, R *record) {
+  ASN1_UNIT *out = nullptr;
+  const int code = encode(record, &out);
+  const Unit owner(out);
+  return code ? "-" : flat(out);
+}
+// What a writer of octets gives; empty with a code.
+template <class Write, class R>
+Bytes octets_by(const Write &write, R *record) {
+  unsigned char *out = nullptr;
+  const int length = write(record, &out);
+  const Block owner(out);
+  return out ? Bytes(out, out + length) : Bytes();
+}
+// What a reader of octets makes; null with a code.
+template <class R>
+R *read_by(int (*read)(R **, const unsigned char *, int), const Bytes &octets, int *code = nullptr) {
+  R *record = nullptr;
+  const int result = read(&record, octets.data(), int(octets.size()));
+  if (code) *code = result;
+  return record;
+}
+// Does `work` with the first allocation failing, then the second, and so on until it answers true. Nothing leaks.
+template <class Work>
+void survive_each_failed_allocation(Work work) {
+  bool done = false;
+  for (long n = 0; !done; ++n) {
+    const size_t before = live_blocks();
+    fail_allocation(n);
+    done = work();
+    fail_allocation(-1);
+    ASSERT_EQ(live_blocks(), before) << "allocation " << n;
+    ASSERT_LT(n, 3000);
+  }
+}
+
 // DER by nesting: TLV(0x30, TLV(0x02, "05")).
 inline Bytes TLV(uint8_t identifier, const Bytes &content) {
   Bytes out{identifier};

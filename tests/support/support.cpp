@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <velpki/pkv.h>
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -109,6 +110,16 @@ std::vector<Row> table(const std::string &name) {
   return rows;
 }
 
+std::vector<std::string> split(const std::string &list, char separator) {
+  std::vector<std::string> parts;
+  for (size_t at = 0; at < list.size();) {
+    const size_t end = std::min(list.find(separator, at), list.size());
+    parts.push_back(list.substr(at, end - at));
+    at = end + 1;
+  }
+  return parts;
+}
+
 std::string run(const std::string &command, int *status) {
   std::string out;
   FILE *pipe = popen(command.c_str(), "r");
@@ -120,13 +131,20 @@ std::string run(const std::string &command, int *status) {
   return out;
 }
 
-std::string captured_stdout(void (*print)(const void *), const void *argument) {
+int status_of(const std::string &command) {
+  int status = -1;
+  const std::string said = run(command + " 2>&1", &status);
+  if (status) std::fprintf(stderr, "%s\n%s\n", command.c_str(), said.c_str());
+  return status;
+}
+
+std::string captured_stdout(const std::function<void()> &print) {
   std::fflush(stdout);
   const std::string path = temporary_path("stdout");
   const int saved = dup(1);
   FILE *file = std::fopen(path.c_str(), "wb");
   if (!file || dup2(fileno(file), 1) < 0) std::abort();
-  print(argument);
+  print();
   std::fflush(stdout);
   dup2(saved, 1);
   close(saved);

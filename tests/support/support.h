@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <string>
 #include <string_view>
@@ -32,12 +33,19 @@ std::vector<Row> read_tsv(const std::string &path);
 // The rows of a table of this project's own, tests/data/NAME.tsv; without any the program ends.
 std::vector<Row> table(const std::string &name);
 inline int number_in(const Row &row, const char *column) { return std::stoi(row.at(column)); }
+// A code in hexadecimal.
+inline int code_at(const Row &row, const char *column) { return int(std::stoul(row.at(column), nullptr, 16)); }
+
+// The parts of a list; none of an empty one.
+std::vector<std::string> split(const std::string &list, char separator = ',');
 
 // Runs a shell command; its standard output, and in `status` its exit status.
 std::string run(const std::string &command, int *status = nullptr);
+// Its exit status; where that is not 0, the command and what it said go to standard error.
+int status_of(const std::string &command);
 
 // What the function writes to standard output.
-std::string captured_stdout(void (*print)(const void *), const void *argument);
+std::string captured_stdout(const std::function<void()> &print);
 
 // Live blocks of the provider's accounting.
 size_t live_blocks();

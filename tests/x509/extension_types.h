@@ -34,70 +34,34 @@ Write writer(int (*encode)(const R *, ASN1_UNIT **)) {
   return [encode](const void *record, ASN1_UNIT **unit) { return encode(static_cast<const R *>(record), unit); };
 }
 template <class R>
-std::function<void *(const void *)> copier(R *(*copy)(const R *)) {
-  return [copy](const void *record) { return copy(static_cast<const R *>(record)); };
-}
-template <class R>
-std::function<void(void *)> releaser(void (*release)(R *)) {
-  return [release](void *record) { release(static_cast<R *>(record)); };
+Type type(int (*read)(ASN1_UNIT *, R **), int (*read_standard)(ASN1_UNIT *, R **),
+          int (*write)(const R *, ASN1_UNIT **), int (*write_standard)(const R *, ASN1_UNIT **), void (*release)(R *),
+          R *(*copy)(const R *) = nullptr) {
+  Type made;
+  if (read) made.read = reader(read), made.write = writer(write);
+  if (read_standard) made.read_standard = reader(read_standard), made.write_standard = writer(write_standard);
+  if (copy) made.copy = [copy](const void *record) { return copy(static_cast<const R *>(record)); };
+  made.release = [release](void *record) { release(static_cast<R *>(record)); };
+  return made;
 }
 
-#define WITHOUT_COPY(T, name)                                                                                       \
-  {                                                                                                                 \
-#name, {                                                                                                        \
-      reader(Seq_to_##name), reader(Seq_to_##name##_RFC5280), writer(name##_to_Seq), writer(name##_to_Seq_RFC5280), \
-          nullptr, releaser(free_##T)                                                                               \
-    }                                                                                                               \
-  }
-#define TYPE(T)                                                                                         \
-  {                                                                                                     \
-#T, {                                                                                               \
-      reader(Seq_to_##T), reader(Seq_to_##T##_RFC5280), writer(T##_to_Seq), writer(T##_to_Seq_RFC5280), \
-          copier(dup_##T), releaser(free_##T)                                                           \
-    }                                                                                                   \
-  }
-#define STANDARD_ONLY(name, release)                                                                               \
-  {                                                                                                                \
-#name, {                                                                                                       \
-      nullptr, reader(Seq_to_##name##_RFC5280), nullptr, writer(name##_to_Seq_RFC5280), nullptr, releaser(release) \
-    }                                                                                                              \
-  }
-#define HOUSE_ONLY(name, T, copy)                                                                       \
-  {                                                                                                     \
-#name, { reader(Seq_to_##name), nullptr, writer(name##_to_Seq), nullptr, copy, releaser(free_##T) } \
-  }
+#define BOTH_FORMS(name) Seq_to_##name, Seq_to_##name##_RFC5280, name##_to_Seq, name##_to_Seq_RFC5280
+#define HOUSE_FORM(name) Seq_to_##name, nullptr, name##_to_Seq, nullptr
+#define STANDARD_FORM(name) nullptr, Seq_to_##name##_RFC5280, nullptr, name##_to_Seq_RFC5280
+#define EXTENSION_TYPE(T) {#T, type<T>(BOTH_FORMS(T), free_##T, dup_##T)},
 
 inline const Type &type_named(const std::string &name) {
   static const std::map<std::string, Type> all = {
-      TYPE(GENERAL_NAME),
-      TYPE(GENERAL_NAMES),
-      TYPE(OTHERNAME),
-      TYPE(EDIPARTYNAME),
-      TYPE(AUTHORITY_KEYID),
-      TYPE(BASIC_CONSTRAINTS),
-      TYPE(POLICY_CONSTRAINTS),
-      TYPE(GENERAL_SUBTREE),
-      TYPE(GENERAL_SUBTREES),
-      TYPE(NAME_CONSTRAINTS),
-      TYPE(DIST_POINT),
-      TYPE(CRL_DIST_POINTS),
-      WITHOUT_COPY(ISSUING_DIST_POINT, issuing_DIST_POINT),
-      HOUSE_ONLY(issuing_DIST_POINTS, ISSUING_DIST_POINTS, copier(dup_ISSUING_DIST_POINTS)),
-      TYPE(NOTICE_NUMBERS),
-      TYPE(NOTICE_REFERENCE),
-      TYPE(USER_NOTICE),
-      TYPE(POLICY_QUALIFIER_INFO),
-      TYPE(POLICY_QUALIFIERS),
-      TYPE(POLICY_INFO),
-      TYPE(CERTIFICATE_POLICIES),
-      TYPE(POLICY_MAPPING),
-      TYPE(POLICY_MAPPINGS),
-      TYPE(ACCESS_DESCRIPTION),
-      WITHOUT_COPY(AUTHORITY_INFO_ACCESS, AUTHORITY_INFO_ACCESS),
-      HOUSE_ONLY(X509_SIGN, X509_SIGN, nullptr),
-      STANDARD_ONLY(EXTENDED_KEY_USAGE, free_EXTENDED_KEY_USAGE),
-      STANDARD_ONLY(SUBJECT_KEYID, free_ASN1_STRING),
-      STANDARD_ONLY(KEY_USAGE, free_ASN1_STRING),
+#include "support/extension_types_table.inc"
+      {"issuing_DIST_POINT", type<ISSUING_DIST_POINT>(BOTH_FORMS(issuing_DIST_POINT), free_ISSUING_DIST_POINT)},
+      {"issuing_DIST_POINTS",
+       type<ISSUING_DIST_POINTS>(HOUSE_FORM(issuing_DIST_POINTS), free_ISSUING_DIST_POINTS, dup_ISSUING_DIST_POINTS)},
+      {"AUTHORITY_INFO_ACCESS",
+       type<AUTHORITY_INFO_ACCESS>(BOTH_FORMS(AUTHORITY_INFO_ACCESS), free_AUTHORITY_INFO_ACCESS)},
+      {"X509_SIGN", type<X509_SIGN>(HOUSE_FORM(X509_SIGN), free_X509_SIGN)},
+      {"EXTENDED_KEY_USAGE", type<STACK>(STANDARD_FORM(EXTENDED_KEY_USAGE), free_EXTENDED_KEY_USAGE)},
+      {"SUBJECT_KEYID", type<ASN1_STRING>(STANDARD_FORM(SUBJECT_KEYID), free_ASN1_STRING)},
+      {"KEY_USAGE", type<ASN1_STRING>(STANDARD_FORM(KEY_USAGE), free_ASN1_STRING)},
   };
   return all.at(name);
 }

@@ -5,57 +5,14 @@ using namespace test;
 
 namespace {
 
-Bytes spki(const char *algorithm, const Bytes &key) {
-  return TLV(0x30, TLV(0x30, algorithm) + TLV(0x03, Bytes{0} + key));
-}
-const char kP256[] = "06072a8648ce3d020106082a8648ce3d030107", kP384[] = "06072a8648ce3d020106052b81040022";
-const char kKcdsa1[] = "06082a831a8c9a440115";  // parameters follow
-
 TEST(PublicKeys, AcceptedAndRefused) {
-  const int f = F_SEQ_TO_X509_PUBKEY, malformed = f | ERR_ASN1_DECODING;
-  const Bytes point = hex("04") + hex(std::string(63, '1') + "0" + std::string(64, '2'));
-  const std::string pqg = "020103020105020107";
-  struct Case {
-    const char *why;
-    Bytes der;
-    int plain;
-  };
-  const Case cases[] = {
-      {"P-256", spki(kP256, point), 0},
-      {"P-256, short halves", spki(kP256, hex("04aabb")), 0},
-      {"P-256, infinity", spki(kP256, hex("00")), F_BITSTRING_TO_ECC_KEY | 0x49},
-      {"P-256, compressed", spki(kP256, hex("02aabb")), F_BITSTRING_TO_ECC_KEY | 0x49},
-      {"P-256, odd rest", spki(kP256, hex("04aabbcc")), F_BITSTRING_TO_ECC_KEY | 0x49},
-      {"P-384", spki(kP384, point), malformed},
-      {"no curve", spki("06072a8648ce3d0201", point), malformed},
-      {"Ed25519", spki("06032b6570", hex("aa")), malformed},
-      {"RSA without elements", spki("06092a864886f70d0101010500", hex("3000")), f | 0x38},
-      {"RSA that is no SEQUENCE", spki("06092a864886f70d0101010500", hex("ff")), f | 0x38},
-      {"RSA, other parameters", spki("06092a864886f70d010101020105", hex("3006020103020105")), 0},
-      {"KCDSA, p q g", TLV(0x30, TLV(0x30, hex(kKcdsa1) + TLV(0x30, pqg)) + TLV(0x03, "00020109")), 0},
-      {"KCDSA, with j and seed",
-       TLV(0x30, TLV(0x30, hex(kKcdsa1) + TLV(0x30, pqg + "02010b3006040141020105")) + TLV(0x03, "00020109")), 0},
-      {"KCDSA, seed without j",
-       TLV(0x30, TLV(0x30, hex(kKcdsa1) + TLV(0x30, pqg + "3006040141020105")) + TLV(0x03, "00020109")), 0},
-      {"KCDSA, huge count",
-       TLV(0x30, TLV(0x30, hex(kKcdsa1) + TLV(0x30, pqg + "3009040141020480000000")) + TLV(0x03, "00020109")),
-       malformed},
-      {"KCDSA without parameters", spki(kKcdsa1, hex("020109")), malformed},
-      {"KCDSA without y", TLV(0x30, TLV(0x30, hex(kKcdsa1) + TLV(0x30, pqg)) + TLV(0x03, "00040109")), f | 0x38},
-  };
-  for (const Case &c : cases) {
+  for (const Row &row : table("public_keys")) {
+    const std::string &why = row.at("why"), &der = row.at("der");
     X509_PUBKEY *key = nullptr, *standard = nullptr;
-    EXPECT_EQ(Seq_to_X509_PUBKEY(unit(c.der).get(), &key), c.plain) << c.why;
-    ASN1_UNIT *out = nullptr;
-    if (key && c.der.size() > 20 && std::strstr(c.why, "KCDSA")) {
-      EXPECT_EQ(X509_PUBKEY_to_Seq(key, &out), 0) << c.why;
-      EXPECT_EQ(flat(out), to_hex(c.der)) << c.why;
-      free_ASN1_UNIT(out);
-    }
-    EXPECT_EQ(Seq_to_X509_PUBKEY_RFC5280(unit(c.der).get(), &standard), 0) << c.why;
-    EXPECT_EQ(X509_PUBKEY_to_Seq_RFC5280(standard, &out), 0) << c.why;
-    EXPECT_EQ(flat(out), to_hex(c.der)) << c.why;
-    free_ASN1_UNIT(out);
+    EXPECT_EQ(Seq_to_X509_PUBKEY(unit(der).get(), &key), code_at(row, "plain")) << why;
+    if (key && why.find("KCDSA") == 0) EXPECT_EQ(hex_of(X509_PUBKEY_to_Seq, key), der) << why;
+    EXPECT_EQ(Seq_to_X509_PUBKEY_RFC5280(unit(der).get(), &standard), 0) << why;
+    EXPECT_EQ(hex_of(X509_PUBKEY_to_Seq_RFC5280, standard), der) << why;
     free_X509_PUBKEY(key);
     free_X509_PUBKEY(standard);
   }
@@ -75,31 +32,21 @@ TEST(RsaOctets, ByNumberOfElements) {
     for (int i = 0; i < n; ++i) content = content + TLV(0x02, Bytes{uint8_t(3 + i)});
     return TLV(0x30, content);
   };
-  const int f = F_BITSTRING_to_RSA_KEY, malformed = f | ERR_ASN1_DECODING;
-  struct Case {
-    int elements, plain, strict;
-    bool is_private;
-  };
-  for (const Case &c : {Case{0, f | 0x2B, f | 0x2B, false},
-                        {1, malformed, malformed, false},
-                        {2, 0, 0, false},
-                        {3, 0, malformed, true},
-                        {4, malformed, malformed, false},
-                        {8, 0, malformed, true},
-                        {9, 0, malformed, true}}) {
-    const String bits = string(3, elements(c.elements));
+  for (const Row &row : table("rsa_elements")) {
+    const int count = number_in(row, "elements");
+    const String bits = string(3, elements(count));
     RSA_UNIT *plain = nullptr, *strict = nullptr, *seq = nullptr;
-    EXPECT_EQ(BITSTRING_to_RSA_KEY(bits.get(), &plain), c.plain) << c.elements;
-    EXPECT_EQ(BITSTRING_to_RSA_KEY_strict(bits.get(), &strict), c.strict) << c.elements;
-    const int from_unit = Seq_to_RSA_KEY_strict(unit(elements(c.elements)).get(), &seq);
-    EXPECT_EQ(from_unit == 0, c.elements == 2 || c.elements == 3 || c.elements == 8) << c.elements;
+    EXPECT_EQ(BITSTRING_to_RSA_KEY(bits.get(), &plain), code_at(row, "plain")) << count;
+    EXPECT_EQ(BITSTRING_to_RSA_KEY_strict(bits.get(), &strict), code_at(row, "strict")) << count;
+    const int from_unit = Seq_to_RSA_KEY_strict(unit(elements(count)).get(), &seq);
+    EXPECT_EQ(from_unit == 0, row.at("unit") == "yes") << count;
     const Owned<RSA_UNIT> owners[] = {Owned<RSA_UNIT>(plain), Owned<RSA_UNIT>(strict), Owned<RSA_UNIT>(seq)};
     if (!plain) continue;
-    EXPECT_EQ(PKV_Is_RSA_Private(plain) != 0, c.is_private);
+    EXPECT_EQ(PKV_Is_RSA_Private(plain), number_in(row, "private"));
     ASN1_STRING *back = nullptr, *published = nullptr;
     ASSERT_EQ(RSA_KEY_to_BITSTRING(plain, &back), 0);
     ASSERT_EQ(RSA_KEY_to_BITSTRING_strict(plain, &published), 0);
-    if (c.elements < 9) EXPECT_EQ(octets_hex(back), to_hex(elements(c.elements)));
+    if (count < 9) EXPECT_EQ(octets_hex(back), to_hex(elements(count)));
     EXPECT_EQ(octets_hex(published), to_hex(elements(2)));
     free_ASN1_STRING(back);
     free_ASN1_STRING(published);
@@ -124,13 +71,8 @@ TEST(EccOctets, LeadingZerosAreLeftOut) {
   // A whole SubjectPublicKeyInfo has the form that was asked for.
   const Owned<X509_PUBKEY> pubkey(new_X509_PUBKEY());
   ASSERT_EQ(set_X509_PUBKEY_ecc(pubkey.get(), key), 0);
-  ASN1_UNIT *house = nullptr, *standard = nullptr;
-  EXPECT_EQ(X509_PUBKEY_to_Seq(pubkey.get(), &house), 0);
-  EXPECT_EQ(X509_PUBKEY_to_Seq_RFC5280(pubkey.get(), &standard), 0);
-  EXPECT_TRUE(flat(house).ends_with("034100" + octets_hex(shorter)));
-  EXPECT_TRUE(flat(standard).ends_with("034200" + to_hex(point)));
-  free_ASN1_UNIT(house);
-  free_ASN1_UNIT(standard);
+  EXPECT_TRUE(hex_of(X509_PUBKEY_to_Seq, pubkey.get()).ends_with("034100" + octets_hex(shorter)));
+  EXPECT_TRUE(hex_of(X509_PUBKEY_to_Seq_RFC5280, pubkey.get()).ends_with("034200" + to_hex(point)));
   free_ASN1_STRING(shorter);
   free_ASN1_STRING(whole);
 }

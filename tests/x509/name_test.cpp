@@ -56,21 +56,13 @@ TEST(Names, CompareByEncoding) {
 }
 
 TEST(Names, StandardComparisonFoldsText) {
-  struct Case {
-    int type_a;
-    const char *a;
-    int type_b;
-    const char *b;
-    int order;
-  };
-  for (const Case &c : {Case{12, "  Hello   World ", 19, "hello world", 0},
-                        {12, "hello", 12, "hell o", -1},
-                        {12, "\xC3\xA9", 20, "\xE9", 0},
-                        {12, "", 12, "   ", 0},
-                        {12, "a b", 12, "a", -1},
-                        {4, "a", 12, "a", -1}}) {
-    EXPECT_EQ(cmp_X509_NAME_RFC5280(name({{c.type_a, c.a}}).get(), name({{c.type_b, c.b}}).get()), c.order)
-        << c.a << " | " << c.b;
+  for (const Row &row : table("name_texts")) {
+    const auto named = [&](const char *type, const char *octets) {
+      const Bytes text = hex(row.at(octets));
+      return name({{number_in(row, type), std::string(text.begin(), text.end()).c_str()}});
+    };
+    const Name a = named("type_a", "a"), b = named("type_b", "b");
+    EXPECT_EQ(cmp_X509_NAME_RFC5280(a.get(), b.get()), number_in(row, "order")) << row.at("why");
   }
   const Bytes one = ava(TLV(0x0C, "41")), other = ava(TLV(0x0C, "42"));
   const Name set = decoded_name(TLV(0x30, TLV(0x31, one + other)), Seq_to_X509_NAME_RFC5280);
@@ -85,32 +77,18 @@ TEST(Names, MultivaluedSetsLoseAllButTheFirst) {
   const Name plain = decoded_name(der), standard = decoded_name(der, Seq_to_X509_NAME_RFC5280);
   EXPECT_EQ(get_X509_NAME_count(plain.get()), 1);
   EXPECT_EQ(get_X509_NAME_count(standard.get()), 2);
-  ASN1_UNIT *out = nullptr;
-  ASSERT_EQ(X509_NAME_to_Seq(plain.get(), &out), 0);
-  EXPECT_EQ(flat(out), to_hex(TLV(0x30, TLV(0x31, ava(TLV(0x0C, "41"))))));
-  free_ASN1_UNIT(out);
+  EXPECT_EQ(hex_of(X509_NAME_to_Seq, plain.get()), to_hex(TLV(0x30, TLV(0x31, ava(TLV(0x0C, "41"))))));
   int code = 0;
   decoded_name(der, Seq_to_X509_NAME_strict, &code);
   EXPECT_EQ(code, F_SEQ_TO_X509_NAME | ERR_MULTIVALUED_RDN);
 }
 
 TEST(Names, DecodeCodes) {
-  struct Case {
-    Bytes der;
-    int code;
-  };
-  const int malformed = F_SEQ_TO_X509_NAME | ERR_ASN1_DECODING;
-  for (const Case &c : {Case{TLV(0x30, ""), 0},
-                        {TLV(0x30, "3100"), malformed},
-                        {TLV(0x30, "3000"), malformed},
-                        {TLV(0x30, TLV(0x31, "3000")), malformed},
-                        {TLV(0x30, TLV(0x31, TLV(0x30, kCn))), malformed},
-                        {TLV(0x30, TLV(0x31, ava(TLV(0x12, "31")))), malformed},
-                        {TLV(0x30, TLV(0x31, ava(TLV(0x1A, "31")))), 0}}) {
+  for (const Row &row : table("name_codes")) {
     int code = -1;
-    const Name made = decoded_name(c.der, Seq_to_X509_NAME, &code);
-    EXPECT_EQ(code, c.code) << to_hex(c.der);
-    EXPECT_EQ(made != nullptr, c.code == 0);
+    const Name made = decoded_name(hex(row.at("der")), Seq_to_X509_NAME, &code);
+    EXPECT_EQ(code, code_at(row, "code")) << row.at("der");
+    EXPECT_EQ(made != nullptr, code == 0);
   }
   X509_NAME *none = nullptr;
   EXPECT_EQ(Seq_to_X509_NAME(nullptr, &none), F_SEQ_TO_X509_NAME | 0x49);
@@ -169,13 +147,8 @@ TEST(Algorithms, ParametersAndCounts) {
   EXPECT_EQ(set_X509_ALGO_IDENTIFIER_value(forced.get(), oid.get(), nullptr), 0);
   EXPECT_EQ(set_X509_ALGO_IDENTIFIER_value_RFC5280(absent.get(), oid.get(), nullptr), 0);
   EXPECT_EQ(set_X509_ALGO_IDENTIFIER_value(nullptr, oid.get(), nullptr), 1);
-  ASN1_UNIT *with = nullptr, *without = nullptr;
-  ASSERT_EQ(X509_ALGO_IDENTIFIER_to_Seq(forced.get(), &with), 0);
-  ASSERT_EQ(X509_ALGO_IDENTIFIER_to_Seq(absent.get(), &without), 0);
-  EXPECT_EQ(flat(with), "300c06082a8648ce3d0403020500");
-  EXPECT_EQ(flat(without), "300a06082a8648ce3d040302");
-  free_ASN1_UNIT(with);
-  free_ASN1_UNIT(without);
+  EXPECT_EQ(hex_of(X509_ALGO_IDENTIFIER_to_Seq, forced.get()), "300c06082a8648ce3d0403020500");
+  EXPECT_EQ(hex_of(X509_ALGO_IDENTIFIER_to_Seq, absent.get()), "300a06082a8648ce3d040302");
   for (const char *wrong : {"3000", "3009 060155 0500 0500 0500"}) {
     X509_ALGO_IDENTIFIER *made = nullptr;
     EXPECT_EQ(Seq_to_X509_ALGO_IDENTIFIER(unit(wrong).get(), &made), F_SEQ_TO_X509_ALGO_IDENTIFIER | 0x2B);
@@ -210,13 +183,10 @@ TEST(Attributes, ValuesByType) {
   X509_ATTRIBUTES *list = new_X509_ATTRIBUTES();
   EXPECT_EQ(add_X509_ATTRIBUTES_child(list, attribute, 7), 0);
   EXPECT_EQ(add_X509_ATTRIBUTES_OID_INDEX(list, 14, 12, text.get(), 0), 0);
-  ASN1_UNIT *in_order = nullptr, *sorted = nullptr;
-  ASSERT_EQ(X509_ATTRIBUTES_to_Seq(list, &in_order), 0);
-  ASSERT_EQ(X509_ATTRIBUTES_to_Seq_RFC5280(list, &sorted), 0);
-  EXPECT_EQ(flat(in_order), "3125300a060355040631030c016130170603550403311030030201050c01610c01613003020105");
-  EXPECT_EQ(flat(sorted), "3125300a060355040631030c01613017060355040331100c01610c016130030201053003020105");
-  free_ASN1_UNIT(in_order);
-  free_ASN1_UNIT(sorted);
+  EXPECT_EQ(hex_of(X509_ATTRIBUTES_to_Seq, list),
+            "3125300a060355040631030c016130170603550403311030030201050c01610c01613003020105");
+  EXPECT_EQ(hex_of(X509_ATTRIBUTES_to_Seq_RFC5280, list),
+            "3125300a060355040631030c01613017060355040331100c01610c016130030201053003020105");
   free_X509_ATTRIBUTES(list);
   free_X509_ATTRIBUTE(attribute);
 }
@@ -235,34 +205,18 @@ TEST(Extensions, RecordAndList) {
   EXPECT_EQ(get_X509_EXTENSION_index_by_OID_index(list, 87, 0), 1);
   EXPECT_EQ(get_X509_EXTENSION_index_by_OID_index(list, 87, 1), -1);
   EXPECT_EQ(get_X509_EXTENSION_index_by_OID_index(list, 33, -1), -2);
-  ASN1_UNIT *out = nullptr;
-  ASSERT_EQ(X509_EXTENSIONS_to_Seq(list, &out), 0);
-  EXPECT_EQ(flat(out), "301930090603551d1304023000300c0603551d130101ff04023000");
-  free_ASN1_UNIT(out);
+  EXPECT_EQ(hex_of(X509_EXTENSIONS_to_Seq, list), "301930090603551d1304023000300c0603551d130101ff04023000");
   remove_X509_EXTENSION(list, 0);
   EXPECT_EQ(get_X509_EXTENSION_count(list), 1);
   free_X509_EXTENSIONS(list);
 }
 
 TEST(Extensions, StrictRefusesByReason) {
-  const Bytes one = TLV(0x30, TLV(0x06, "551d13") + TLV(0x04, "3000"));
-  struct Case {
-    Bytes der;
-    int plain, strict;
-  };
-  const int malformed = F_SEQ_TO_X509_EXT | ERR_ASN1_DECODING;
-  for (const Case &c : {Case{TLV(0x30, one), 0, 0},
-                        {TLV(0x30, one + one), 0, F_SEQ_TO_X509_EXT | ERR_DUPLICATE_EXTENSION},
-                        {TLV(0x30, ""), 0, F_SEQ_TO_X509_EXT | ERR_EMPTY_LIST},
-                        {TLV(0x30, TLV(0x30, TLV(0x06, "551d13") + TLV(0x01, "00") + TLV(0x04, ""))), 0,
-                         F_SEQ_TO_X509_EXT | ERR_NOT_CANONICAL},
-                        {TLV(0x30, TLV(0x30, TLV(0x06, "551d13"))), malformed, malformed},
-                        {TLV(0x30, TLV(0x30, TLV(0x06, "551d13") + TLV(0x01, "ff") + TLV(0x04, "") + TLV(0x04, ""))),
-                         malformed, malformed},
-                        {TLV(0x30, TLV(0x30, TLV(0x06, "551d13") + TLV(0x84, "3000"))), 0, malformed}}) {
+  for (const Row &row : table("extension_lists")) {
+    const Unit list = unit(row.at("der"));
     X509_EXTENSIONS *plain = nullptr, *strict = nullptr;
-    EXPECT_EQ(Seq_to_X509_EXTENSIONS(unit(c.der).get(), &plain), c.plain) << to_hex(c.der);
-    EXPECT_EQ(Seq_to_X509_EXTENSIONS_strict(unit(c.der).get(), &strict), c.strict) << to_hex(c.der);
+    EXPECT_EQ(Seq_to_X509_EXTENSIONS(list.get(), &plain), code_at(row, "plain")) << row.at("der");
+    EXPECT_EQ(Seq_to_X509_EXTENSIONS_strict(list.get(), &strict), code_at(row, "strict")) << row.at("der");
     free_X509_EXTENSIONS(plain);
     free_X509_EXTENSIONS(strict);
   }

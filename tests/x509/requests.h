@@ -1,8 +1,6 @@
 // Certification requests that the tests of this folder make and read.
 #pragma once
 
-#include <algorithm>
-
 #include "keys.h"
 
 namespace test {
@@ -11,28 +9,12 @@ inline constexpr int kRequest = 0x46000000;
 using Request = Owned<PKCS10_X509_REQ>;
 
 inline Request read_request(const Bytes &der, bool standard, int *code = nullptr) {
-  PKCS10_X509_REQ *read = nullptr;
   const auto reader = standard ? readDER_PKCS10_X509_REQ_from_Binary_RFC5280 : readDER_PKCS10_X509_REQ_from_Binary;
-  const int result = reader(&read, der.data(), int(der.size()));
-  if (code) *code = result;
-  return Request(read);
+  return Request(read_by(reader, der, code));
 }
 
 inline std::string written(const PKCS10_X509_REQ *req, bool standard) {
-  ASN1_UNIT *unit = nullptr;
-  const int code = standard ? PKCS10_X509_REQ_to_Seq_RFC5280(req, &unit) : PKCS10_X509_REQ_to_Seq(req, &unit);
-  const Unit owner(unit);
-  return code ? "-" : flat(unit);
-}
-
-inline std::vector<std::string> split(const std::string &list, char separator) {
-  std::vector<std::string> parts;
-  for (size_t at = 0; at < list.size();) {
-    const size_t end = std::min(list.find(separator, at), list.size());
-    parts.push_back(list.substr(at, end - at));
-    at = end + 1;
-  }
-  return parts;
+  return hex_of(standard ? PKCS10_X509_REQ_to_Seq_RFC5280 : PKCS10_X509_REQ_to_Seq, req);
 }
 
 class Requests : public WithKeys {};

@@ -46,6 +46,11 @@ struct CertificateParts {
   Bytes tail = TLV(0xA3, TLV(0x30, TLV(0x30, TLV(0x06, "551d13") + TLV(0x01, "ff") + TLV(0x04, "3000"))));
   Bytes outer = signature, value = TLV(0x03, Bytes{0} + Bytes(128, 0x5A));
 
+  std::map<std::string, Bytes *> named() {
+    return {{"version", &version},   {"serial", &serial},   {"signature", &signature}, {"issuer", &issuer},
+            {"validity", &validity}, {"subject", &subject}, {"spki", &spki},           {"tail", &tail},
+            {"outer", &outer},       {"value", &value}};
+  }
   Bytes tbs() const { return TLV(0x30, version + serial + signature + issuer + validity + subject + spki + tail); }
   Bytes der() const { return TLV(0x30, tbs() + outer + value); }
 };
@@ -67,21 +72,37 @@ struct CrlParts {
   Bytes tail = TLV(0xA0, TLV(0x30, extension("551d14", TLV(0x02, "05"))));
   Bytes outer = signature, value = TLV(0x03, Bytes{0} + Bytes(128, 0x5A));
 
+  std::map<std::string, Bytes *> named() {
+    return {
+        {"version", &version},         {"signature", &signature}, {"issuer", &issuer}, {"this_update", &this_update},
+        {"next_update", &next_update}, {"revoked", &revoked},     {"tail", &tail},     {"value", &value}};
+  }
   Bytes tbs() const { return TLV(0x30, version + signature + issuer + this_update + next_update + revoked + tail); }
   Bytes der() const { return TLV(0x30, tbs() + outer + value); }
 };
 
+// Puts other octets in place of parts: "version=0200 tail=".
+template <class Parts>
+void change(Parts &parts, const std::string &changes) {
+  for (const std::string &one : split(changes, ' '))
+    *parts.named().at(one.substr(0, one.find('='))) = hex(one.substr(one.find('=') + 1));
+}
+
 inline Certificate read_certificate(const Bytes &der, int *code = nullptr) {
-  X509_CERT *cert = nullptr;
-  const int result = readDER_X509_CERT_from_Binary(&cert, der.data(), int(der.size()));
-  if (code) *code = result;
-  return Certificate(cert);
+  return Certificate(read_by(readDER_X509_CERT_from_Binary, der, code));
+}
+inline Certificate read_certificate_RFC5280(const Bytes &der, int *code = nullptr) {
+  return Certificate(read_by(readDER_X509_CERT_from_Binary_RFC5280, der, code));
+}
+inline Crl read_crl(const Bytes &der, int *code = nullptr) {
+  return Crl(read_by(readDER_X509_CRL_from_Binary, der, code));
+}
+inline Crl read_crl_RFC5280(const Bytes &der, int *code = nullptr) {
+  return Crl(read_by(readDER_X509_CRL_from_Binary_RFC5280, der, code));
 }
 inline std::string written(X509_CERT *cert) {
-  unsigned char *out = nullptr;
-  const int length = writeDER_X509_CERT_to_Binary(cert, &out);
-  const Block owner(out);
-  return out ? to_hex(out, size_t(length)) : "-";
+  const Bytes octets = octets_by(writeDER_X509_CERT_to_Binary, cert);
+  return octets.empty() ? "-" : to_hex(octets);
 }
 
 // The DER of a file in either format.
