@@ -21,17 +21,9 @@ inline Cms cms_of(int type) {
   return cms;
 }
 inline Cms read_cms(const Bytes &octets, int *code = nullptr) {
-  CMS_CONTENT_INFO *cms = nullptr;
-  const int result = readBER_CMS_CONTENT_INFO_from_Binary(&cms, octets.data(), int(octets.size()));
-  if (code) *code = result;
-  return Cms(cms);
+  return Cms(read_by(readBER_CMS_CONTENT_INFO_from_Binary, octets, code));
 }
-inline Bytes written(CMS_CONTENT_INFO *cms) {
-  unsigned char *out = nullptr;
-  const int length = writeDER_CMS_CONTENT_INFO_to_Binary(cms, &out);
-  const Block owner(out);
-  return out ? Bytes(out, out + length) : Bytes();
-}
+inline Bytes written(CMS_CONTENT_INFO *cms) { return octets_by(writeDER_CMS_CONTENT_INFO_to_Binary, cms); }
 // As a peer gets it.
 inline Cms sent(const Cms &cms) { return read_cms(written(cms.get())); }
 
@@ -40,6 +32,9 @@ R *content(const Cms &cms) {
   return static_cast<R *>(cms->content);
 }
 
+inline int verify(const Cms &cms, const Bytes *data = nullptr) {
+  return verify_CMS(cms.get(), nullptr, data ? data->data() : nullptr, data ? int(data->size()) : 0);
+}
 inline int verify_strict(const Cms &cms, const Bytes *data = nullptr, int flags = CMS_ALLOW_WEAK_DIGESTS) {
   return verify_CMS_strict(cms.get(), nullptr, nullptr, data ? data->data() : nullptr, data ? int(data->size()) : 0,
                            flags, nullptr, nullptr);
@@ -54,17 +49,10 @@ inline int open_strict(const Cms &cms, const CMS_OPENER &opener, Bytes &out) {
 }
 
 // A party with a key on P-256, in files and here.
-struct CurveParty {
-  std::string certificate_path = temporary_path("curve.pem"), key_path = temporary_path("curve.key");
-  CurveParty() {
-    run("openssl ecparam -name prime256v1 -genkey -noout -out " + key_path + " && openssl req -x509 -new -key " +
-        key_path + " -days 30 -sha256 -set_serial 77 -subj '/O=velPKI/CN=curve' -out " + certificate_path +
-        " 2>/dev/null");
-  }
-  Certificate certificate() const {
-    X509_CERT *cert = nullptr;
-    readPEM_X509_CERT_from_File(&cert, certificate_path.c_str());
-    return Certificate(cert);
+struct CurveParty : PartyFiles {
+  CurveParty() : PartyFiles("curve") {
+    run("openssl ecparam -name prime256v1 -genkey -noout -out " + key_path);
+    certify("curve");
   }
   Owned<ASYMMETRIC_KEY> key() const {
     const std::string text =

@@ -1,53 +1,11 @@
 // Messages that others made, as CMS: what is read, verified and opened of them.
 #include <cstdio>
 
-#include "cms_parties.h"
+#include "vectors.h"
 
 using namespace test;
 
 namespace {
-
-// A list with commas in a column of the manifest.
-std::vector<std::string> parts_of(const std::string &list, char separator = ',') {
-  std::vector<std::string> parts;
-  for (size_t at = 0; at < list.size();) {
-    const size_t end = std::min(list.find(separator, at), list.size());
-    parts.push_back(list.substr(at, end - at));
-    at = end + 1;
-  }
-  return parts;
-}
-Certificate certificate_at(const std::string &path) {
-  const Bytes der = read_file(path);
-  X509_CERT *cert = nullptr;
-  readDER_X509_CERT_from_Binary_RFC5280(&cert, der.data(), int(der.size()));
-  return Certificate(cert);
-}
-// PKCS#8: version, algorithm, OCTET STRING with the key.
-Owned<ASYMMETRIC_KEY> key_at(const std::string &path, const X509_CERT *cert) {
-  const Bytes file = read_file(path);
-  const std::unique_ptr<ASN1_UNIT, decltype(&free_ASN1_UNIT)> info(decodeToBERSequence_n(file.data(), int(file.size())),
-                                                                   free_ASN1_UNIT);
-  auto *octets = static_cast<ASN1_STRING *>(getBERChildAt(info.get(), 2, TYPE_OCTET_STRING));
-  const String owner(octets);
-  PKCS1_RSA_PRIVATE_KEY *record = nullptr;
-  if (!octets) return nullptr;
-  if (readDER_PKCS1_RSA_PRIVATE_KEY_from_Binary(&record, octets->data, octets->length) == 0) {
-    const Owned<RSA_UNIT> rsa(get_RSA_UNIT_from_PRIV_KEY(record));
-    free_PKCS1_RSA_PRIVATE_KEY(record);
-    return Owned<ASYMMETRIC_KEY>(RSA_UNIT_to_ASYMMETRIC_KEY(rsa.get()));
-  }
-  // ECPrivateKey: version, OCTET STRING; the curve is that of the certificate.
-  const X509_PUBKEY *spki = get_X509_SPKI(cert);
-  const ECC_UNIT *unit = spki ? ASYMMETRIC_KEY_to_ECC_UNIT(spki->key) : nullptr;
-  if (!unit || octets->length < 7) return nullptr;
-  const Owned<ECC_UNIT> own(PKV_Dup_ECC(unit));
-  const int at = octets->data[1] & 0x80 ? 7 : 6;
-  BIGINT *d = PKV_New_BIGINT_Binary(octets->data + at + 1, octets->data[at]);
-  PKV_Set_ECC_Private(own.get(), d);
-  PKV_Free_BIGINT(d);
-  return Owned<ASYMMETRIC_KEY>(ECC_UNIT_to_ASYMMETRIC_KEY(own.get()));
-}
 
 struct Tally {
   int read = 0, refused = 0, good = 0, bad = 0, plain = 0;
@@ -63,12 +21,9 @@ void verify_row(const std::string &folder, const Row &row, const Cms &cms, Tally
   const std::string &expected = row.at("expected").empty() ? row.at("openssl_verifies") : row.at("expected");
   if (row.at("signers").empty() || (expected != "ok" && expected != "fail")) return;
   if (!attached && row.at("content_file").empty()) return;
-  STACK *certs = new_X509_CERTIFICATES();
-  for (const std::string &name : parts_of(row.at("signer_certs")))
-    add_X509_CERTIFICATES(certs, certificate_at(folder + "/" + name).get());
-  const int code = verify_CMS_strict(cms.get(), nullptr, certs, attached ? nullptr : given.data(),
+  const Certificates certs = certificates_at(folder, row.at("signer_certs"));
+  const int code = verify_CMS_strict(cms.get(), nullptr, certs.get(), attached ? nullptr : given.data(),
                                      attached ? 0 : int(given.size()), CMS_ALLOW_WEAK_DIGESTS, nullptr, nullptr);
-  free_X509_CERTIFICATES(certs);
   (code ? tally.bad : tally.good)++;
   if (expected == "fail" && code == 0) tell(row, "verified although openssl does not", code);
   if (expected == "ok" && code) tell(row, "not verified", code);
@@ -83,14 +38,14 @@ struct RowOpener {
   std::vector<CMS_OPENER> all;
 
   RowOpener(const std::string &folder, const Row &row) {
-    const auto certs = parts_of(row.at("recipient_cert")), private_keys = parts_of(row.at("recipient_key"));
+    const auto certs = split(row.at("recipient_cert")), private_keys = split(row.at("recipient_key"));
     for (size_t i = 0; i < std::min(certs.size(), private_keys.size()); ++i) {
       Certificate cert = certificate_at(folder + "/" + certs[i]);
       Owned<ASYMMETRIC_KEY> key = key_at(folder + "/" + private_keys[i], cert.get());
       keys.emplace_back(std::move(cert), std::move(key));
     }
     for (const auto &[cert, key] : keys) all.push_back({.cert = cert.get(), .key = key.get()});
-    const auto stated = parts_of(row.at("secret"), ':');
+    const auto stated = split(row.at("secret"), ':');
     if (stated.size() == 3) {
       secret = hex(stated[1]), id = hex(stated[2]);
       all.push_back({.kek = secret.data(),
@@ -132,11 +87,8 @@ TEST(CmsVectors, EveryMessage) {
       continue;
     }
     ++read;
-    unsigned char *out = nullptr;
-    const int length = writeDER_CMS_CONTENT_INFO_to_Binary_RFC5280(cms.get(), &out);
-    const Block owner(out);
-    EXPECT_GT(length, 1) << row.at("file");
-    if (out) EXPECT_NE(read_cms(Bytes(out, out + length)), nullptr) << row.at("file");
+    const Bytes out = octets_by(writeDER_CMS_CONTENT_INFO_to_Binary_RFC5280, cms.get());
+    EXPECT_NE(read_cms(out), nullptr) << row.at("file");
     if (cms->kind == CMS_TYPE_SIGNED_DATA) verify_row(folder, row, cms, signers);
     if (cms->kind == CMS_TYPE_ENVELOPED_DATA) open_row(folder, row, cms, recipients);
     if (cms->kind != CMS_TYPE_AUTHENTICATED_DATA) continue;

@@ -5,10 +5,6 @@ using namespace test;
 
 namespace {
 
-int verify(const Message &p7, const Bytes *data) {
-  return verify_PKCS7(p7.get(), nullptr, data ? data->data() : nullptr, data ? int(data->size()) : 0);
-}
-
 Bytes damaged(Bytes octets, size_t place) {
   octets[place] ^= 1;
   return octets;
@@ -58,10 +54,8 @@ TEST(Interop, OpensslVerifiesWhatIsSignedHere) {
     const std::string path = temporary_path("signed.der"), out = temporary_path("verified");
     ASSERT_GT(writeDER_P7_CONTENT_INFO_to_FILE(p7.get(), path.c_str()), 0);
     const std::string tool = c.padding == PKV_RSA_PSS ? "openssl cms" : "openssl smime";
-    int status = -1;
-    run(tool + " -verify -noverify -binary -inform DER -in " + path +
-            (c.detached ? " -content " + document_path() : "") + " -out " + out + " 2>&1",
-        &status);
+    const int status = status_of(tool + " -verify -noverify -binary -inform DER -in " + path +
+                                 (c.detached ? " -content " + document_path() : "") + " -out " + out);
     const std::string what = std::to_string(c.digest_row) + " padding " + std::to_string(c.padding) + " detached " +
                              std::to_string(c.detached) + " attributes " + std::to_string(c.attributes);
     EXPECT_EQ(status, 0) << what;
@@ -79,8 +73,7 @@ TEST(Interop, OpensslVerifiesWhatIsSignedHere) {
 TEST(Interop, WhatOpensslSignsIsVerifiedHere) {
   VELPKI_NEED_OPENSSL;
   const std::string path = temporary_path("theirs");
-  const std::string first = " -signer " + first_party().certificate_path + " -inkey " + first_party().key_path;
-  const std::string second = " -signer " + second_party().certificate_path + " -inkey " + second_party().key_path;
+  const std::string first = first_party().as_signer(), second = second_party().as_signer();
   const std::string in = " -sign -binary -in " + document_path() + " -out " + path;
   struct Case {
     std::string command, form;
@@ -99,9 +92,7 @@ TEST(Interop, WhatOpensslSignsIsVerifiedHere) {
         {"openssl cms" + in + first + " -md sha256 -keyopt rsa_padding_mode:pss -keyopt rsa_pss_saltlen:" + salt, "DER",
          true});
   for (const Case &c : cases) {
-    int status = -1;
-    run(c.command + " -outform " + c.form + " 2>&1", &status);
-    ASSERT_EQ(status, 0) << c.command;
+    ASSERT_EQ(status_of(c.command + " -outform " + c.form), 0);
     P7_CONTENT_INFO *p7 = nullptr;
     ASSERT_EQ(c.form == "DER" ? readDER_P7_CONTENT_INFO_from_File(&p7, path.c_str())
                               : readPEM_P7_CONTENT_INFO_from_File(&p7, path.c_str()),
@@ -116,28 +107,7 @@ TEST(Interop, WhatOpensslSignsIsVerifiedHere) {
   }
 }
 
-struct CipherCase {
-  const char *openssl;
-  int row;
-  const char *oid;  // where the registry has none
-};
-constexpr CipherCase kCiphers[] = {
-    {"aes128", 419, nullptr},
-    {"aes192", 423, nullptr},
-    {"aes256", 427, nullptr},
-    {"des3", 44, nullptr},
-    {"seed", 777, nullptr},
-    {"aria-128-cbc", 0, "1.2.410.200046.1.1.2"},
-    {"aria-256-cbc", 0, "1.2.410.200046.1.1.12"},
-};
 constexpr const char *kProviders = " -provider default -provider legacy ";
-
-Owned<X509_ALGO_IDENTIFIER> algorithm_of(const CipherCase &c) {
-  if (c.row) return algorithm(c.row);
-  Owned<X509_ALGO_IDENTIFIER> made(new_X509_ALGO_IDENTIFIER());
-  set_X509_ALGO_IDENTIFIER_value(made.get(), oid(c.oid).get(), nullptr);
-  return made;
-}
 
 // The content as the recipient finds it; empty when anything fails.
 Bytes opened(const Message &p7, const Party &party, int padding) {
@@ -154,25 +124,23 @@ Bytes opened(const Message &p7, const Party &party, int padding) {
 TEST(Interop, OpensslOpensWhatIsSealedHere) {
   VELPKI_NEED_OPENSSL;
   const std::string path = temporary_path("sealed.der"), out = temporary_path("opened");
-  for (const CipherCase &c : kCiphers)
+  for (const Row &row : table("cms_ciphers"))
     for (const int padding : {PKV_RSA_PKCS1_CRYPT, PKV_RSA_OAEP}) {
       const Message p7 = message_of(PKCS7_ENVELOPED_DATA);
       for (const Party *party : {&first_party(), &second_party()})
         ASSERT_NE(add_PKCS7_Recipient_withEncryptedAlgorithm(p7.get(), party->certificate().get(), padding, nullptr),
                   nullptr);
-      ASSERT_EQ(
-          encrypt_PKCS7(p7.get(), nullptr, algorithm_of(c).get(), document().data(), int(document().size()), padding),
-          0)
-          << c.openssl;
+      ASSERT_EQ(encrypt_PKCS7(p7.get(), nullptr, algorithm(number_in(row, "row"), row.at("oid")).get(),
+                              document().data(), int(document().size()), padding),
+                0)
+          << row.at("openssl");
       ASSERT_GT(writeDER_P7_CONTENT_INFO_to_FILE(p7.get(), path.c_str()), 0);
       for (const Party *party : {&first_party(), &second_party()}) {
-        int status = -1;
-        run("openssl cms -decrypt -inform DER" + std::string(kProviders) + "-in " + path + " -recip " +
-                party->certificate_path + " -inkey " + party->key_path + " -out " + out + " 2>&1",
-            &status);
-        EXPECT_EQ(status, 0) << c.openssl << " " << padding;
-        EXPECT_TRUE(read_file(out) == document()) << c.openssl << " " << padding;
-        EXPECT_TRUE(opened(sent(p7), *party, padding) == document()) << c.openssl << " " << padding;
+        EXPECT_EQ(status_of("openssl cms -decrypt -inform DER" + std::string(kProviders) + "-in " + path +
+                            party->as_recipient() + " -out " + out),
+                  0);
+        EXPECT_TRUE(read_file(out) == document()) << row.at("openssl") << " " << padding;
+        EXPECT_TRUE(opened(sent(p7), *party, padding) == document()) << row.at("openssl") << " " << padding;
       }
     }
 }
@@ -181,20 +149,18 @@ TEST(Interop, WhatOpensslSealsIsOpenedHere) {
   VELPKI_NEED_OPENSSL;
   const std::string path = temporary_path("sealed.theirs");
   const auto check = [&](const std::string &command, int padding) {
-    int status = -1;
-    run(command + " 2>&1", &status);
-    if (status) return false;
+    if (status_of(command)) return false;
     const Message p7 = read_message(read_file(path));
     EXPECT_TRUE(opened(p7, second_party(), padding) == document()) << command;
     return true;
   };
   const std::string in = " -encrypt -binary -outform DER -in " + document_path() + " -out " + path + kProviders;
-  for (const CipherCase &c : kCiphers)
-    EXPECT_TRUE(check("openssl smime" + in + "-" + c.openssl + " " + first_party().certificate_path + " " +
+  for (const Row &row : table("cms_ciphers"))
+    EXPECT_TRUE(check("openssl smime" + in + "-" + row.at("openssl") + " " + first_party().certificate_path + " " +
                           second_party().certificate_path,
                       PKV_RSA_PKCS1_CRYPT) ||
-                c.oid)
-        << c.openssl;
+                !row.at("oid").empty())
+        << row.at("openssl");
   for (const char *options :
        {"", " -keyopt rsa_oaep_md:sha256", " -keyopt rsa_oaep_md:sha256 -keyopt rsa_mgf1_md:sha512"})
     EXPECT_TRUE(check("openssl cms" + in + "-aes128 -recip " + second_party().certificate_path +
@@ -212,20 +178,13 @@ TEST(Interop, StreamsAreReadWhole) {
     write_file(in, content.data(), size);
     const std::string common = " -binary -stream -in " + in + " -out " + out + " -outform ";
     for (const std::string form : {"DER", "PEM"}) {
-      int status = -1;
-      P7_CONTENT_INFO *p7 = nullptr;
-      run("openssl smime -sign -nodetach -signer " + first_party().certificate_path + " -inkey " +
-              first_party().key_path + common + form + " 2>&1",
-          &status);
-      ASSERT_EQ(status, 0);
+      P7_CONTENT_INFO *p7 = nullptr, *sealed = nullptr;
+      ASSERT_EQ(status_of("openssl smime -sign -nodetach" + first_party().as_signer() + common + form), 0);
       ASSERT_EQ(readBER_P7_CONTENT_INFO_from_File(&p7, out.c_str()), 0) << size << form;
       const Message message(p7);
-      EXPECT_EQ(verify(message, nullptr), 0) << size << form;
-      EXPECT_EQ(verify_PKCS7_strict(p7, nullptr, nullptr, content.data(), int(size), 0, nullptr, nullptr), 0)
-          << size << form;
-      P7_CONTENT_INFO *sealed = nullptr;
-      run("openssl smime -encrypt -aes128" + common + form + " " + second_party().certificate_path + " 2>&1", &status);
-      ASSERT_EQ(status, 0);
+      EXPECT_EQ(verify(message), 0) << size << form;
+      EXPECT_EQ(verify_strictly(message, 0, &content), 0) << size << form;
+      ASSERT_EQ(status_of("openssl smime -encrypt -aes128" + common + form + " " + second_party().certificate_path), 0);
       ASSERT_EQ(readBER_P7_CONTENT_INFO_from_File(&sealed, out.c_str()), 0) << size << form;
       EXPECT_TRUE(opened(Message(sealed), second_party(), 32) == content) << size << form;
     }

@@ -17,19 +17,30 @@ inline bool has_openssl() { return !run("openssl version").empty(); }
   if (!test::has_openssl()) GTEST_SKIP() << "no openssl command"
 
 // Files live as long as the program; what is read from them, as long as a test.
-struct Party {
+struct PartyFiles {
   std::string certificate_path, key_path;
 
-  explicit Party(const std::string &name, const std::string &bits = "2048")
-      : certificate_path(temporary_path(name + ".pem")), key_path(temporary_path(name + ".key")) {
-    run("openssl genrsa -traditional -out " + key_path + " " + bits + " 2>/dev/null && openssl req -x509 -new -key " +
-        key_path + " -days 30 -sha256 -set_serial 0x" + to_hex(Bytes(name.begin(), name.end())) +
-        " -subj '/O=velPKI/CN=" + name + "' -out " + certificate_path + " 2>/dev/null");
+  explicit PartyFiles(const std::string &name)
+      : certificate_path(temporary_path(name + ".pem")), key_path(temporary_path(name + ".key")) {}
+  // Makes the certificate for the key that is there; its number is the name.
+  void certify(const std::string &name) const {
+    run("openssl req -x509 -new -key " + key_path + " -days 30 -sha256 -set_serial 0x" +
+        to_hex(Bytes(name.begin(), name.end())) + " -subj '/O=velPKI/CN=" + name + "' -out " + certificate_path +
+        " 2>/dev/null");
   }
   Certificate certificate() const {
     X509_CERT *cert = nullptr;
     readPEM_X509_CERT_from_File(&cert, certificate_path.c_str());
     return Certificate(cert);
+  }
+  // Options of openssl.
+  std::string as_signer() const { return " -signer " + certificate_path + " -inkey " + key_path; }
+  std::string as_recipient() const { return " -recip " + certificate_path + " -inkey " + key_path; }
+};
+struct Party : PartyFiles {
+  explicit Party(const std::string &name, const std::string &bits = "2048") : PartyFiles(name) {
+    run("openssl genrsa -traditional -out " + key_path + " " + bits + " 2>/dev/null");
+    certify(name);
   }
   Owned<ASYMMETRIC_KEY> key() const {
     PKCS1_RSA_PRIVATE_KEY *record = nullptr;
@@ -73,25 +84,27 @@ inline Message message_of(int type) {
   return p7;
 }
 inline Message read_message(const Bytes &der, int *code = nullptr) {
-  P7_CONTENT_INFO *p7 = nullptr;
-  const int result = readDER_P7_CONTENT_INFO_from_Binary(&p7, der.data(), int(der.size()));
-  if (code) *code = result;
-  return Message(p7);
+  return Message(read_by(readDER_P7_CONTENT_INFO_from_Binary, der, code));
 }
-inline Bytes written(P7_CONTENT_INFO *p7) {
-  unsigned char *out = nullptr;
-  const int length = writeDER_P7_CONTENT_INFO_to_Binary(p7, &out);
-  const Block owner(out);
-  return out ? Bytes(out, out + length) : Bytes();
-}
+inline Bytes written(P7_CONTENT_INFO *p7) { return octets_by(writeDER_P7_CONTENT_INFO_to_Binary, p7); }
 // As a peer gets it.
 inline Message sent(const Message &p7) { return read_message(written(p7.get())); }
 
-inline Owned<X509_ALGO_IDENTIFIER> algorithm(int row) {
+// By its row in the registry, or by its OID where it has none.
+inline Owned<X509_ALGO_IDENTIFIER> algorithm(int row, std::string_view otherwise = {}) {
   Owned<X509_ALGO_IDENTIFIER> made(new_X509_ALGO_IDENTIFIER());
-  const String oid(index_to_OBJECT_IDENTIFIER(row));
-  set_X509_ALGO_IDENTIFIER_value(made.get(), oid.get(), nullptr);
+  const String named = row ? String(index_to_OBJECT_IDENTIFIER(row)) : oid(otherwise);
+  set_X509_ALGO_IDENTIFIER_value(made.get(), named.get(), nullptr);
   return made;
+}
+
+inline int verify(const Message &p7, const Bytes *data = nullptr) {
+  return verify_PKCS7(p7.get(), nullptr, data ? data->data() : nullptr, data ? int(data->size()) : 0);
+}
+inline int verify_strictly(const Message &p7, int flags = 0, const Bytes *data = nullptr,
+                           const X509_CERT *cert = nullptr) {
+  return verify_PKCS7_strict(p7.get(), cert, nullptr, data ? data->data() : nullptr, data ? int(data->size()) : 0,
+                             flags, nullptr, nullptr);
 }
 
 // The attributes that a signer of the document needs.

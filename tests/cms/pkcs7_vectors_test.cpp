@@ -3,7 +3,7 @@
 
 #include <cstdio>
 
-#include "parties.h"
+#include "vectors.h"
 
 using namespace test;
 
@@ -15,19 +15,12 @@ Message read_any(const std::string &path, int *code) {
   return Message(p7);
 }
 
-// What is written of a message that was DER is the message; and it reads again.
+// What is written of a message reads again, and is written the same.
 void write_back(const Message &p7, const std::string &path) {
-  unsigned char *out = nullptr;
-  const int length = writeDER_P7_CONTENT_INFO_to_Binary_RFC5280(p7.get(), &out);
-  const Block owner(out);
-  ASSERT_GT(length, 1) << path;
-  P7_CONTENT_INFO *again = nullptr;
-  EXPECT_EQ(readBER_P7_CONTENT_INFO_from_Binary(&again, out, length), 0) << path;
-  const Message released(again);
-  unsigned char *second = nullptr;
-  EXPECT_EQ(writeDER_P7_CONTENT_INFO_to_Binary_RFC5280(again, &second), length) << path;
-  const Block second_owner(second);
-  EXPECT_EQ(std::memcmp(out, second, size_t(length)), 0) << path;
+  const Bytes out = octets_by(writeDER_P7_CONTENT_INFO_to_Binary_RFC5280, p7.get());
+  const Message again(read_by(readBER_P7_CONTENT_INFO_from_Binary, out));
+  ASSERT_TRUE(again) << path;
+  EXPECT_TRUE(octets_by(writeDER_P7_CONTENT_INFO_to_Binary_RFC5280, again.get()) == out) << path;
 }
 
 std::string first_of(const std::string &list) { return list.substr(0, list.find(',')); }
@@ -58,19 +51,9 @@ TEST(Vectors, SignedMessages) {
     if ((expected != "ok" && expected != "fail") || (!attached && row.at("content_file").empty())) continue;
     const uint8_t *data = attached ? nullptr : content.data();
     const int size = attached ? 0 : int(content.size());
-    STACK *certs = new_X509_CERTIFICATES();
-    std::string names = row.at("signer_certs");
-    for (size_t comma; !names.empty(); names.erase(0, comma == std::string::npos ? comma : comma + 1)) {
-      comma = names.find(',');
-      const Bytes der = read_file(folder + "/" + names.substr(0, comma));
-      X509_CERT *cert = nullptr;
-      if (readDER_X509_CERT_from_Binary_RFC5280(&cert, der.data(), int(der.size())) == 0)
-        add_X509_CERTIFICATES(certs, cert);
-      free_X509_CERT(cert);
-    }
+    const Certificates certs = certificates_at(folder, row.at("signer_certs"));
     const int strict =
-        verify_PKCS7_strict(p7.get(), nullptr, certs, data, size, PKCS7_ALLOW_WEAK_DIGESTS, nullptr, nullptr);
-    free_X509_CERTIFICATES(certs);
+        verify_PKCS7_strict(p7.get(), nullptr, certs.get(), data, size, PKCS7_ALLOW_WEAK_DIGESTS, nullptr, nullptr);
     // One signs content that is no OCTET STRING, which openssl does not look at.
     if (expected == "fail" && row.at("file").find(".cat") == std::string::npos) EXPECT_NE(strict, 0) << path;
     verified += strict == 0;
@@ -95,25 +78,11 @@ TEST(Vectors, EnvelopedMessages) {
     const Message p7 = read_any(path, &code);
     if (!p7) continue;  // recipients of another kind
     ++decoded;
-    const Bytes der = read_file(folder + "/" + first_of(row.at("recipient_cert")));
-    X509_CERT *cert = nullptr;
-    PKCS1_RSA_PRIVATE_KEY *record = nullptr;
-    readDER_X509_CERT_from_Binary_RFC5280(&cert, der.data(), int(der.size()));
-    const Certificate owner(cert);
-    const Bytes key_file = read_file(folder + "/" + first_of(row.at("recipient_key")));
-    // PKCS#8: version, algorithm, OCTET STRING with the key.
-    Owned<RSA_UNIT> rsa;
-    ASN1_UNIT *info = decodeToBERSequence_n(key_file.data(), int(key_file.size()));
-    auto *octets = static_cast<ASN1_STRING *>(getBERChildAt(info, 2, TYPE_OCTET_STRING));
-    if (octets && readDER_PKCS1_RSA_PRIVATE_KEY_from_Binary(&record, octets->data, octets->length) == 0)
-      rsa.reset(get_RSA_UNIT_from_PRIV_KEY(record));
-    free_PKCS1_RSA_PRIVATE_KEY(record);
-    free_ASN1_STRING(octets);
-    free_ASN1_UNIT(info);
-    const Owned<ASYMMETRIC_KEY> key(rsa ? RSA_UNIT_to_ASYMMETRIC_KEY(rsa.get()) : nullptr);
+    const Certificate cert = certificate_at(folder + "/" + first_of(row.at("recipient_cert")));
+    const Owned<ASYMMETRIC_KEY> key = key_at(folder + "/" + first_of(row.at("recipient_key")), cert.get());
     int length = get_PKCS7_ENCRYPTED_CONTENT_length(p7.get());
     Bytes out(size_t(std::max(length, 1)));
-    const int result = decrypt_PKCS7_strict(p7.get(), cert, key.get(), out.data(), &length);
+    const int result = decrypt_PKCS7_strict(p7.get(), cert.get(), key.get(), out.data(), &length);
     if (result == 0 && row.at("expected") != "fail") {
       EXPECT_EQ(length, number_in(row, "content_length")) << path;
       ++opened;

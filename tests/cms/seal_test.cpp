@@ -20,6 +20,10 @@ Bytes decrypted(const Message &p7, int *code = nullptr) {
   out.resize(size_t(length));
   return out;
 }
+int seal_hundred(const Message &p7, int padding, const Bytes &iv = kIv) {
+  return encrypt_PKCS7_userKEY(p7.get(), nullptr, algorithm(419).get(), document().data(), 100, kKey.data(), iv.data(),
+                               padding);
+}
 P7_ENCRYPTED_CONTENT_INFO *encrypted_of(const Message &p7) {
   return static_cast<P7_ENVELOPED_DATA *>(p7->content)->encryptedContentInfo;
 }
@@ -112,9 +116,7 @@ TEST(Open, ParametersThatAreNoIv) {
   VELPKI_NEED_OPENSSL;
   for (const int length : {0, 1, 8, 15, 16, 17}) {
     const Message p7 = enveloped();
-    ASSERT_EQ(encrypt_PKCS7_userKEY(p7.get(), nullptr, algorithm(419).get(), document().data(), 100, kKey.data(),
-                                    Bytes(16, 0).data(), 32),
-              0);
+    ASSERT_EQ(seal_hundred(p7, 32, Bytes(16, 0)), 0);
     X509_ALGO_IDENTIFIER *algorithm = encrypted_of(p7)->contentEncryptionAlgorithm;
     set_ASN1_STRING_value(algorithm->parameters, TYPE_OCTET_STRING, Bytes(17, 0).data(), length);
     int code = -1, room = 200;
@@ -141,9 +143,7 @@ TEST(Open, KeysOfTheWrongLength) {
   RSA_UNIT *rsa = ASYMMETRIC_KEY_to_RSA_UNIT(key.get());
   for (const int size : {0, 15, 16, 17, 200}) {
     const Message p7 = enveloped();
-    ASSERT_EQ(encrypt_PKCS7_userKEY(p7.get(), nullptr, algorithm(419).get(), document().data(), 100, kKey.data(),
-                                    kIv.data(), 0),
-              0);
+    ASSERT_EQ(seal_hundred(p7, 0), 0);
     auto *recipient = static_cast<P7_RECIPIENT_INFO *>(
         get_STACK_value(static_cast<P7_ENVELOPED_DATA *>(p7->content)->recipientInfos, 0));
     Bytes encrypted(256);
@@ -173,9 +173,7 @@ TEST(Open, KeysOfTheWrongLength) {
 TEST(Open, DamagedContentHasOneCode) {
   VELPKI_NEED_OPENSSL;
   const Message p7 = enveloped(16);
-  ASSERT_EQ(encrypt_PKCS7_userKEY(p7.get(), nullptr, algorithm(419).get(), document().data(), 100, kKey.data(),
-                                  kIv.data(), 16),
-            0);
+  ASSERT_EQ(seal_hundred(p7, 16), 0);
   const Certificate cert = first_party().certificate(), other = second_party().certificate();
   const Owned<ASYMMETRIC_KEY> key = first_party().key();
   Bytes out(112);
@@ -284,25 +282,18 @@ TEST(Seal, SurvivesEachFailedAllocation) {
   VELPKI_NEED_OPENSSL;
   const Certificate cert = small_party().certificate();
   const Owned<ASYMMETRIC_KEY> key = small_party().key();
-  bool done = false;
-  for (long n = -1; !done && n < 3000; ++n) {  // the first time the key prepares itself
-    const size_t before = live_blocks();
-    fail_allocation(n);
-    {
-      const Message p7 = message_of(PKCS7_ENVELOPED_DATA);
-      const bool added = p7 && add_PKCS7_Recipient_withEncryptedAlgorithm(p7.get(), cert.get(), 16, nullptr);
-      const Owned<X509_ALGO_IDENTIFIER> aes = algorithm(419);
-      const int sealed = added && aes ? encrypt_PKCS7(p7.get(), nullptr, aes.get(), document().data(), 100, 16) : 1;
-      const Message back = sealed ? nullptr : sent(p7);
-      uint8_t out[112];
-      int length = 112;
-      done = back && decrypt_PKCS7_strict(back.get(), cert.get(), key.get(), out, &length) == 0 && length == 100;
-    }
-    fail_allocation(-1);
-    if (n < 0) done = false;
-    if (n >= 0) ASSERT_EQ(live_blocks(), before) << n;
-  }
-  EXPECT_TRUE(done);
+  const auto work = [&] {
+    const Message p7 = message_of(PKCS7_ENVELOPED_DATA);
+    const bool added = p7 && add_PKCS7_Recipient_withEncryptedAlgorithm(p7.get(), cert.get(), 16, nullptr);
+    const Owned<X509_ALGO_IDENTIFIER> aes = algorithm(419);
+    const int sealed = added && aes ? encrypt_PKCS7(p7.get(), nullptr, aes.get(), document().data(), 100, 16) : 1;
+    const Message back = sealed ? nullptr : sent(p7);
+    uint8_t out[112];
+    int length = 112;
+    return back && decrypt_PKCS7_strict(back.get(), cert.get(), key.get(), out, &length) == 0 && length == 100;
+  };
+  ASSERT_TRUE(work());  // the first time the key prepares itself
+  survive_each_failed_allocation(work);
 }
 
 }  // namespace

@@ -6,8 +6,6 @@ using namespace test;
 
 namespace {
 
-constexpr int kMismatch = F_P7_VERIFY | 0x5E;
-
 P7_SIGNER_INFO *add_signer(const Message &p7, const Party &party, int digest_row = 672, int padding = 1) {
   const Certificate cert = party.certificate();
   add_PKCS7_Certificate_ex(p7.get(), cert.get());
@@ -16,13 +14,6 @@ P7_SIGNER_INFO *add_signer(const Message &p7, const Party &party, int digest_row
 }
 int sign(const Message &p7, bool detached = false) {
   return sign_PKCS7(p7.get(), document().data(), int(document().size()), detached);
-}
-int verify(const Message &p7, const Bytes *data = nullptr) {
-  return verify_PKCS7(p7.get(), nullptr, data ? data->data() : nullptr, data ? int(data->size()) : 0);
-}
-int verify_strictly(const Message &p7, int flags = 0, const Bytes *data = nullptr, const X509_CERT *cert = nullptr) {
-  return verify_PKCS7_strict(p7.get(), cert, nullptr, data ? data->data() : nullptr, data ? int(data->size()) : 0,
-                             flags, nullptr, nullptr);
 }
 std::string algorithm_of(const P7_SIGNER_INFO *signer) { return text_of(signer->digestEncryptionAlgorithm->algorithm); }
 
@@ -80,27 +71,17 @@ TEST(Sign, ASecondTimeAddsNothing) {
 
 TEST(Sign, VersionsAndAlgorithms) {
   VELPKI_NEED_OPENSSL;
-  struct Case {
-    int version, padding;
-    bool attributes;
-    const char *algorithm;
-    bool verifies;
-  };
-  const Case cases[] = {
-      {1, 1, false, "1.2.840.113549.1.1.11", true}, {1, 1, true, "1.2.840.113549.1.1.1", true},
-      {1, 2, false, "1.2.840.113549.1.1.10", true}, {1, 2, true, "1.2.840.113549.1.1.10", true},
-      {0, 1, false, "1.2.840.113549.1.1.1", true},  {0, 1, true, "1.2.840.113549.1.1.1", true},
-      {0, 2, false, "1.2.840.113549.1.1.1", false}, {3, 1, true, "1.2.840.113549.1.1.1", true},
-  };
-  for (const Case &c : cases) {
+  for (const Row &row : table("sign_versions")) {
+    const int version = number_in(row, "version"), padding = number_in(row, "padding");
+    const bool attributes = row.at("attributes") == "yes";
     const Message p7 = message_of(PKCS7_SIGNED_DATA);
-    P7_SIGNER_INFO *signer = add_signer(p7, first_party(), 672, c.padding);
-    if (c.attributes) add_attributes(signer, PKV_DIGEST_SHA256, c.version ? document() : Bytes{1});
-    ASSERT_EQ(set_P7_version(p7.get(), c.version), 0);
+    P7_SIGNER_INFO *signer = add_signer(p7, first_party(), 672, padding);
+    if (attributes) add_attributes(signer, PKV_DIGEST_SHA256, version ? document() : Bytes{1});
+    ASSERT_EQ(set_P7_version(p7.get(), version), 0);
     ASSERT_EQ(sign(p7), 0);
-    EXPECT_EQ(algorithm_of(signer), c.algorithm);
-    EXPECT_EQ(PKV_Get_BIGINT_Word(signer->version), unsigned(c.version));
-    EXPECT_EQ(verify(sent(p7)) == 0, c.verifies) << c.version << c.padding << c.attributes;
+    EXPECT_EQ(algorithm_of(signer), row.at("algorithm"));
+    EXPECT_EQ(PKV_Get_BIGINT_Word(signer->version), unsigned(version));
+    EXPECT_EQ(verify(sent(p7)) == 0, row.at("verifies") == "yes") << version << padding << attributes;
   }
 }
 
@@ -137,11 +118,9 @@ TEST(Sign, FurtherForms) {
     EXPECT_EQ(second->authenticatedAttributes->count, 3);
     const std::string path = temporary_path("complete.der"), out = temporary_path("complete.out");
     writeDER_P7_CONTENT_INFO_to_FILE(p7.get(), path.c_str());
-    int status = -1;
-    run("openssl cms -verify -noverify -binary -inform DER -in " + path +
-            (detached ? " -content " + document_path() : "") + " -out " + out + " 2>&1",
-        &status);
-    EXPECT_EQ(status, 0);
+    EXPECT_EQ(status_of("openssl cms -verify -noverify -binary -inform DER -in " + path +
+                        (detached ? " -content " + document_path() : "") + " -out " + out),
+              0);
     EXPECT_EQ(verify_strictly(sent(p7), 0, detached ? &document() : nullptr), 0);
   }
   const Message p7 = message_of(PKCS7_SIGNED_DATA);
@@ -202,42 +181,26 @@ TEST(Sign, KcdsaRoundTrip) {
 // A message digest attribute that is not what it should be, by what is done to its record before it is signed.
 TEST(Verify, MessageDigestAttributes) {
   VELPKI_NEED_OPENSSL;
-  struct Case {
-    int type, length, values, copies;  // octets kept of the digest, the rest zeros
-    int plain, strict;
-  };
-  const Case cases[] = {
-      {TYPE_OCTET_STRING, 32, 1, 1, 0, 0},
-      {TYPE_OCTET_STRING, 0, 1, 1, kMismatch, kMismatch},
-      {TYPE_OCTET_STRING, 31, 1, 1, kMismatch, kMismatch},
-      {TYPE_OCTET_STRING, 33, 1, 1, 0, kMismatch},
-      {TYPE_UTF8_STRING, 32, 1, 1, 0, kMismatch},
-      {TYPE_SEQUENCE, 32, 1, 1, kMismatch, kMismatch},
-      {TYPE_OCTET_STRING, 32, 0, 1, kMismatch, F_P7_VERIFY | ERR_ATTRIBUTE_NOT_SINGLE},
-      {TYPE_OCTET_STRING, 32, 2, 1, 0, F_P7_VERIFY | ERR_ATTRIBUTE_NOT_SINGLE},
-      {TYPE_OCTET_STRING, 32, 1, 2, 0, F_P7_VERIFY | ERR_ATTRIBUTE_NOT_SINGLE},
-      {TYPE_OCTET_STRING, 32, 1, 0, 0, F_P7_VERIFY | ERR_ATTRIBUTE_MISSING},
-  };
   Bytes digest(64, 0);
   int length = 0;
   PKV_DIGEST(PKV_DIGEST_SHA256, document().data(), int(document().size()), digest.data(), &length);
-  digest[31] ^= 0;
-  for (const Case &c : cases) {
-    Bytes value(digest.begin(), digest.begin() + c.length);
-    if (c.type == TYPE_SEQUENCE) value = TLV(0x04, Bytes(value.begin(), value.begin() + 30));
+  for (const Row &row : table("digest_attributes")) {
+    const int kind = number_in(row, "type"), values = number_in(row, "values");
+    Bytes value(digest.begin(), digest.begin() + number_in(row, "length"));
+    if (kind == TYPE_SEQUENCE) value = TLV(0x04, Bytes(value.begin(), value.begin() + 30));
     const Message p7 = message_of(PKCS7_SIGNED_DATA);
     P7_SIGNER_INFO *signer = add_signer(p7, first_party());
     const std::string type = "1.2.840.113549.1.7.1";
     add_PKCS7_Signed_Attribute(signer, 50, TYPE_OBJECT_IDENTIFIER, reinterpret_cast<const uint8_t *>(type.data()),
                                int(type.size()));
-    for (int i = 0; i < c.copies; ++i)
-      ASSERT_EQ(add_PKCS7_Signed_Attribute(signer, 51, c.type, value.data(), int(value.size())), 0);
+    for (int i = 0; i < number_in(row, "copies"); ++i)
+      ASSERT_EQ(add_PKCS7_Signed_Attribute(signer, 51, kind, value.data(), int(value.size())), 0);
     auto *attribute = get_X509_ATTRIBUTES_child(signer->authenticatedAttributes, 1);
-    if (c.values == 0) free_X509_ATTRIBUTE_DATA(static_cast<X509_ATTRIBUTE_DATA *>(pop_STACK_value(attribute->values)));
-    if (c.values == 2) add_X509_ATTRIBUTE_data(attribute, TYPE_OCTET_STRING, string(TYPE_OCTET_STRING, value).get());
+    if (values == 0) free_X509_ATTRIBUTE_DATA(static_cast<X509_ATTRIBUTE_DATA *>(pop_STACK_value(attribute->values)));
+    if (values == 2) add_X509_ATTRIBUTE_data(attribute, TYPE_OCTET_STRING, string(TYPE_OCTET_STRING, value).get());
     ASSERT_EQ(sign(p7), 0);
-    EXPECT_EQ(verify(sent(p7)), c.plain) << c.type << " " << c.length << " " << c.values << c.copies;
-    EXPECT_EQ(verify_strictly(sent(p7)), c.strict) << c.type << " " << c.length << " " << c.values << c.copies;
+    EXPECT_EQ(verify(sent(p7)), code_at(row, "plain")) << row.at("why");
+    EXPECT_EQ(verify_strictly(sent(p7)), code_at(row, "strict")) << row.at("why");
   }
 }
 
@@ -286,10 +249,7 @@ TEST(Verify, AttributesAreNoContent) {
   P7_SIGNER_INFO *signer = add_signer(p7, first_party());
   add_attributes(signer, PKV_DIGEST_SHA256);
   ASSERT_EQ(sign(p7, true), 0);
-  ASN1_UNIT *set = nullptr;
-  ASSERT_EQ(X509_ATTRIBUTES_to_Seq(signer->authenticatedAttributes, &set), 0);
-  const Bytes content = hex(flat(set));
-  free_ASN1_UNIT(set);
+  const Bytes content = hex(hex_of(X509_ATTRIBUTES_to_Seq, signer->authenticatedAttributes));
   free_X509_ATTRIBUTES(std::exchange(signer->authenticatedAttributes, nullptr));
   const Message forged = sent(p7);
   EXPECT_EQ(verify(forged, &content), 0);
@@ -300,25 +260,18 @@ TEST(Sign, SurvivesEachFailedAllocation) {
   VELPKI_NEED_OPENSSL;
   const Certificate cert = small_party().certificate();
   const Owned<ASYMMETRIC_KEY> key = small_party().key();
-  bool done = false;
-  for (long n = -1; !done && n < 3000; ++n) {  // the first time the key prepares itself
-    const size_t before = live_blocks();
-    fail_allocation(n);
-    {
-      Message p7 = message_of(PKCS7_SIGNED_DATA);
-      P7_SIGNER_INFO *signer = p7 ? add_PKCS7_Signature(p7.get(), cert.get(), key.get(), 672) : nullptr;
-      const int added = signer ? add_PKCS7_Certificate_ex(p7.get(), cert.get()) : 1;
-      if (signer) add_attributes(signer, PKV_DIGEST_SHA256);
-      const int signed_code = added ? 1 : sign(p7);
-      const Message back = signed_code ? nullptr : sent(p7);
-      done = back && signer->authenticatedAttributes && signer->authenticatedAttributes->count == 2 &&
-             verify(back) == 0 && verify_strictly(back) == 0;
-    }
-    fail_allocation(-1);
-    if (n < 0) done = false;
-    if (n >= 0) ASSERT_EQ(live_blocks(), before) << n;
-  }
-  EXPECT_TRUE(done);
+  const auto work = [&] {
+    const Message p7 = message_of(PKCS7_SIGNED_DATA);
+    P7_SIGNER_INFO *signer = p7 ? add_PKCS7_Signature(p7.get(), cert.get(), key.get(), 672) : nullptr;
+    const int added = signer ? add_PKCS7_Certificate_ex(p7.get(), cert.get()) : 1;
+    if (signer) add_attributes(signer, PKV_DIGEST_SHA256);
+    const int signed_code = added ? 1 : sign(p7);
+    const Message back = signed_code ? nullptr : sent(p7);
+    return back && signer->authenticatedAttributes && signer->authenticatedAttributes->count == 2 &&
+           verify(back) == 0 && verify_strictly(back) == 0;
+  };
+  ASSERT_TRUE(work());  // the first time the key prepares itself
+  survive_each_failed_allocation(work);
 }
 
 }  // namespace
