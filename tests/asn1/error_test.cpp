@@ -6,6 +6,8 @@
 
 #include "support/support.h"
 
+using namespace test;
+
 namespace {
 
 std::string described(int code) {
@@ -15,23 +17,7 @@ std::string described(int code) {
 }
 
 TEST(StatusCodes, Description) {
-  const struct {
-    int code;
-    const char *text;
-  } cases[] = {{0, "success"},
-               {1, "failed"},
-               {PKV_ERR_UNSUPPORTED, "PKV_ERR_UNSUPPORTED"},
-               {0x460F0104, "F_SEQ_TO_X509_CERT: ERR_ASN1_DECODING"},
-               {0x4B1C002B, "F_P7_SIGN: PKV_ERR_BAD_VALUE"},
-               {0x47270104, "F_SEQ_TO_ISSUING_DIST_POINTS or F_SEQ_TO_CERTIFICATE_POLICIES: ERR_ASN1_DECODING"},
-               {0x525B0000, "F_INIT_CMS_ENCRYPT_RECIPIENTINFO"},
-               {0x46060202, "F_SET_X509_NOTAFTER: ERR_DUPLICATE_EXTENSION"},
-               {0x4E00002B, "DER and PEM input and output: PKV_ERR_BAD_VALUE"},
-               {0x50000104, "OCSP: ERR_ASN1_DECODING"},
-               {0x46FF0007, "0x46FF0000: 0x07"},
-               {0x46FF0999, "0x46FF0000: 0x0999"},
-               {-1, "0xFFFF0000: ERR_MASK"}};
-  for (const auto &each : cases) EXPECT_EQ(described(each.code), each.text);
+  for (const Row &row : table("status_codes")) EXPECT_EQ(described(code_at(row, "code")), row.at("text"));
 }
 
 TEST(StatusCodes, EveryCodeHasItsNameAndTheTextStaysInItsRoom) {

@@ -69,21 +69,13 @@ TEST(Files, ALargeOneOfZerosIsOneSmallUnit) {
 TEST(Files, LengthIsComparedWithTheOffset) {
   const unsigned char data[] = "0123456789";
   const std::string path = temporary_path("written");
-  struct Case {
-    int offset, length, plain, bounded;
-    const char *content;
-  };
-  for (const Case &c : {Case{0, 3, 3, 3, "012"},
-                        {2, 3, 3, 3, "234"},
-                        {3, 3, -1, 3, "345"},
-                        {0, 0, -1, -1, ""},
-                        {-1, 3, -1, -1, ""},
-                        {8, 3, -1, -1, ""}}) {
+  for (const Row &row : table("file_ranges")) {
+    const int offset = number_in(row, "offset"), length = number_in(row, "length");
     unlink(path.c_str());
-    EXPECT_EQ(binary_to_File(data, c.offset, c.length, path.c_str()), c.plain) << c.offset;
-    EXPECT_EQ(binary_to_File_n(data, 10, c.offset, c.length, path.c_str()), c.bounded) << c.offset;
+    EXPECT_EQ(binary_to_File(data, offset, length, path.c_str()), number_in(row, "plain")) << offset;
+    EXPECT_EQ(binary_to_File_n(data, 10, offset, length, path.c_str()), number_in(row, "bounded")) << offset;
     const Bytes written = read_file(path);
-    EXPECT_EQ(std::string(written.begin(), written.end()), c.content);
+    EXPECT_EQ(std::string(written.begin(), written.end()), row.at("content"));
   }
   EXPECT_EQ(binary_to_File(data, 0, 3, "/no/such/folder"), -1);
 }
@@ -112,18 +104,14 @@ TEST(Writers, LengthsAndCodesShareOneInt) {
 }
 
 TEST(Readers, StrictOnesTakeOneDerValue) {
-  struct Case {
-    const char *octets;
-    int plain, strict;
-  };
-  for (const Case &c : {Case{"3003020105", 0, 0},
-                        {"300302010500", 0, 0x4E000200},
-                        {"308103020105", 0, 0x4E000200},
-                        {"30040201", 0x4E00004F, 0x4E000200}}) {
-    const Bytes octets = hex(c.octets);
+  for (const auto &[text, code, strict_code] : {std::tuple("3003020105", 0, 0),
+                                                {"300302010500", 0, 0x4E000200},
+                                                {"308103020105", 0, 0x4E000200},
+                                                {"30040201", 0x4E00004F, 0x4E000200}}) {
+    const Bytes octets = hex(text);
     void *plain = nullptr, *strict = nullptr;
-    EXPECT_EQ(readDER_from_Binary(&plain, from_unit, octets.data(), int(octets.size())), c.plain) << c.octets;
-    EXPECT_EQ(readDER_from_Binary_strict(&strict, from_unit, octets.data(), int(octets.size())), c.strict) << c.octets;
+    EXPECT_EQ(readDER_from_Binary(&plain, from_unit, octets.data(), int(octets.size())), code) << text;
+    EXPECT_EQ(readDER_from_Binary_strict(&strict, from_unit, octets.data(), int(octets.size())), strict_code) << text;
     free_ASN1_UNIT(static_cast<ASN1_UNIT *>(plain));
     free_ASN1_UNIT(static_cast<ASN1_UNIT *>(strict));
   }
@@ -133,24 +121,20 @@ TEST(Readers, StrictOnesTakeOneDerValue) {
 TEST(Memory, EndsAnywhereWithoutALeak) {
   const String text = string(3, hex("ff00")), oid = test::oid("1.2.840.113549");
   const Unit child = unit("30800201050000");
-  bool failed = true;
-  for (long n = 0; failed && n < 200; ++n) {
-    const size_t before = live_blocks();
+  survive_each_failed_allocation([&] {
     unsigned char *der = nullptr;
     char *pem = nullptr;
-    fail_allocation(n);
-    ASN1_UNIT *seq = new_ASN1_UNIT();
-    failed = !seq || addToDERSequence(seq, 3, text.get(), 2) || addToDERSequence(seq, 6, oid.get(), oid->length) ||
-             addToDERSequence(seq, TYPE_SEQUENCE, child.get(), 0) || addToDERSetOf_strict(seq, 3, text.get(), 2) ||
-             setBERLengthForm(seq, 2) || writeDER_to_Binary(seq, to_unit, &der) < 2 ||
-             writePEM_to_Binary(seq, to_unit, "X", 1, &pem) < 2;
-    fail_allocation(-1);
-    free_ASN1_UNIT(seq);
+    const Unit unit(new_ASN1_UNIT());
+    ASN1_UNIT *seq = unit.get();
+    const bool failed =
+        !seq || addToDERSequence(seq, 3, text.get(), 2) || addToDERSequence(seq, 6, oid.get(), oid->length) ||
+        addToDERSequence(seq, TYPE_SEQUENCE, child.get(), 0) || addToDERSetOf_strict(seq, 3, text.get(), 2) ||
+        setBERLengthForm(seq, 2) || writeDER_to_Binary(seq, to_unit, &der) < 2 ||
+        writePEM_to_Binary(seq, to_unit, "X", 1, &pem) < 2;
     PKV_Free(der, __FILE__, __LINE__);
     PKV_Free(pem, __FILE__, __LINE__);
-    ASSERT_EQ(live_blocks(), before) << n;
-  }
-  EXPECT_FALSE(failed);
+    return !failed;
+  });
 }
 
 }  // namespace

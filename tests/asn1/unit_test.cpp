@@ -11,22 +11,11 @@ using namespace test;
 namespace {
 
 TEST(UnitLengths, AreReadByTheirForm) {
-  struct Case {
-    const char *octets;
-    int size, length;
-  };
-  for (const Case &c : {Case{"00", 1, 0},
-                        {"7f", 1, 127},
-                        {"81c8", 2, 200},
-                        {"820100", 3, 256},
-                        {"847fffffff", 5, INT_MAX},
-                        {"8480000000", 5, -1},
-                        {"850000000001", 6, -1},
-                        {"ff", 128, -1}}) {
-    const Bytes octets = hex(c.octets);
-    EXPECT_EQ(getASN1LengthSize(octets.data()), c.size) << c.octets;
-    EXPECT_EQ(getASN1ValueLengthFromLO(octets.data()), c.length) << c.octets;
-    if (octets.size() > 1) EXPECT_EQ(getASN1LengthSize_n(octets.data(), int(octets.size()) - 1), 0) << c.octets;
+  for (const Row &row : table("length_octets")) {
+    const Bytes octets = hex(row.at("octets"));
+    EXPECT_EQ(getASN1LengthSize(octets.data()), number_in(row, "size")) << row.at("octets");
+    EXPECT_EQ(getASN1ValueLengthFromLO(octets.data()), number_in(row, "length")) << row.at("octets");
+    if (octets.size() > 1) EXPECT_EQ(getASN1LengthSize_n(octets.data(), int(octets.size()) - 1), 0) << to_hex(octets);
   }
   EXPECT_EQ(getASN1LengthSize(nullptr), 0);
   EXPECT_EQ(getASN1ValueLengthFromLO(nullptr), -1);
@@ -46,25 +35,11 @@ TEST(UnitLengths, FormThatDerNeeds) {
 }
 
 TEST(UnitMeasure, IndefiniteContent) {
-  struct Case {
-    const char *content, *why;
-    int bare, bounded;
-  };
-  const Case cases[] = {
-      {"0201050401410000", "definite children", 6, 6},
-      {"308002010500000000", "one indefinite child", 7, 7},
-      {"308000000403020000000000", "a definite sibling measured as indefinite inside the octets", 10, 10},
-      {"308000000404000000000000", "a definite sibling that begins with zeros", 8, 8},
-      {"308000000201050000", "the house measure leaves the octets, X.690 holds", -2, 7},
-      {"020105", "no end", -2, -1},
-      {"3080", "no end inside", -2, -1},
-      {"1f01000000", "no low tag number", -1, -1},
-      {"0284fffffffa0000", "a negative length", -1, -1},
-  };
-  for (const Case &c : cases) {
-    const Bytes octets = hex(c.content);
-    EXPECT_EQ(getASN1IndefiniteValueLength_n(octets.data(), int(octets.size())), c.bounded) << c.why;
-    if (c.bare > -2) EXPECT_EQ(getASN1IndefiniteValueLength(octets.data()), c.bare) << c.why;
+  for (const Row &row : table("indefinite_content")) {
+    const Bytes octets = hex(row.at("content"));
+    const std::string &why = row.at("why"), &bare = row.at("bare");
+    EXPECT_EQ(getASN1IndefiniteValueLength_n(octets.data(), int(octets.size())), number_in(row, "bounded")) << why;
+    if (!bare.empty()) EXPECT_EQ(getASN1IndefiniteValueLength(octets.data()), std::stoi(bare)) << why;
   }
 }
 

@@ -183,22 +183,14 @@ TEST(BlockCipher, OnlyExactPaddingIsAcceptedAndNothingElseIsWritten) {
 
 TEST(BlockCipher, BadArguments) {
   const Bytes key = pattern(255, 1), iv = pattern(17, 2);
-  constexpr int kBad = PKV_ERR_BAD_VALUE, kUnknown = PKV_ERR_UNSUPPORTED;
-  const struct {
-    int id, key_length, iv_length, expected;
-  } cases[] = {{0x01000120, 16, 16, 0},        {0x01000120, 15, 16, kBad},     {0x01000120, 16, 8, kBad},
-               {0x01000120, 16, 17, kBad},     {0x01000100, 16, 16, kBad},     {0x01000130, 16, 16, kUnknown},
-               {0x01000180, 16, 16, kUnknown}, {0x01000420, 16, 16, kUnknown}, {0x02010220, 16, 8, kBad},
-               {0x05000120, 0, 8, kBad},       {0x05000120, 1, 8, 0},          {0x05000120, 255, 8, 0},
-               {0x06000120, 3, 8, kBad},       {0x06000120, 4, 8, 0},          {0x06000120, 56, 8, 0},
-               {0x06000120, 57, 8, kBad},      {0x07000220, 16, 8, kBad},      {0x01000120, -1, 16, kBad},
-               {0x01000120, 16, -1, kBad}};
   const Cipher unit(PKV_New_BLOCK_CIPHER());
-  for (const auto &c : cases) {
+  for (const Row &row : table("cipher_lengths")) {
     Output out(32);
-    EXPECT_EQ(PKV_Init_BLOCK_CIPHER(unit.get(), c.id, key.data(), c.key_length, iv.data(), c.iv_length, 1), c.expected)
-        << std::hex << c.id << " " << c.key_length << " " << c.iv_length;
-    EXPECT_EQ(call(PKV_Update_BLOCK_CIPHER, unit, Bytes(1), out), c.expected ? PKV_ERR_FAILED : 0);
+    const int id = code_at(row, "id"), expected = code_at(row, "code");
+    const int key_length = number_in(row, "key"), iv_length = number_in(row, "iv");
+    EXPECT_EQ(PKV_Init_BLOCK_CIPHER(unit.get(), id, key.data(), key_length, iv.data(), iv_length, 1), expected)
+        << row.at("id") << " " << key_length << " " << iv_length;
+    EXPECT_EQ(call(PKV_Update_BLOCK_CIPHER, unit, Bytes(1), out), expected ? PKV_ERR_FAILED : 0);
   }
 }
 
