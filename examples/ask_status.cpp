@@ -23,11 +23,6 @@ struct ReleaseOcsp {
 template <class T>
 using ocsp = std::unique_ptr<T, ReleaseOcsp>;
 
-owned<X509_CERT> read_certificate(const char *path) {
-  X509_CERT *cert = nullptr;
-  check(readPEM_X509_CERT_from_File(&cert, path), path);
-  return owned<X509_CERT>(cert);
-}
 ocsp<OCSP_REQUEST> read_request(const char *path) {
   OCSP_REQUEST *request = nullptr;
   check(readDER_OCSP_REQUEST_from_File(&request, path), path);
@@ -69,14 +64,6 @@ void judge(const X509_CERT *cert, const X509_CERT *issuer, const OCSP_REQUEST *r
   std::printf("  verified answer: %s", names[status->type]);
   if (status->revokedInfo) std::printf(", reason %d", status->revokedInfo->revocationReason);
   std::puts("");
-}
-
-owned<ASYMMETRIC_KEY> read_key(const char *path) {
-  PKCS1_RSA_PRIVATE_KEY *read = nullptr;
-  check(readPEM_PKCS1_RSA_PRIVATE_KEY_from_File(&read, path), path);
-  const owned<PKCS1_RSA_PRIVATE_KEY> record(read);
-  const owned<RSA_UNIT> rsa(get_RSA_UNIT_from_PRIV_KEY(read));
-  return owned<ASYMMETRIC_KEY>(RSA_UNIT_to_ASYMMETRIC_KEY(rsa.get()));
 }
 
 ocsp<STACK> all_good(const OCSP_REQUEST *request) {

@@ -45,3 +45,17 @@ using owned = std::unique_ptr<T, Release>;
 inline void check(int code, const char *what) {
   if (code) die(what, code);
 }
+
+// A certificate, and an unencrypted RSA private key ("RSA PRIVATE KEY"), from PEM files.
+inline owned<X509_CERT> read_certificate(const char *path) {
+  X509_CERT *cert = nullptr;
+  check(readPEM_X509_CERT_from_File(&cert, path), path);
+  return owned<X509_CERT>(cert);
+}
+inline owned<ASYMMETRIC_KEY> read_key(const char *path) {
+  PKCS1_RSA_PRIVATE_KEY *read = nullptr;
+  check(readPEM_PKCS1_RSA_PRIVATE_KEY_from_File(&read, path), path);
+  const owned<PKCS1_RSA_PRIVATE_KEY> record(read);
+  const owned<RSA_UNIT> rsa(get_RSA_UNIT_from_PRIV_KEY(read));
+  return owned<ASYMMETRIC_KEY>(RSA_UNIT_to_ASYMMETRIC_KEY(rsa.get()));
+}

@@ -11,20 +11,6 @@ namespace {
 constexpr int kSha256WithRsa = 668, kCrlNumber = 88, kCrlReason = 141;  // registry rows
 constexpr int kKeyCompromise = 1;
 
-owned<X509_CERT> read_certificate(const char *path) {
-  X509_CERT *cert = nullptr;
-  check(readPEM_X509_CERT_from_File(&cert, path), path);
-  return owned<X509_CERT>(cert);
-}
-
-owned<ASYMMETRIC_KEY> read_key(const char *path) {
-  PKCS1_RSA_PRIVATE_KEY *read = nullptr;
-  check(readPEM_PKCS1_RSA_PRIVATE_KEY_from_File(&read, path), path);
-  const owned<PKCS1_RSA_PRIVATE_KEY> record(read);
-  const owned<RSA_UNIT> rsa(get_RSA_UNIT_from_PRIV_KEY(read));
-  return owned<ASYMMETRIC_KEY>(RSA_UNIT_to_ASYMMETRIC_KEY(rsa.get()));
-}
-
 owned<X509_TIME> days_from_now(int days) {
   const std::time_t then = std::time(nullptr) + days * 86400L;
   char text[32];

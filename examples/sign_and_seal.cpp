@@ -30,20 +30,6 @@ Document read_document(const char *path) {
   return {owned<unsigned char>(octets), length};
 }
 
-owned<X509_CERT> read_certificate(const char *path) {
-  X509_CERT *cert = nullptr;
-  check(readPEM_X509_CERT_from_File(&cert, path), path);
-  return owned<X509_CERT>(cert);
-}
-
-owned<ASYMMETRIC_KEY> read_key(const char *path) {
-  PKCS1_RSA_PRIVATE_KEY *read = nullptr;
-  check(readPEM_PKCS1_RSA_PRIVATE_KEY_from_File(&read, path), path);
-  const owned<PKCS1_RSA_PRIVATE_KEY> record(read);
-  const owned<RSA_UNIT> rsa(get_RSA_UNIT_from_PRIV_KEY(read));
-  return owned<ASYMMETRIC_KEY>(RSA_UNIT_to_ASYMMETRIC_KEY(rsa.get()));
-}
-
 Message new_message(int type) {
   Message message(new_P7_CONTENT_INFO());
   check(set_PKCS7_Type(message.get(), type), "set_PKCS7_Type");
