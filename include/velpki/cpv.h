@@ -109,6 +109,18 @@ VELPKI_API int get_TRUST_ANCHORS_index_by_TRUST_ANCHOR(const TRUST_ANCHORS *anch
  * that is trusted. The list's subjects and dates are not looked at, and the signer becomes an anchor like the rest. */
 VELPKI_API int add_TRUST_ANCHORS_from_CTL(TRUST_ANCHORS *anchors, P7_CONTENT_INFO *ctl_message) VELPKI_NOEXCEPT;
 
+/* build_certPath looks for a path from `cert` to a trust anchor among the certificates of `pool` and gives a new STACK
+ * of copies, released with free_X509_CERTIFICATES, in the order that validate_certpath takes: `cert` first, and last
+ * the one self-issued certificate, which has the name and key of an anchor. Every signature of it verifies; all other
+ * questions are the validation's. Of several issuers the better is tried first: key identifiers that agree (RFC 5280
+ * 4.2.1.1), then basic constraints and key usage that allow it, then its dates. No name and key come twice, a path has
+ * 16 certificates at most, and 256 signatures are verified at most. `*path` is written on success only.
+ * Codes: F_BUILD_CERTPATH with 49, 3C, ERR_INVALID_TRUST_ANCHOR (paths end at roots that are no anchors),
+ * ERR_NOT_FOUNDED (they end nowhere) or ERR_INVALID_MAX_PATH_LENGTH (one of the limits was met).
+ * @warning An anchor whose certificate is not in the pool ends no path, because validate_certpath needs that
+ * certificate. Names are compared by cmp_X509_NAME and signatures verified by verify_SIG_X509_CERT, as there. */
+VELPKI_API int build_certPath(STACK **path, X509_CERT *cert, STACK *pool, TRUST_ANCHORS *anchors) VELPKI_NOEXCEPT;
+
 VELPKI_END
 
 #endif

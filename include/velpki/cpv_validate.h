@@ -33,8 +33,8 @@ VELPKI_BEGIN
  * @warning Nobody asks whether the last certificate is trusted; see get_TRUST_ANCHORS_index_by_TRUST_ANCHOR and
  * build_certPath.
  * @warning A self-issued certificate needs its own signature and nothing else, wherever it stands: no issuer, no dates,
- * no constraints. A path whose first certificate is self-issued is valid whatever comes after it; a self-issued one in
- * the middle makes the next one fail (F_PROCESS_BASIC_CERTIFICATE with 49), unless the tree passed in is deeper.
+ * no constraints. So a path whose first certificate is self-issued says nothing about that one; and one in the middle
+ * makes the next one fail (F_PROCESS_BASIC_CERTIFICATE with 49), unless the tree passed in is deeper.
  * @warning Not checked at all: revocation, name constraints, extended key usage, critical extensions that are unknown,
  * the path length in numbers (a length of 0 refuses a CA below, also as the end entity; other lengths are not looked
  * at), policy mappings and anyPolicy inhibition. A CA passes without extensions, and with cA false if it has no key

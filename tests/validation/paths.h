@@ -3,8 +3,6 @@
 
 #include <velpki/cpv_validate.h>
 
-#include <initializer_list>
-
 #include "samples.h"
 
 namespace test {
@@ -43,5 +41,55 @@ struct Settings {
     set_initial_any_policy_inhibit(0);
   }
 };
+
+// Tests over certificates that are made for them: three keys, for the time of one test.
+inline std::vector<Owned<ASYMMETRIC_KEY>> test_keys;
+inline ASYMMETRIC_KEY *test_key(int index) { return test_keys[size_t(index)].get(); }
+class WithKeys : public testing::Test {
+ protected:
+  void SetUp() override {
+    for (int i = 0; i < 3; ++i) {
+      const Owned<RSA_UNIT> rsa(PKV_New_RSA());
+      EXPECT_EQ(PKV_Generate_RSA(rsa.get(), 1024, 65537, nullptr, nullptr), 0);
+      test_keys.emplace_back(RSA_UNIT_to_ASYMMETRIC_KEY(rsa.get()));
+    }
+  }
+  void TearDown() override { test_keys.clear(); }
+};
+
+// A certificate that is made as it says.
+struct Made {
+  std::string subject, issuer;
+  int key = 0, signer = 0;
+  Bytes extensions;                                  // the list's content
+  bool extended = true;                              // whether there is a list
+  std::string until = "3430303130313030303030305a";  // of 2040
+};
+inline Bytes extension(std::string_view oid, const Bytes &value, bool critical = false) {
+  return TLV(0x30, TLV(0x06, oid) + (critical ? TLV(0x01, "ff") : Bytes()) + TLV(0x04, value));
+}
+inline Bytes name_of(const std::string &text) {
+  return TLV(0x30, TLV(0x31, TLV(0x30, TLV(0x06, "550403") + TLV(0x0C, Bytes(text.begin(), text.end())))));
+}
+inline Certificate make_certificate(const Made &made) {
+  static int serial = 0;
+  const Bytes algorithm = TLV(0x30, "06092a864886f70d01010b0500");
+  const Bytes spki = TLV(0x30, TLV(0x30, "06092a864886f70d0101010500") + TLV(0x03, "00300602010b020103"));
+  const Bytes dates = TLV(0x30, TLV(0x17, "3230303130313030303030305a") + TLV(0x17, made.until));
+  ++serial;
+  const Bytes number{uint8_t(1 + (serial >> 8) % 100), uint8_t(serial)};
+  const Bytes tail = made.extended ? TLV(0xA3, TLV(0x30, made.extensions)) : Bytes();
+  const Bytes tbs = TLV(0x30, TLV(0xA0, "020102") + TLV(0x02, number) + algorithm + name_of(made.issuer) + dates +
+                                  name_of(made.subject) + spki + tail);
+  const Bytes der = TLV(0x30, tbs + algorithm + TLV(0x03, "00aa"));
+  X509_CERT *cert = nullptr;
+  EXPECT_EQ(readDER_X509_CERT_from_Binary(&cert, der.data(), int(der.size())), 0);
+  X509_PUBKEY *key = new_X509_PUBKEY();
+  set_X509_PUBKEY_rsa(key, ASYMMETRIC_KEY_to_RSA_UNIT(test_key(made.key)));
+  set_X509_pub_key(cert, key);
+  free_X509_PUBKEY(key);
+  EXPECT_EQ(gen_SIG_X509_Cert(cert, test_key(made.signer)), 0);
+  return Certificate(cert);
+}
 
 }  // namespace test
