@@ -232,8 +232,8 @@ TEST(PolicyTree, LevelsAreListed) {
   EXPECT_EQ(get_count_from_node_LIST(list), 3);
   list = reverse_node_LIST(list);
   EXPECT_EQ(text_of(list), "q/p/");
-  const auto print = [](const void *tree) { print_VALID_POLICY_TREE_LIST(static_cast<const node_LIST *>(tree)); };
-  EXPECT_EQ(captured_stdout(print, list), "[0] Valid Policy : 1.2.3.5\n[0] Valid Policy : 1.2.3.4\n");
+  EXPECT_EQ(captured_stdout([list] { print_VALID_POLICY_TREE_LIST(list); }),
+            "[0] Valid Policy : 1.2.3.5\n[0] Valid Policy : 1.2.3.4\n");
   list = remove_node_LIST(list, list->next);
   list = remove_node_LIST(list, list->next);
   EXPECT_EQ(text_of(list), "q");
