@@ -134,6 +134,32 @@ bool Verifier::verify_sha256(const uint8_t *tbs, size_t tbs_length, const uint8_
   return EVP_PKEY_verify(static_cast<EVP_PKEY_CTX *>(context), signature, signature_length, hash, sizeof hash) == 1;
 }
 
+Path::Path(const std::vector<Bytes> &certificates) {
+  STACK_OF(X509) *middle = sk_X509_new_null();
+  X509_STORE *roots = X509_STORE_new();
+  for (size_t i = 1; i + 1 < certificates.size(); ++i) sk_X509_push(middle, decoded(certificates[i]));
+  X509 *root = decoded(certificates.back());
+  X509_STORE_add_cert(roots, root);
+  X509_free(root);
+  end_entity = decoded(certificates.front());
+  chain = middle;
+  store = roots;
+}
+Path::~Path() {
+  X509_free(static_cast<X509 *>(end_entity));
+  sk_X509_pop_free(static_cast<STACK_OF(X509) *>(chain), X509_free);
+  X509_STORE_free(static_cast<X509_STORE *>(store));
+}
+bool Path::verify() const {
+  X509_STORE_CTX *context = X509_STORE_CTX_new();
+  X509_STORE_CTX_init(context, static_cast<X509_STORE *>(store), static_cast<X509 *>(end_entity),
+                      static_cast<STACK_OF(X509) *>(chain));
+  X509_VERIFY_PARAM_set_flags(X509_STORE_CTX_get0_param(context), X509_V_FLAG_CHECK_SS_SIGNATURE);
+  const bool valid = X509_verify_cert(context) == 1;
+  X509_STORE_CTX_free(context);
+  return valid;
+}
+
 RevocationList::RevocationList(const Bytes &der) {
   const unsigned char *at = der.data();
   list = d2i_X509_CRL(nullptr, &at, long(der.size()));

@@ -35,6 +35,14 @@ struct Verifier {
   void *key, *context, *digest;
 };
 
+// A path from the end entity to its root, verified with certificates that were decoded before.
+struct Path {
+  explicit Path(const std::vector<Bytes> &certificates);
+  ~Path();
+  bool verify() const;
+  void *end_entity, *chain, *store;
+};
+
 // A revocation list: decoded and kept, searched, encoded anew.
 struct RevocationList {
   explicit RevocationList(const Bytes &der);
