@@ -25,6 +25,7 @@ Targets crl_targets();
 Targets korea_targets();
 Targets ocsp_targets();
 Targets keys_targets();
+Targets path_targets();
 
 inline void require(bool holds, const char *what) {
   if (holds) return;

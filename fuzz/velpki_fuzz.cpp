@@ -10,7 +10,7 @@ const Target *chosen = nullptr;
 template <class F>
 void for_each_target(F &&run) {
   for (const Targets &targets : {asn1_targets(), x509_targets(), extension_targets(), crl_targets(), pkcs7_targets(),
-                                 cms_targets(), korea_targets(), ocsp_targets(), keys_targets()})
+                                 cms_targets(), korea_targets(), ocsp_targets(), keys_targets(), path_targets()})
     for (const Target &target : targets) run(target);
 }
 

@@ -106,8 +106,15 @@ VELPKI_API int get_TRUST_ANCHORS_index_by_TRUST_ANCHOR(const TRUST_ANCHORS *anch
  * takes without a signer given, all or none. F_ADD_TRUSTLIST with 49 (null, or a message that does not verify) or 0E (a
  * certificate without subject or key, a failed copy).
  * @warning Anyone can make such a message: find out first who signed it, by verify_ctlSignedData with a certificate
- * that is trusted. The list's subjects and dates are not looked at, and the signer becomes an anchor like the rest. */
+ * that is trusted, or use the _strict form. The list's subjects and dates are not looked at, and the signer becomes an
+ * anchor like the rest. */
 VELPKI_API int add_TRUST_ANCHORS_from_CTL(TRUST_ANCHORS *anchors, P7_CONTENT_INFO *ctl_message) VELPKI_NOEXCEPT;
+/* add_TRUST_ANCHORS_from_CTL_strict takes a message that the given certificate signed, which the caller trusts, at a
+ * time between the list's dates (null: now), and adds only the certificates that the list's subjects name by their
+ * digest. F_ADD_TRUSTLIST with 49, 0E, 48 (an unknown subject algorithm), ERR_INVALID_X509_TIME_TYPE,
+ * ERR_TRUST_LIST_DATES or ERR_NOT_FOUNDED (no certificate is named), those of verify_ctlSignedData, or of the list. */
+VELPKI_API int add_TRUST_ANCHORS_from_CTL_strict(TRUST_ANCHORS *anchors, P7_CONTENT_INFO *ctl_message,
+                                                 X509_CERT *signer, const X509_TIME *time) VELPKI_NOEXCEPT;
 
 /* build_certPath looks for a path from `cert` to a trust anchor among the certificates of `pool` and gives a new STACK
  * of copies, released with free_X509_CERTIFICATES, in the order that validate_certpath takes: `cert` first, and last

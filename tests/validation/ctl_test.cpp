@@ -155,4 +155,32 @@ TEST(TrustList, CertificatesBecomeAnchorsAllOrNone) {
   EXPECT_EQ(certificates->count, carried->count);
 }
 
+TEST(TrustList, StrictlyOnlyWhatATrustedListNames) {
+  VELPKI_NEED_VECTORS("../reference/korean_vectors.json", file);
+  const Json samples = read_json(file)["ctl"];
+  const Message message = message_in(samples.items[0]);
+  const Certificate signer = signer_in(samples.items[0]), stranger = signer_in(samples.items[0]);
+  const Number serial = number("7777");
+  set_X509_serial(stranger.get(), serial.get());
+  const Anchors anchors(new_TRUST_ANCHORS());
+  const auto add = [&](X509_CERT *by, const char *at) {
+    return add_TRUST_ANCHORS_from_CTL_strict(anchors.get(), message.get(), by, at ? time_of(at).get() : nullptr);
+  };
+  EXPECT_EQ(add(nullptr, nullptr), F_ADD_TRUSTLIST | 0x49);
+  EXPECT_EQ(add(stranger.get(), nullptr), F_P7_VERIFY | 0x2B);
+  EXPECT_EQ(add(signer.get(), "19991231235959Z"), F_ADD_TRUSTLIST | ERR_TRUST_LIST_DATES);
+  EXPECT_EQ(add(signer.get(), "20500101000001Z"), F_ADD_TRUSTLIST | ERR_TRUST_LIST_DATES);
+  EXPECT_EQ(anchors->count, 0);
+  // The list's own octets are signed, so what is named is changed by changing the certificates beside it.
+  EXPECT_EQ(add(signer.get(), nullptr), 0);
+  const int named = anchors->count;
+  EXPECT_GT(named, 0);
+  add_X509_CERTIFICATES(content_of(message)->certificates, stranger.get());
+  EXPECT_EQ(add(signer.get(), nullptr), 0);
+  EXPECT_EQ(anchors->count, 2 * named);
+  X509_CERTIFICATES *certificates = content_of(message)->certificates;
+  while (certificates->count) free_X509_CERT(static_cast<X509_CERT *>(pop_STACK_value(certificates)));
+  EXPECT_EQ(add(signer.get(), nullptr), F_ADD_TRUSTLIST | ERR_NOT_FOUNDED);
+}
+
 }  // namespace
