@@ -203,8 +203,8 @@ VELPKI_API X509_REVOKED *find_X509_CRL_revoked(const X509_CRL *crl, const BIGINT
 VELPKI_API int check_X509_CRL_revocation_strict(const X509_CRL *crl, const X509_CERT *cert, const X509_CERT *issuer,
                                                 const X509_TIME *time, X509_REVOKED **entry) VELPKI_NOEXCEPT;
 
-/* print_X509_CRL writes a CRL to standard output: issuer, dates, the number of entries and the first twenty of them, and
- * which extensions it has. Octets that a terminal would act on are made visible. */
+/* print_X509_CRL writes a CRL to standard output: issuer, dates, the number of entries and the first twenty of them,
+ * and which extensions it has. Octets that a terminal would act on are made visible. */
 VELPKI_API void print_X509_CRL(const X509_CRL *crl) VELPKI_NOEXCEPT;
 
 /* Readers and writers. Label: "X509 CRL". See asn1_io.h for results. */
