@@ -32,19 +32,12 @@ bool read_ca(Cursor &in, int &ca) noexcept {
   return !in.rules().standard || flag.content.size() == 1 || in.stop(Read::malformed);
 }
 
-// The value of a length, INT_MAX for everything above.
-int saturated(Octets content) noexcept {
-  int64_t value = 0;
-  for (const uint8_t octet : content) value = std::min(value << 8 | octet, int64_t(INT_MAX));
-  return int(value);
-}
-
 bool read_path_length(Cursor &in, int *&out) noexcept {
   Tlv number;
   if (!in.next(TYPE_INTEGER, number)) return false;
   const bool negative = in.rules().standard && !number.content.empty() && number.content[0] & 0x80;
   if (number.content.empty() || negative) return in.stop(Read::malformed);
-  const int value = saturated(number.content);
+  const int value = saturated_number(number.content);
   return in.made(out = Flat<int>::copy(&value));
 }
 

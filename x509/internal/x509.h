@@ -134,6 +134,15 @@ void write_known_curve(std::string_view name, DerWriter &out) noexcept;
 // The provider's cipher of an algorithm, 0 when it is none that encrypts content.
 int content_cipher_id(const X509_ALGO_IDENTIFIER *algorithm) noexcept;
 
+// The value of an INTEGER's content taken without a sign, INT_MAX for everything above: a larger number must not wrap
+// around into another.
+inline int saturated_number(Octets content) noexcept {
+  int64_t value = 0;
+  for (const uint8_t octet : content)
+    if ((value = value << 8 | octet) > INT_MAX) return INT_MAX;
+  return int(value);
+}
+
 // An OID of a registry row as a new record.
 inline owned<OBJECT_IDENTIFIER> oid_of_row(int index) noexcept {
   return owned<OBJECT_IDENTIFIER>(index_to_OBJECT_IDENTIFIER(index));
