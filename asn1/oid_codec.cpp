@@ -12,16 +12,6 @@ namespace {
 
 constexpr int64_t kLargestArc = 2147483647;
 
-// Decimal digits of `value` at the end of `room`; the text.
-std::string_view decimal(uint64_t value, char (&room)[20]) noexcept {
-  size_t at = sizeof room;
-  do {
-    room[--at] = char('0' + value % 10);
-    value /= 10;
-  } while (value);
-  return {room + at, sizeof room - at};
-}
-
 // Takes one subidentifier off the front of `content`; false when it is unfinished or above 2147483647.
 bool take_subidentifier(Octets &content, uint32_t &value) noexcept {
   uint64_t sum = 0;
@@ -40,15 +30,17 @@ bool take_subidentifier(Octets &content, uint32_t &value) noexcept {
 struct Text {
   char (&room)[kOidTextRoom];
   size_t length = 0;
-  bool append(std::string_view piece) noexcept {
-    if (piece.size() >= kOidTextRoom - length) return false;
-    std::memcpy(room + length, piece.data(), piece.size());
-    length += piece.size();
+  bool append(char c) noexcept {
+    if (length + 1 >= kOidTextRoom) return false;
+    room[length++] = c;
     return true;
   }
   bool append_number(uint32_t value) noexcept {
-    char digits[20];
-    return append(decimal(value, digits));
+    size_t digits = 1;
+    for (uint32_t rest = value / 10; rest; rest /= 10) ++digits;
+    if (digits >= kOidTextRoom - length) return false;
+    for (size_t at = length += digits; digits-- > 0; value /= 10) room[--at] = char('0' + value % 10);
+    return true;
   }
 };
 
@@ -59,11 +51,11 @@ size_t oid_text(Octets content, char (&out)[kOidTextRoom]) noexcept {
   uint32_t value;
   if (!take_subidentifier(content, value)) return 0;
   const uint32_t first = std::min(value / 40, 2u);
-  if (!text.append_number(first) || !text.append(".") || !text.append_number(value - 40 * first)) return 0;
-  if (!text.append(".")) return 0;
+  if (!text.append_number(first) || !text.append('.') || !text.append_number(value - 40 * first)) return 0;
+  if (!text.append('.')) return 0;
   while (!content.empty()) {
     if (!take_subidentifier(content, value) || !text.append_number(value)) return 0;
-    if (!content.empty() && !text.append(".")) return 0;
+    if (!content.empty() && !text.append('.')) return 0;
   }
   return text.length;
 }
