@@ -3,6 +3,8 @@
 
 #include <velpki/cpv_validate.h>
 
+#include <atomic>
+
 #include "samples.h"
 
 namespace test {
@@ -72,11 +74,11 @@ inline Bytes name_of(const std::string &text) {
   return TLV(0x30, TLV(0x31, TLV(0x30, TLV(0x06, "550403") + TLV(0x0C, Bytes(text.begin(), text.end())))));
 }
 inline Certificate make_certificate(const Made &made) {
-  static int serial = 0;
+  static std::atomic<int> count{0};  // tests make certificates in several threads
   const Bytes algorithm = TLV(0x30, "06092a864886f70d01010b0500");
   const Bytes spki = TLV(0x30, TLV(0x30, "06092a864886f70d0101010500") + TLV(0x03, "00300602010b020103"));
   const Bytes dates = TLV(0x30, TLV(0x17, "3230303130313030303030305a") + TLV(0x17, made.until));
-  ++serial;
+  const int serial = ++count;
   const Bytes number{uint8_t(1 + (serial >> 8) % 100), uint8_t(serial)};
   const Bytes tail = made.extended ? TLV(0xA3, TLV(0x30, made.extensions)) : Bytes();
   const Bytes tbs = TLV(0x30, TLV(0xA0, "020102") + TLV(0x02, number) + algorithm + name_of(made.issuer) + dates +
