@@ -18,11 +18,7 @@ constexpr ContentType kTypes[] = {
 
 }  // namespace
 
-const ContentType *cms_content_type(int row) noexcept {
-  for (const ContentType &each : kTypes)
-    if (each.row == row) return &each;
-  return nullptr;
-}
+const ContentType *cms_content_type(int row) noexcept { return find_type(kTypes, row); }
 
 BIGINT **version_of(const CMS_CONTENT_INFO &cms) noexcept {
   switch (cms.content ? cms.kind : 0) {
@@ -41,29 +37,7 @@ BIGINT **version_of(const CMS_CONTENT_INFO &cms) noexcept {
   }
 }
 
-void drop_content(CMS_CONTENT_INFO &cms) noexcept {
-  if (const ContentType *type = cms_content_type(cms.kind); type && cms.content) type->release(cms.content);
-  cms.content = nullptr;
-  cms.kind = 0;
-}
-
-namespace {
-
-// content [0] EXPLICIT ANY DEFINED BY contentType OPTIONAL
-void read_content(MessageReader &in, const ContentType &type, CMS_CONTENT_INFO &out) noexcept {
-  while (in.at_optional(tag::explicit_context(0), out.content)) {
-    Tlv wrapper;
-    drop_content(out);
-    if (!in.next(wrapper)) return;
-    MessageReader inside(wrapper);
-    out.kind = type.row;
-    type.read(inside, out.content);
-    inside.end();
-    if (!in.join(inside)) return;
-  }
-}
-
-}  // namespace
+void drop_content(CMS_CONTENT_INFO &cms) noexcept { release_content(cms, cms_content_type(cms.kind)); }
 
 // ContentInfo ::= SEQUENCE { contentType OBJECT IDENTIFIER, content [0] EXPLICIT ANY DEFINED BY contentType }
 int decode(const Tlv &tlv, CMS_CONTENT_INFO &out) noexcept {
@@ -77,15 +51,8 @@ int decode(const Tlv &tlv, CMS_CONTENT_INFO &out) noexcept {
 }
 
 int encode(const CMS_CONTENT_INFO &info, DerWriter &out) noexcept {
-  const auto sequence = out.sequence();
-  out.oid(info.contentType);
-  if (!info.content) return 0;
-  const ContentType *type = cms_content_type(info.kind);
-  if (!type || index_from_OBJECT_IDENTIFIER(info.contentType) != info.kind) {
-    return fail(F_CMS_CONTENT_INFO_TO_SEQ, ERR_ASN1_ENCODING);
-  }
-  const auto wrapper = out.explicit_context(0);
-  return type->write(info.content, out);
+  return write_content_info(info, index_from_OBJECT_IDENTIFIER(info.contentType), cms_content_type(info.kind),
+                            F_CMS_CONTENT_INFO_TO_SEQ, out);
 }
 
 namespace {

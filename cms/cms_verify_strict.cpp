@@ -12,8 +12,6 @@ constexpr int failure(int reason) noexcept { return fail(F_VERIFY_CMS, reason); 
 // What all signers of a message share.
 struct Task {
   const CMS_SIGNED_DATA &data;
-  const X509_CERT *chosen;
-  const X509_CERTIFICATES *more;
   ContentDigests &digests;
   bool weak_allowed;
 };
@@ -34,14 +32,6 @@ bool is_named_by(const X509_CERT *cert, const CMS_SIGNER_INFO &signer) noexcept 
   return name && is_named(*cert, received_name(signer), name->issuer, name->serialNumber);
 }
 
-const X509_CERT *find_certificate_of(const CMS_SIGNER_INFO &signer, const Task &task) noexcept {
-  if (task.chosen) return task.chosen;
-  for (const STACK *list : {static_cast<const STACK *>(task.data.certificates), task.more})
-    for (const X509_CERT *cert : elements<X509_CERT>(list))
-      if (is_named_by(cert, signer)) return cert;
-  return nullptr;
-}
-
 int verify_one(const CMS_SIGNER_INFO &signer, const Task &task, const X509_CERT *cert) noexcept {
   const X509_PUBKEY *key = get_X509_SPKI(cert);
   if (!key) return failure(ERR_NO_SIGNER_CERTIFICATE);
@@ -52,20 +42,6 @@ int verify_one(const CMS_SIGNER_INFO &signer, const Task &task, const X509_CERT 
   const StrictSigner strict{attributes.written(), signer.digestAlgorithm, signer.signatureAlgorithm, signer.signature};
   return verify_signer_strict(strict, task.data.encapContentInfo->eContentType, *key, task.weak_allowed, task.digests,
                               F_VERIFY_CMS);
-}
-
-int verify_all(const Task &task, Reports<CMS_SIGNER_REPORT> reports) noexcept {
-  int verified = 0, first = 0;
-  for (const CMS_SIGNER_INFO *signer : elements<CMS_SIGNER_INFO>(task.data.signerInfos)) {
-    if (!signer || (task.chosen && !is_named_by(task.chosen, *signer))) continue;
-    const X509_CERT *cert = find_certificate_of(*signer, task);
-    const int code = verify_one(*signer, task, cert);
-    reports.add({signer, cert, digest_id_of(signer->digestAlgorithm), code});
-    if (!first) first = code;
-    ++verified;
-    if (first && !reports.wants_more()) break;  // a stranger's message may have very many
-  }
-  return verified ? first : failure(kBadValue);
 }
 
 }  // namespace
@@ -92,5 +68,7 @@ int verify_CMS_strict(const CMS_CONTENT_INFO *cms, const X509_CERT *cert, const 
   if (!info->eContent && !data) return failure(ERR_NO_CONTENT);
   if (info->eContent && data && !equal_octets(octets(*info->eContent), given)) return failure(ERR_CONTENT_MISMATCH);
   ContentDigests digests(info->eContent ? octets(*info->eContent) : given);
-  return verify_all({content, cert, more, digests, bool(flags & CMS_ALLOW_WEAK_DIGESTS)}, made);
+  const Task task{content, digests, bool(flags & CMS_ALLOW_WEAK_DIGESTS)};
+  return verify_each<CMS_SIGNER_INFO>(content.signerInfos, {cert, content.certificates, more}, task, made, F_VERIFY_CMS,
+                                      is_named_by, verify_one);
 }

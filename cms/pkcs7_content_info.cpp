@@ -36,11 +36,7 @@ int kind_of(const OBJECT_IDENTIFIER *type) noexcept {
 
 }  // namespace
 
-const ContentType *content_type(int row) noexcept {
-  for (const ContentType &each : kTypes)
-    if (each.row == row) return &each;
-  return nullptr;
-}
+const ContentType *content_type(int row) noexcept { return find_type(kTypes, row); }
 
 BIGINT **version_of(const P7_CONTENT_INFO &p7) noexcept {
   switch (p7.content ? p7.kind : 0) {
@@ -59,29 +55,7 @@ BIGINT **version_of(const P7_CONTENT_INFO &p7) noexcept {
   }
 }
 
-void drop_content(P7_CONTENT_INFO &p7) noexcept {
-  if (const ContentType *type = content_type(p7.kind); type && p7.content) type->release(p7.content);
-  p7.content = nullptr;
-  p7.kind = 0;
-}
-
-namespace {
-
-// content [0] EXPLICIT ANY DEFINED BY contentType OPTIONAL
-void read_content(MessageReader &in, const ContentType &type, P7_CONTENT_INFO &out) noexcept {
-  while (in.at_optional(tag::explicit_context(0), out.content)) {
-    Tlv wrapper;
-    drop_content(out);
-    if (!in.next(wrapper)) return;
-    MessageReader inside(wrapper);
-    out.kind = type.row;
-    type.read(inside, out.content);
-    inside.end();
-    if (!in.join(inside)) return;
-  }
-}
-
-}  // namespace
+void drop_content(P7_CONTENT_INFO &p7) noexcept { release_content(p7, content_type(p7.kind)); }
 
 // ContentInfo ::= SEQUENCE { contentType OBJECT IDENTIFIER, content [0] EXPLICIT ANY DEFINED BY contentType OPTIONAL }
 int decode(const Tlv &tlv, P7_CONTENT_INFO &out) noexcept {
@@ -95,15 +69,7 @@ int decode(const Tlv &tlv, P7_CONTENT_INFO &out) noexcept {
 }
 
 int encode(const P7_CONTENT_INFO &info, DerWriter &out) noexcept {
-  const auto sequence = out.sequence();
-  out.oid(info.contentType);
-  if (!info.content) return 0;
-  const ContentType *type = content_type(info.kind);
-  if (!type || kind_of(info.contentType) != info.kind) {
-    return fail(F_P7_CONTENT_INFO_TO_SEQ, ERR_ASN1_ENCODING);
-  }
-  const auto wrapper = out.explicit_context(0);
-  return type->write(info.content, out);
+  return write_content_info(info, kind_of(info.contentType), content_type(info.kind), F_P7_CONTENT_INFO_TO_SEQ, out);
 }
 
 int MessageContent::load(const P7_CONTENT_INFO &p7) noexcept {

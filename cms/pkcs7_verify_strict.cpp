@@ -13,8 +13,6 @@ constexpr int failure(int reason) noexcept { return fail(F_P7_VERIFY, reason); }
 // What all signers of a message share.
 struct Task {
   const P7_CONTENT_INFO &p7;
-  const X509_CERT *chosen;
-  const X509_CERTIFICATES *more;
   const OBJECT_IDENTIFIER *content_type;
   const OBJECT_IDENTIFIER *bare_type;  // the type that a signer without attributes is taken to sign
   ContentDigests &digests;
@@ -33,14 +31,6 @@ Octets received_name(const P7_SIGNER_INFO &signer) noexcept {
 bool is_named_by(const X509_CERT *cert, const P7_SIGNER_INFO &signer) noexcept {
   const P7_ISSUER_AND_SERIAL_NUMBER *name = signer.issuerAndSerialNumber;
   return cert && name && is_named(*cert, received_name(signer), name->issuer, name->serialNumber);
-}
-
-const X509_CERT *find_certificate_of(const P7_SIGNER_INFO &signer, const Task &task) noexcept {
-  if (task.chosen) return task.chosen;
-  for (const STACK *list : {static_cast<const STACK *>(certificates_of(&task.p7)), task.more})
-    for (const X509_CERT *cert : elements<X509_CERT>(list))
-      if (is_named_by(cert, signer)) return cert;
-  return nullptr;
 }
 
 // The signer's signature out of the cipher that it may be in.
@@ -72,18 +62,10 @@ int verify_one(const P7_SIGNER_INFO &signer, const Task &task, const X509_CERT *
   return verify_signer_strict(strict, type, *key, task.weak_allowed, task.digests, F_P7_VERIFY);
 }
 
-int verify_all(const Task &task, Reports<P7_SIGNER_REPORT> reports) noexcept {
-  int verified = 0, first = 0;
-  for (const P7_SIGNER_INFO *signer : elements<P7_SIGNER_INFO>(signer_infos(&task.p7))) {
-    if (!signer || (task.chosen && !is_named_by(task.chosen, *signer))) continue;
-    const X509_CERT *cert = find_certificate_of(*signer, task);
-    const int code = verify_one(*signer, task, cert);
-    reports.add({signer, cert, digest_id_of(signer->digestAlgorithm), code});
-    if (!first) first = code;
-    ++verified;
-    if (first && !reports.wants_more()) break;  // a stranger's message may have very many
-  }
-  return verified ? first : failure(kBadValue);
+int verify_all(const Task &task, const X509_CERT *chosen, const X509_CERTIFICATES *more,
+               Reports<P7_SIGNER_REPORT> &reports) noexcept {
+  return verify_each<P7_SIGNER_INFO>(signer_infos(&task.p7), {chosen, certificates_of(&task.p7), more}, task, reports,
+                                     F_P7_VERIFY, is_named_by, verify_one);
 }
 
 }  // namespace
@@ -94,8 +76,8 @@ int verify_sealed(const P7_CONTENT_INFO &p7, const X509_CERTIFICATES *more, Octe
   const owned<OBJECT_IDENTIFIER> type = oid_of_row(PKCS7_DATA);
   if (!type) return failure(kNoMemory);
   const bool weak_allowed = flags & PKCS7_ALLOW_WEAK_DIGESTS;
-  return verify_all({p7, nullptr, more, type.get(), type.get(), digests, weak_allowed, &cipher},
-                    Reports<P7_SIGNER_REPORT>(nullptr, nullptr));
+  Reports<P7_SIGNER_REPORT> none(nullptr, nullptr);
+  return verify_all({p7, type.get(), type.get(), digests, weak_allowed, &cipher}, nullptr, more, none);
 }
 
 }  // namespace velpki
@@ -120,5 +102,5 @@ int verify_PKCS7_strict(const P7_CONTENT_INFO *p7, const X509_CERT *cert, const 
   if (!data_type) return failure(kNoMemory);
   const OBJECT_IDENTIFIER *type = signed_content ? signed_content->contentInfo->contentType : data_type.get();
   const OBJECT_IDENTIFIER *bare_type = flags & PKCS7_ALLOW_BARE_SIGNERS ? data_type.get() : type;
-  return verify_all({*p7, cert, more, type, bare_type, digests, bool(flags & PKCS7_ALLOW_WEAK_DIGESTS)}, made);
+  return verify_all({*p7, type, bare_type, digests, bool(flags & PKCS7_ALLOW_WEAK_DIGESTS)}, cert, more, made);
 }

@@ -62,22 +62,23 @@ int verify_rsa_pss(const Task &task) noexcept {
                                int(task.tbs.size()), task.signature.data(), int(task.signature.size()));
 }
 
-int verify_ecdsa(const Task &task) noexcept {
-  const ECC_UNIT *key = ASYMMETRIC_KEY_to_ECC_UNIT(task.signer.key);
+// A signature of two halves, under a key of one kind.
+template <class Unit>
+int verify_halves(const Task &task, const Unit *key, bool (*read)(Octets, SignatureHalves &) noexcept,
+                  int (*verify)(const Unit *, int, const unsigned char *, int, const unsigned char *, int,
+                                const unsigned char *, int) noexcept) noexcept {
   if (!key) return wrong_key(task);
   SignatureHalves halves;
-  if (!read_ecdsa_value(task.signature, halves)) return task.failure(ERR_ASN1_DECODING);
-  return PKV_ECDSA_VERIFY(key, task.digest_id, task.tbs.data(), int(task.tbs.size()), halves.r.data(),
-                          int(halves.r.size()), halves.s.data(), int(halves.s.size()));
+  if (!read(task.signature, halves)) return task.failure(ERR_ASN1_DECODING);
+  return verify(key, task.digest_id, task.tbs.data(), int(task.tbs.size()), halves.r.data(), int(halves.r.size()),
+                halves.s.data(), int(halves.s.size()));
 }
-
+int verify_ecdsa(const Task &task) noexcept {
+  return verify_halves<ECC_UNIT>(task, ASYMMETRIC_KEY_to_ECC_UNIT(task.signer.key), read_ecdsa_value, PKV_ECDSA_VERIFY);
+}
 int verify_kcdsa_value(const Task &task) noexcept {
-  const KCDSA_UNIT *key = ASYMMETRIC_KEY_to_KCDSA_UNIT(task.signer.key);
-  if (!key) return wrong_key(task);
-  SignatureHalves halves;
-  if (!read_kcdsa_value(task.signature, halves)) return task.failure(ERR_ASN1_DECODING);
-  return PKV_KCDSA_VERIFY(key, task.digest_id, task.tbs.data(), int(task.tbs.size()), halves.r.data(),
-                          int(halves.r.size()), halves.s.data(), int(halves.s.size()));
+  return verify_halves<KCDSA_UNIT>(task, ASYMMETRIC_KEY_to_KCDSA_UNIT(task.signer.key), read_kcdsa_value,
+                                   PKV_KCDSA_VERIFY);
 }
 
 int verify_ed25519(const Task &task) noexcept {

@@ -111,11 +111,6 @@ inline int write_attributes(const X509_ATTRIBUTES *attributes, int n, DerWriter 
   return has_elements(attributes) ? encode_attributes(*attributes, out, tag::explicit_context(n)) : 0;
 }
 
-// The content of a message that is of the type of registry row `kind`; null for another type and without content.
-template <class R>
-R *content_of(const CMS_CONTENT_INFO *cms, int kind) noexcept {
-  return cms && cms->kind == kind ? static_cast<R *>(cms->content) : nullptr;
-}
 inline CMS_SIGNED_DATA *signed_data(const CMS_CONTENT_INFO *cms) noexcept {
   return content_of<CMS_SIGNED_DATA>(cms, CMS_TYPE_SIGNED_DATA);
 }

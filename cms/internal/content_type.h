@@ -44,6 +44,45 @@ constexpr ContentType record_type(int row, int version) noexcept {
           [](const void *content, DerWriter &out) noexcept { return encode(*static_cast<const R *>(content), out); }};
 }
 
+template <size_t n>
+const ContentType *find_type(const ContentType (&table)[n], int row) noexcept {
+  for (const ContentType &each : table)
+    if (each.row == row) return &each;
+  return nullptr;
+}
+
+// P7_CONTENT_INFO and CMS_CONTENT_INFO have the same members, and one ContentInfo. `type` is that of what is held.
+template <class M>
+void release_content(M &message, const ContentType *type) noexcept {
+  if (type && message.content) type->release(message.content);
+  message.content = nullptr;
+  message.kind = 0;
+}
+// content [0] EXPLICIT ANY DEFINED BY contentType OPTIONAL
+template <class M>
+void read_content(MessageReader &in, const ContentType &type, M &out) noexcept {
+  while (in.at_optional(tag::explicit_context(0), out.content)) {
+    Tlv wrapper;
+    release_content(out, &type);
+    if (!in.next(wrapper)) return;
+    MessageReader inside(wrapper);
+    out.kind = type.row;
+    type.read(inside, out.content);
+    inside.end();
+    if (!in.join(inside)) return;
+  }
+}
+// `named` is the kind that the message's contentType means.
+template <class M>
+int write_content_info(const M &message, int named, const ContentType *type, int function, DerWriter &out) noexcept {
+  const auto sequence = out.sequence();
+  out.oid(message.contentType);
+  if (!message.content) return 0;
+  if (!type || named != message.kind) return fail(function, ERR_ASN1_ENCODING);
+  const auto wrapper = out.explicit_context(0);
+  return type->write(message.content, out);
+}
+
 // Null for a row that is no content type of PKCS#7, or of CMS.
 const ContentType *content_type(int row) noexcept;
 const ContentType *cms_content_type(int row) noexcept;

@@ -54,10 +54,11 @@ int encode(const P7_DIGEST_INFO &info, DerWriter &out) noexcept;
 int decode(const Tlv &tlv, P7_CONTENT_INFO &out) noexcept;
 int encode(const P7_CONTENT_INFO &info, DerWriter &out) noexcept;
 
-// The content of a message that is of the type of registry row `kind`; null for another type and without content.
-template <class R>
-R *content_of(const P7_CONTENT_INFO *p7, int kind) noexcept {
-  return p7 && p7->kind == kind ? static_cast<R *>(p7->content) : nullptr;
+// The content of a message, P7_ or CMS_CONTENT_INFO, that is of the type of registry row `kind`; null for another type
+// and without content.
+template <class R, class M>
+R *content_of(const M *message, int kind) noexcept {
+  return message && message->kind == kind ? static_cast<R *>(message->content) : nullptr;
 }
 inline P7_SIGNED_DATA *signed_data(const P7_CONTENT_INFO *p7) noexcept {
   return content_of<P7_SIGNED_DATA>(p7, PKCS7_SIGNED_DATA);

@@ -48,6 +48,38 @@ class Reports {
   int room_ = 0;
 };
 
+// Where the certificates of a message's signers are: a chosen one, else those of the message and more. Lent.
+struct SignerCertificates {
+  const X509_CERT *chosen;
+  const STACK *own, *more;
+};
+
+// Verifies every signer, or with a chosen certificate those that it is named by, and reports each. The first failure,
+// or `function` with 2B when there was none to verify. `task` holds what all signers share.
+template <class Signer, class Report, class Task>
+int verify_each(const STACK *signers, const SignerCertificates &certificates, const Task &task,
+                Reports<Report> &reports, int function, bool (*is_named_by)(const X509_CERT *, const Signer &) noexcept,
+                int (*verify)(const Signer &, const Task &, const X509_CERT *) noexcept) noexcept {
+  const auto find = [&](const Signer &signer) noexcept -> const X509_CERT * {
+    if (certificates.chosen) return certificates.chosen;
+    for (const STACK *list : {certificates.own, certificates.more})
+      for (const X509_CERT *cert : elements<X509_CERT>(list))
+        if (is_named_by(cert, signer)) return cert;
+    return nullptr;
+  };
+  int verified = 0, first = 0;
+  for (const Signer *signer : elements<Signer>(signers)) {
+    if (!signer || (certificates.chosen && !is_named_by(certificates.chosen, *signer))) continue;
+    const X509_CERT *cert = find(*signer);
+    const int code = verify(*signer, task, cert);
+    reports.add({signer, cert, digest_id_of(signer->digestAlgorithm), code});
+    if (!first) first = code;
+    ++verified;
+    if (first && !reports.wants_more()) break;  // a stranger's message may have very many
+  }
+  return verified ? first : fail(function, kBadValue);
+}
+
 // Whether two runs of octets are equal.
 inline bool equal_octets(Octets a, Octets b) noexcept {
   return a.size() == b.size() && (a.empty() || std::memcmp(a.data(), b.data(), a.size()) == 0);
