@@ -47,6 +47,28 @@ VELPKI_BEGIN
  * first only. An empty path is decided by the user's set alone. */
 VELPKI_API int validate_certpath(STACK *certs, STACK *user_initial_policy_set, node_LIST **tree) VELPKI_NOEXCEPT;
 
+/** What validation after RFC 5280 is asked for. All zero means: now, any policy, nothing about revocation. Everything
+ * that is pointed to stays the caller's. */
+typedef struct {
+  const X509_TIME *time;                /**< null: the present */
+  const STACK *user_initial_policy_set; /**< of OBJECT_IDENTIFIER, not consumed; null or empty: any policy */
+  int initial_explicit_policy;          /**< 1: the path must be valid for some policy (RFC 5280 6.1.1 f) */
+  int initial_policy_mapping_inhibit;   /**< 1: policies are not mapped (e) */
+  int initial_any_policy_inhibit;       /**< 1: anyPolicy counts for nothing (g) */
+  int max_length;                       /**< certificates of a path without its anchor; 0: a bound of the library's */
+  int key_usage;                        /**< a KEY_USAGE_ that the first certificate must allow; -1: any */
+  const OBJECT_IDENTIFIER *extended_key_usage; /**< a purpose that the path must be good for; null: any */
+  const STACK *crls;                           /**< of X509_CRL */
+  const STACK *pool;                           /**< of X509_CERT, which may have signed revocation lists */
+  int flags;                                   /**< of CERTPATH_ */
+} CERTPATH_SETTINGS;
+
+enum {
+  CERTPATH_CHECK_REVOCATION = 1,            /**< of every certificate, by the lists of the settings */
+  CERTPATH_CHECK_REVOCATION_END_ENTITY = 2, /**< of the first certificate only */
+  CERTPATH_ALLOW_WEAK_DIGESTS = 4           /**< signatures over digests of less than 28 octets */
+};
+
 VELPKI_END
 
 #endif

@@ -1,0 +1,26 @@
+// Path validation after RFC 5280: what its halves, the path (6.1) and revocation (6.3), ask of each other.
+#pragma once
+
+#include <velpki/cpv_validate.h>
+
+#include <span>
+
+namespace velpki {
+
+// A path whose certificates have been verified, the end entity first. The last one was issued by the anchor.
+struct VerifiedPath {
+  std::span<const X509_CERT *const> certs;
+  const TRUST_ANCHOR &anchor;
+  const CERTPATH_SETTINGS &settings;
+  bool of_list_signer;  // another validation asks for it, because its end entity signed a revocation list
+};
+
+// 0 when the lists of the settings say that the certificate is not revoked, for every reason that there is.
+int check_path_revocation(const VerifiedPath &path, int index) noexcept;
+
+// 0 when a path leads from the signer of a list to the anchor, through certificates of the path and of the pool.
+// Policies, usage and purpose are not asked for; revocation is, once: of a path that is of a list signer itself,
+// nothing.
+int verify_list_signer(const X509_CERT &signer, const VerifiedPath &path) noexcept;
+
+}  // namespace velpki
