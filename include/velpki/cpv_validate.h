@@ -1,4 +1,9 @@
-/* velpki/cpv_validate.h: validation of a certification path. Conventions: docs/conventions.md. */
+/** @file velpki/cpv_validate.h
+ * Validation of a certification path, by the rules of the house.
+ *
+ * Read cpv.h first: trust anchors, settings, the tree that comes out, and building the path that goes in. The walk
+ * takes its terms from RFC 5280 section 6 and does a part of it; what it leaves out stands in the warnings below and in
+ * docs/validation.md. */
 #ifndef VELPKI_CPV_VALIDATE_H
 #define VELPKI_CPV_VALIDATE_H
 
@@ -6,9 +11,9 @@
 
 VELPKI_BEGIN
 
-/* validate_certpath validates a path, the end entity at index 0 and a self-issued certificate last, and gives the valid
- * policy tree: its levels as they are left, null where none is. 0 for a valid path. Validations may run at the same
- * time in several threads, on different paths, policy sets and trees.
+/** Validates a path, the end entity at index 0 and a self-issued certificate last, and gives the valid policy tree: its
+ * levels as they are left, null where none is. 0 for a valid path. Validations may run at the same time in several
+ * threads, on different paths, policy sets and trees.
  *
  * From the last certificate to the first: a self-issued one (equal issuer and subject) must verify with its own key.
  * Any other must verify with the key of the one before, be valid now and have its subject as issuer; its certificate
@@ -17,9 +22,9 @@ VELPKI_BEGIN
  * `user_initial_policy_set` (null: all), and what has no children goes.
  *
  * `*tree` null: a tree is made; on failure it stays null. Not null: that tree is extended, its first level being the
- * root; on failure it stays the caller's, whole, but null where the end left no level of it.
- * `user_initial_policy_set` loses its elements, which are released, when the walk along the path succeeds, whatever
- * comes after; the STACK stays. When the walk fails it is untouched.
+ * root; on failure it stays the caller's, whole, but null where the end left no level of it. It is released with
+ * free_node_LIST. `user_initial_policy_set`, a list of OBJECT_IDENTIFIER, loses its elements, which are released, when
+ * the walk along the path succeeds, whatever comes after; the STACK stays. When the walk fails it is untouched.
  *
  * Codes: F_VALIDATE_CERTPATH with 49 (null, also for an element), 3C or ERR_INVALID_VALID_POLICY_TREE (an explicit
  * policy is required and nothing is left); for a self-issued certificate those of verify_SIG_X509_CERT; those of
@@ -63,6 +68,7 @@ typedef struct {
   int flags;                                   /**< of CERTPATH_ */
 } CERTPATH_SETTINGS;
 
+/** Flags of CERTPATH_SETTINGS, which may be combined. */
 enum {
   CERTPATH_CHECK_REVOCATION = 1,            /**< of every certificate, by the lists of the settings */
   CERTPATH_CHECK_REVOCATION_END_ENTITY = 2, /**< of the first certificate only */
