@@ -1,7 +1,8 @@
 // What one revocation list says about one certificate (RFC 5280 6.3.3).
+#include "x509/internal/crl_check.h"
+
 #include <velpki/asn1_error.h>
 
-#include "x509/internal/crl.h"
 #include "x509/internal/x509v3.h"
 
 namespace velpki {
@@ -9,8 +10,6 @@ namespace velpki {
 namespace {
 
 constexpr int failure(int reason) noexcept { return fail(kCrlModule, reason); }
-
-constexpr int kRemoveFromCrl = 8;
 
 struct Question {
   const X509_CRL &crl;
@@ -26,8 +25,85 @@ int check_issuer(const Question &asked) noexcept {
   return same ? 0 : failure(ERR_CRL_ISSUER);
 }
 
-int check_key_usage(const Question &asked) noexcept {
-  const X509_EXTENSIONS *list = get_X509_extensions(&asked.issuer);
+int check_key_usage(const Question &asked) noexcept { return check_list_key_usage(asked.issuer); }
+int check_signature(const Question &asked) noexcept {
+  return check_list_signature(asked.crl, get_X509_SPKI(&asked.issuer));
+}
+int check_dates(const Question &asked) noexcept { return check_list_dates(asked.crl, asked.time); }
+
+// Where an extension that is known belongs; null for the others.
+const X509_EXTENSION **place_of(std::string_view oid, ListExtensions &in) noexcept {
+  if (oid == "2.5.29.20") return &in.number;
+  if (oid == "2.5.29.27") return &in.base;
+  if (oid == "2.5.29.28") return &in.scope;
+  if (oid == "2.5.29.35") return &in.authority_key;
+  return nullptr;
+}
+// Of the standard's extensions these two alone may be critical.
+bool may_be_critical(std::string_view oid) noexcept { return oid == "2.5.29.27" || oid == "2.5.29.28"; }
+
+int check_coverage(const Question &asked, Reasons &reasons) noexcept {
+  ListExtensions extensions;
+  if (const int code = find_list_extensions(asked.crl, extensions)) return code;
+  if (extensions.base) return failure(ERR_CRL_DELTA);
+  if (const int fault = entries_fault(asked.crl)) return failure(fault);
+  owned<ISSUING_DIST_POINT> scope;
+  if (const int code = read_scope(extensions, scope)) return code;
+  if (scope && scope->indirectCRL) return failure(ERR_CRL_INDIRECT);
+  return find_coverage(asked.crl, scope.get(), asked.cert, reasons);
+}
+
+int answer(const Question &asked, X509_REVOKED *&entry) noexcept {
+  Reasons reasons = 0;
+  for (const auto check : {check_issuer, check_key_usage, check_signature, check_dates})
+    if (const int code = check(asked)) return code;
+  if (const int code = check_coverage(asked, reasons)) return code;
+  if (const int code = find_listed(asked.crl, asked.cert, entry)) return code;
+  if (entry && takes_back(*entry)) entry = nullptr;
+  if (entry) return failure(ERR_CERT_REVOKED);
+  return reasons == kAllReasons ? 0 : failure(ERR_CRL_REASONS);
+}
+
+}  // namespace
+
+int find_list_extensions(const X509_CRL &crl, ListExtensions &out) noexcept {
+  out = {};
+  for (const X509_EXTENSION *each : elements<X509_EXTENSION>(crl.tbs->extensions)) {
+    const std::string_view oid = each && each->object ? text(*each->object) : std::string_view();
+    if (each && each->critical && !may_be_critical(oid)) return failure(ERR_UNKNOWN_EXTENSION);
+    const X509_EXTENSION **place = place_of(oid, out);
+    if (!place) continue;
+    if (*place) return failure(ERR_DUPLICATE_EXTENSION);
+    *place = each;
+  }
+  return 0;
+}
+
+int read_scope(const ListExtensions &extensions, owned<ISSUING_DIST_POINT> &out) noexcept {
+  if (!extensions.scope) return 0;
+  ISSUING_DIST_POINT *scope = nullptr;
+  const int code = X509_EXTENSION_to_issuing_DIST_POINT_RFC5280(extensions.scope, &scope);
+  out.reset(scope);
+  return code;
+}
+
+int check_list_dates(const X509_CRL &crl, const X509_TIME *time) noexcept {
+  const owned<ASN1_TIME> now = time ? time_of(*time) : owned<ASN1_TIME>(getCurrentLocalTime());
+  if (!now) return failure(time ? ERR_INVALID_X509_TIME_TYPE : kNoMemory);
+  const X509_TIME *from = get_X509_CRL_thisUpdate(&crl), *until = get_X509_CRL_nextUpdate(&crl);
+  const owned<ASN1_TIME> first = from ? standard_time_of(*from) : nullptr;
+  if (!first || cmp_ASN1_TIME(first.get(), now.get()) > 0) return failure(ERR_CRL_THIS_UPDATE);
+  const owned<ASN1_TIME> last = until ? standard_time_of(*until) : nullptr;
+  return last && cmp_ASN1_TIME(last.get(), now.get()) >= 0 ? 0 : failure(ERR_CRL_NEXT_UPDATE);
+}
+
+int check_list_signature(const X509_CRL &crl, const X509_PUBKEY *key) noexcept {
+  if (!crl.kept || !crl.kept->standard) return failure(kBadValue);
+  return verify_SIG_X509_CRL_RFC5280(&crl, key);
+}
+
+int check_list_key_usage(const X509_CERT &signer) noexcept {
+  const X509_EXTENSIONS *list = get_X509_extensions(&signer);
   const int index = get_X509_EXTENSION_index_by_OID_index(list, row::kKeyUsage, -1);
   if (index < 0) return 0;
   BIT_STRING *usage = nullptr;
@@ -35,104 +111,6 @@ int check_key_usage(const Question &asked) noexcept {
   const owned<ASN1_STRING> owner(usage);
   return has_KEY_USAGE(usage, KEY_USAGE_CRL_SIGN) ? 0 : failure(ERR_CRL_SIGN);
 }
-
-int check_signature(const Question &asked) noexcept {
-  if (!asked.crl.kept || !asked.crl.kept->standard) return failure(kBadValue);
-  return verify_SIG_X509_CRL_RFC5280(&asked.crl, get_X509_SPKI(&asked.issuer));
-}
-
-// Both boundaries are inside.
-int check_dates(const Question &asked) noexcept {
-  const owned<ASN1_TIME> now = asked.time ? time_of(*asked.time) : owned<ASN1_TIME>(getCurrentLocalTime());
-  if (!now) return failure(asked.time ? ERR_INVALID_X509_TIME_TYPE : kNoMemory);
-  const X509_TIME *from = get_X509_CRL_thisUpdate(&asked.crl), *until = get_X509_CRL_nextUpdate(&asked.crl);
-  const owned<ASN1_TIME> first = from ? standard_time_of(*from) : nullptr;
-  if (!first || cmp_ASN1_TIME(first.get(), now.get()) > 0) return failure(ERR_CRL_THIS_UPDATE);
-  const owned<ASN1_TIME> last = until ? standard_time_of(*until) : nullptr;
-  return last && cmp_ASN1_TIME(last.get(), now.get()) >= 0 ? 0 : failure(ERR_CRL_NEXT_UPDATE);
-}
-
-bool is_known(std::string_view oid) noexcept {
-  for (const char *known : {"2.5.29.18", "2.5.29.20", "2.5.29.28", "2.5.29.35", "2.5.29.46"})
-    if (oid == known) return true;
-  return false;
-}
-
-// Finds the issuing distribution point on the way.
-int check_extensions(const Question &asked, const X509_EXTENSION *&scope) noexcept {
-  scope = nullptr;
-  for (const X509_EXTENSION *each : elements<X509_EXTENSION>(asked.crl.tbs->extensions)) {
-    const std::string_view oid = each && each->object ? text(*each->object) : std::string_view();
-    if (oid == "2.5.29.27") return failure(ERR_CRL_DELTA);
-    if (each && each->critical && !is_known(oid)) return failure(ERR_UNKNOWN_EXTENSION);
-    if (oid != "2.5.29.28") continue;
-    if (scope) return failure(ERR_DUPLICATE_EXTENSION);
-    scope = each;
-  }
-  return 0;
-}
-
-int check_coverage(const Question &asked, bool &partial) noexcept {
-  const X509_EXTENSION *extension = nullptr;
-  partial = false;
-  if (const int code = check_extensions(asked, extension)) return code;
-  if (const int fault = entries_fault(asked.crl)) return failure(fault);
-  if (!extension) return 0;
-  ISSUING_DIST_POINT *scope = nullptr;
-  if (const int code = X509_EXTENSION_to_issuing_DIST_POINT_RFC5280(extension, &scope)) return code;
-  const owned<ISSUING_DIST_POINT> owner(scope);
-  return check_scope(*scope, asked.crl, asked.cert, partial);
-}
-
-bool is_revocation(const X509_REVOKED &entry) noexcept {
-  return get_X509_REVOKED_CRLreason_strict(&entry) != kRemoveFromCrl;
-}
-
-// An entry that takes back is rare, and another of the same number may not.
-X509_REVOKED *find_revocation(const X509_CRL &crl, const BIGINT *serial) noexcept {
-  X509_REVOKED *found = find_X509_CRL_revoked(&crl, serial);
-  if (!found || is_revocation(*found)) return found;
-  for (X509_REVOKED *each : elements<X509_REVOKED>(crl.tbs->revoked))
-    if (each && PKV_Cmp_BIGINT(each->userCertificate, serial) == 0 && is_revocation(*each)) return each;
-  return nullptr;
-}
-
-// The serial number with its sign, which a certificate that was read in house form has lost.
-owned<BIGINT> signed_serial(const X509_CERT &cert) noexcept {
-  owned<BIGINT> number;
-  Tlv tbs, serial;
-  Rules rules = kStandardRules;
-  if (!cert.received || !Tlv::parse(received_tbs(*cert.received), rules, tbs)) return number;
-  Cursor in(tbs);
-  Tlv skipped;
-  if (in.at(tag::explicit_context(0)) && !in.next(skipped)) return number;
-  BIGINT *read = nullptr;
-  if (in.next(TYPE_INTEGER, serial) && read_integer(serial, read) == Read::ok) number.reset(read);
-  return number;
-}
-
-int look_up(const Question &asked, X509_REVOKED *&entry) noexcept {
-  const BIGINT *serial = get_X509_serial(&asked.cert);
-  if (!serial) return failure(kNullArgument);
-  entry = find_revocation(asked.crl, serial);
-  if (entry || !asked.cert.received) return 0;
-  const owned<BIGINT> with_sign = signed_serial(asked.cert);
-  if (!with_sign) return failure(kNoMemory);
-  if (PKV_Is_BIGINT_Negative(with_sign.get())) entry = find_revocation(asked.crl, with_sign.get());
-  return 0;
-}
-
-int answer(const Question &asked, X509_REVOKED *&entry) noexcept {
-  bool partial = false;
-  for (const auto check : {check_issuer, check_key_usage, check_signature, check_dates})
-    if (const int code = check(asked)) return code;
-  if (const int code = check_coverage(asked, partial)) return code;
-  if (const int code = look_up(asked, entry)) return code;
-  if (entry) return failure(ERR_CERT_REVOKED);
-  return partial ? failure(ERR_CRL_REASONS) : 0;
-}
-
-}  // namespace
 
 }  // namespace velpki
 

@@ -1,7 +1,7 @@
 // Which certificates a revocation list covers (RFC 5280 5.2.5, 6.3.3 b).
 #include <velpki/asn1_error.h>
 
-#include "x509/internal/crl.h"
+#include "x509/internal/crl_check.h"
 #include "x509/internal/x509v3.h"
 
 namespace velpki {
@@ -45,9 +45,10 @@ class PointNames {
   // False when memory is exhausted.
   bool set(const DIST_POINT_NAME &name, const X509_NAME *issuer) noexcept {
     if (name.type == DIST_POINT_NAME_RELATIVE) return name.name && issuer && set_relative(*name.name, *issuer);
-    if (name.name) names_ = {name.name->data, size_t(name.name->count)};
+    if (name.name) set_list(*name.name);
     return true;
   }
+  void set_list(const STACK &names) noexcept { names_ = {names.data, size_t(names.count)}; }
   void set_directory(X509_NAME *name) noexcept {
     one_ = {GENERAL_NAME_DIRECTORY, name};
     names_ = {&slot_, 1};
@@ -105,46 +106,88 @@ int check_kind(const ISSUING_DIST_POINT &scope, const X509_CERT &cert) noexcept 
   return (scope.onlyContainsUserCerts && is_ca) || (scope.onlyContainsCACerts && !is_ca) ? failure(ERR_CRL_SCOPE) : 0;
 }
 
-// A point with a list issuer of its own is for lists that others issue.
-int match_points(const STACK &points, const PointNames &wanted, const X509_NAME *issuer, bool &partial) noexcept {
-  bool some = false;
-  for (const DIST_POINT *point : elements<DIST_POINT>(&points)) {
-    PointNames names;
-    if (!point || !point->distpoint || (point->CRLissuer && point->CRLissuer->count)) continue;
-    if (!names.set(*point->distpoint, issuer)) return failure(kNoMemory);
-    if (!names.has_one_of(wanted)) continue;
-    if (!point->reasons) return 0;
-    some = true;
-  }
-  partial |= some;
-  return some ? 0 : failure(ERR_CRL_SCOPE);
+Reasons reasons_of(const BIT_STRING *flags) noexcept {
+  Reasons found = 0;
+  for (int bit = 1; bit <= 8; ++bit) found |= has_KEY_USAGE(flags, bit) ? 1u << bit : 0;
+  return flags ? found : kAllReasons;
 }
 
-// A certificate without distribution points counts as one with its issuer's name for one.
-int match_certificate(const PointNames &wanted, const X509_CERT &cert, bool &partial) noexcept {
-  X509_NAME *issuer = get_X509_issuer(&cert);
-  const X509_EXTENSION *extension = extension_of(cert, row::kCrlDistributionPoints);
-  if (!extension) {
-    PointNames names;
-    names.set_directory(issuer);
-    return names.has_one_of(wanted) ? 0 : failure(ERR_CRL_SCOPE);
-  }
-  CRL_DIST_POINTS *points = nullptr;
-  if (const int code = X509_EXTENSION_to_CRL_DIST_POINTS_RFC5280(extension, &points)) return code;
-  const std::unique_ptr<STACK, ReleasePoints> owner(points);
-  return match_points(*points, wanted, issuer, partial);
+bool is_among(const X509_NAME *name, const GENERAL_NAMES *names) noexcept {
+  for (const GENERAL_NAME *each : elements<GENERAL_NAME>(names))
+    if (each && each->type == GENERAL_NAME_DIRECTORY &&
+        cmp_X509_NAME_RFC5280(static_cast<const X509_NAME *>(each->value), name) == 0)
+      return true;
+  return false;
 }
+
+// What a list stands for, and the reasons for which points of a certificate have it.
+class Coverage {
+ public:
+  Coverage(const X509_CRL &crl, const ISSUING_DIST_POINT *scope, const X509_CERT &cert) noexcept
+      : scope_(scope), issuer_(get_X509_CRL_issuer(&crl)), cert_issuer_(get_X509_issuer(&cert)) {
+    direct_ = cmp_X509_NAME_RFC5280(issuer_, cert_issuer_) == 0;
+  }
+
+  int run(const X509_CERT &cert, Reasons &out) noexcept {
+    if (!direct_ && !(scope_ && scope_->indirectCRL)) return failure(ERR_CRL_ISSUER);
+    if (scope_ && scope_->distpoint && !names_.set(*scope_->distpoint, issuer_)) return failure(kNoMemory);
+    if (direct_) add_point_of_issuer();
+    if (const int code = add_points(cert)) return code;
+    out = found_ & reasons_of(scope_ ? scope_->onlySomeReasons : nullptr);
+    return found_ ? 0 : failure(ERR_CRL_SCOPE);
+  }
+
+ private:
+  bool any_point() const noexcept { return !scope_ || !scope_->distpoint; }
+
+  // Besides its own points a certificate has one that is its issuer's name (RFC 5280 6.3.3, at the end).
+  void add_point_of_issuer() noexcept {
+    PointNames names;
+    names.set_directory(cert_issuer_);
+    if (any_point() || names.has_one_of(names_)) found_ = kAllReasons;
+  }
+
+  int add_points(const X509_CERT &cert) noexcept {
+    const X509_EXTENSION *extension = extension_of(cert, row::kCrlDistributionPoints);
+    if (!extension || found_ == kAllReasons) return 0;
+    CRL_DIST_POINTS *points = nullptr;
+    if (const int code = X509_EXTENSION_to_CRL_DIST_POINTS_RFC5280(extension, &points)) return code;
+    const std::unique_ptr<STACK, ReleasePoints> owner(points);
+    for (const DIST_POINT *each : elements<DIST_POINT>(points))
+      if (const int code = each ? add(*each) : 0) return code;
+    return 0;
+  }
+
+  // A point may name the issuer of its lists; then they are indirect ones.
+  int add(const DIST_POINT &point) noexcept {
+    const bool named = point.CRLissuer && point.CRLissuer->count;
+    const bool mine = named ? scope_ && scope_->indirectCRL && is_among(issuer_, point.CRLissuer) : direct_;
+    bool matches = false;
+    if (const int code = mine ? match(point, named, matches) : 0) return code;
+    if (matches) found_ |= reasons_of(point.reasons);
+    return 0;
+  }
+  int match(const DIST_POINT &point, bool named, bool &matches) noexcept {
+    PointNames names;
+    if (point.distpoint && !names.set(*point.distpoint, named ? issuer_ : cert_issuer_)) return failure(kNoMemory);
+    if (!point.distpoint && named) names.set_list(*point.CRLissuer);
+    matches = any_point() || names.has_one_of(names_);
+    return 0;
+  }
+
+  const ISSUING_DIST_POINT *scope_;
+  X509_NAME *issuer_, *cert_issuer_;
+  bool direct_;
+  PointNames names_;  // of the list's own point
+  Reasons found_ = 0;
+};
 
 }  // namespace
 
-int check_scope(const ISSUING_DIST_POINT &scope, const X509_CRL &crl, const X509_CERT &cert, bool &partial) noexcept {
-  if (scope.indirectCRL) return failure(ERR_CRL_INDIRECT);
-  if (const int code = check_kind(scope, cert)) return code;
-  partial = scope.onlySomeReasons != nullptr;
-  if (!scope.distpoint) return 0;
-  PointNames wanted;
-  if (!wanted.set(*scope.distpoint, get_X509_CRL_issuer(&crl))) return failure(kNoMemory);
-  return match_certificate(wanted, cert, partial);
+int find_coverage(const X509_CRL &crl, const ISSUING_DIST_POINT *scope, const X509_CERT &cert, Reasons &out) noexcept {
+  out = 0;
+  if (const int code = scope ? check_kind(*scope, cert) : 0) return code;
+  return Coverage(crl, scope, cert).run(cert, out);
 }
 
 }  // namespace velpki

@@ -70,10 +70,6 @@ STACK *new_revoked_list() noexcept;
 // What speaks against using the list at all: 0, ERR_CRL_INDIRECT or ERR_UNKNOWN_EXTENSION of an entry.
 int entries_fault(const X509_CRL &crl) noexcept;
 
-// Whether a list covers a certificate, by its issuing distribution point: 0 or a code. `partial` tells that it does so
-// for some revocation reasons only.
-int check_scope(const ISSUING_DIST_POINT &scope, const X509_CRL &crl, const X509_CERT &cert, bool &partial) noexcept;
-
 // Codecs. The list's decoder takes a view into `octets`.
 int decode_revoked(const Tlv &tlv, const X509_RECEIVED &octets, X509_CRL_KEPT *kept, STACK *&out) noexcept;
 int encode_revoked(const STACK &revoked, DerWriter &out) noexcept;

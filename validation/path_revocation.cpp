@@ -1,0 +1,165 @@
+// What revocation lists say about a certificate of a path (RFC 5280 6.3).
+#include <velpki/asn1_error.h>
+
+#include "validation/internal/path_strict.h"
+#include "x509/internal/crl_check.h"
+
+namespace velpki {
+
+namespace {
+
+constexpr int failure(int reason) noexcept { return fail(kCrlModule, reason); }
+
+constexpr int kSignatures = 64;  // of lists that are verified for one certificate at most
+
+bool same_value(const X509_EXTENSION *a, const X509_EXTENSION *b) noexcept {
+  return a && b ? same_octets(a->value, b->value) : a == b;
+}
+
+owned<BIGINT> number_in(const X509_EXTENSION *extension) noexcept {
+  Tlv value;
+  Rules rules = kStandardRules;
+  BIGINT *number = nullptr;
+  const bool read = extension && extension->value && Tlv::parse(octets(*extension->value), rules, value) &&
+                    value.number() == TYPE_INTEGER && read_integer(value, number) == Read::ok;
+  return owned<BIGINT>(read ? number : nullptr);
+}
+
+bool is_less(const owned<BIGINT> &a, const owned<BIGINT> &b) noexcept {
+  return a && b && PKV_Cmp_BIGINT(a.get(), b.get()) < 0;
+}
+
+int find_entry(const X509_CRL &crl, bool indirect, const X509_CERT &cert, X509_REVOKED *&entry) noexcept {
+  if (indirect) return find_listed_of_issuer(crl, cert, entry);
+  if (const int fault = entries_fault(crl)) return failure(fault);
+  return find_listed(crl, cert, entry);
+}
+
+// A complete list that is being looked at.
+struct List {
+  const X509_CRL &crl;
+  ListExtensions extensions;
+  bool indirect = false;
+  const X509_PUBKEY *key = nullptr;  // that signed it
+};
+
+class Status {
+ public:
+  Status(const VerifiedPath &path, int index) noexcept : path_(path), index_(size_t(index)) {}
+
+  int run() noexcept {
+    for (const X509_CRL *crl : elements<X509_CRL>(path_.settings.crls)) {
+      const int code = crl && crl->tbs ? consider(*crl) : 0;
+      if (reason_of(code) == ERR_CERT_REVOKED || reason_of(code) == kNoMemory) return code;
+      if (code) note(code);
+      if (covered_ == kAllReasons) return 0;
+    }
+    if (covered_) return failure(ERR_CRL_REASONS);
+    return why_not_ ? why_not_ : failure(ERR_CRL_MISSING);
+  }
+
+ private:
+  const X509_CERT &cert() const noexcept { return *path_.certs[index_]; }
+
+  // Why no list gave an answer: the first one that would have been about the certificate.
+  void note(int code) noexcept {
+    const bool other = reason_of(code) == ERR_CRL_ISSUER || reason_of(code) == ERR_CRL_SCOPE;
+    if (!other && !why_not_) why_not_ = code;
+  }
+
+  // Delta lists are looked at beside the list that they go on from.
+  int consider(const X509_CRL &crl) noexcept {
+    List list{crl, {}};
+    Reasons reasons = 0;
+    if (const int code = find_list_extensions(crl, list.extensions)) return code;
+    if (list.extensions.base) return 0;
+    if (const int code = read_coverage(list, reasons)) return code;
+    if (!(reasons & ~covered_)) return 0;
+    if (const int code = check_list_dates(crl, path_.settings.time)) return code;
+    if (const int code = find_signer(list)) return code;
+    if (const int code = look_up(list)) return code;
+    covered_ |= reasons;
+    return 0;
+  }
+  int read_coverage(List &list, Reasons &reasons) noexcept {
+    owned<ISSUING_DIST_POINT> scope;
+    if (const int code = read_scope(list.extensions, scope)) return code;
+    list.indirect = scope && scope->indirectCRL;
+    return find_coverage(list.crl, scope.get(), cert(), reasons);
+  }
+
+  // What the newest delta says goes before what the list says.
+  int look_up(const List &list) noexcept {
+    X509_REVOKED *entry = nullptr;
+    const X509_CRL &newest = newest_of(list);
+    if (const int code = find_entry(newest, list.indirect, cert(), entry)) return code;
+    const bool go_on = !entry && &newest != &list.crl;
+    if (const int code = go_on ? find_entry(list.crl, list.indirect, cert(), entry) : 0) return code;
+    return entry && !takes_back(*entry) ? failure(ERR_CERT_REVOKED) : 0;
+  }
+
+  // The delta list with the highest number that goes on from a list (RFC 5280 6.3.3 c), or the list itself.
+  const X509_CRL &newest_of(const List &list) noexcept {
+    const X509_CRL *newest = &list.crl;
+    const owned<BIGINT> complete = number_in(list.extensions.number);
+    owned<BIGINT> highest = number_in(list.extensions.number);
+    for (const X509_CRL *each : elements<X509_CRL>(path_.settings.crls)) {
+      ListExtensions extensions;
+      if (!each || !each->tbs || find_list_extensions(*each, extensions) || !extensions.base) continue;
+      owned<BIGINT> number = number_in(extensions.number);
+      const owned<BIGINT> base = number_in(extensions.base);
+      if (!base || is_less(complete, base) || !is_less(highest, number)) continue;
+      if (goes_with(list, *each, extensions)) highest = std::move(number), newest = each;
+    }
+    return *newest;
+  }
+  bool goes_with(const List &list, const X509_CRL &delta, const ListExtensions &extensions) noexcept {
+    return cmp_X509_NAME_RFC5280(get_X509_CRL_issuer(&delta), get_X509_CRL_issuer(&list.crl)) == 0 &&
+           same_value(extensions.scope, list.extensions.scope) &&
+           same_value(extensions.authority_key, list.extensions.authority_key) &&
+           check_list_dates(delta, path_.settings.time) == 0 && verify(delta, list.key) == 0;
+  }
+
+  // The key that signed a list is the anchor's, or of a certificate above on the path, or of one of the pool that has a
+  // path of its own. 0, or why the last one of the right name did not.
+  int find_signer(List &list) noexcept {
+    int code = failure(ERR_CRL_ISSUER);
+    for (size_t i = index_ + 1; i < path_.certs.size() && code; ++i) try_certificate(list, *path_.certs[i], code);
+    if (code && is_issuer(list, path_.anchor.trustedCAName)) code = try_key(list, path_.anchor.trustedCAKey);
+    if (!code || path_.of_list_signer) return code;
+    for (const X509_CERT *each : elements<X509_CERT>(path_.settings.pool)) {
+      if (each && try_certificate(list, *each, code)) code = verify_list_signer(*each, path_);
+      if (!code || reason_of(code) == kNoMemory) break;
+    }
+    return code;
+  }
+  static bool is_issuer(const List &list, const X509_NAME *name) noexcept {
+    return cmp_X509_NAME_RFC5280(get_X509_CRL_issuer(&list.crl), name) == 0;
+  }
+  // Whether a certificate's key signed the list. Leaves the code of those with other names as it is.
+  bool try_certificate(List &list, const X509_CERT &signer, int &code) noexcept {
+    if (!is_issuer(list, get_X509_subject(&signer))) return false;
+    code = check_list_key_usage(signer);
+    if (!code) code = try_key(list, get_X509_SPKI(&signer));
+    return !code;
+  }
+  int try_key(List &list, const X509_PUBKEY *key) noexcept {
+    list.key = key;
+    return verify(list.crl, key);
+  }
+  int verify(const X509_CRL &crl, const X509_PUBKEY *key) noexcept {
+    return signatures_left_-- > 0 ? check_list_signature(crl, key) : failure(ERR_CRL_MISSING);
+  }
+
+  const VerifiedPath &path_;
+  const size_t index_;
+  Reasons covered_ = 0;
+  int why_not_ = 0;
+  int signatures_left_ = kSignatures;
+};
+
+}  // namespace
+
+int check_path_revocation(const VerifiedPath &path, int index) noexcept { return Status(path, index).run(); }
+
+}  // namespace velpki
