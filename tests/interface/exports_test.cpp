@@ -21,7 +21,7 @@ std::string text_of_file(const std::filesystem::path &path) {
 // The names that a header declares with VELPKI_API.
 Names declared_in(const std::filesystem::path &header) {
   static const std::regex comment("/\\*[^*]*\\*+([^/*][^*]*\\*+)*/"), declaration("VELPKI_API\\s([^;]*);"),
-      function("^[^(]*?(\\w+)\\s*\\("), variable("(\\w+)\\s*\\[[^\\]]*\\]\\s*$");
+      function("^[^(]*?(\\w+)\\s*\\("), variable("(\\w+)\\s*(\\[[^\\]]*\\])?\\s*$");
   const std::string text = std::regex_replace(text_of_file(header), comment, " ");
   Names names;
   for (std::sregex_iterator at(text.begin(), text.end(), declaration), end; at != end; ++at) {
