@@ -157,6 +157,9 @@ TEST(RequestCodec, SplitsExtensionsOff) {
     EXPECT_EQ(written(req.get(), false) == to_hex(der), row.at("same") == "yes") << why;
     const Request standard = read_request(der, true);
     EXPECT_EQ(written(standard.get(), true), to_hex(der)) << why;
+    Bytes set = der;
+    set[0] = 0x31;
+    EXPECT_FALSE(read_request(set, true)) << why;
   }
   for (const Row &row : table("request_shapes")) {
     const auto part = [&](const char *column) { return hex(row.at(column)); };
