@@ -14,9 +14,8 @@ using Decode = int (*)(const char *, int, unsigned char **);
 std::string decoded(Decode decode, std::string_view text) {
   static GuardedBytes guarded(1 << 16);
   const uint8_t *placed = guarded.place(reinterpret_cast<const uint8_t *>(text.data()), text.size());
-  unsigned char *out = nullptr;
+  Block out;
   const int length = decode(reinterpret_cast<const char *>(placed), int(text.size()), &out);
-  const Block owner(out);
   if (length == 0) return out ? "stored on failure" : "-";
   return out[length] == 0 ? to_hex(out, size_t(length)) : "not terminated";
 }
@@ -30,12 +29,11 @@ Bytes random_bytes(size_t size) {
 
 std::string encoded(const Bytes &octets, int line) {
   static GuardedBytes guarded(1 << 12);
-  char *text = nullptr;
+  Owned<char> text;
   const uint8_t *placed = guarded.place(octets.data(), octets.size());
   const int length = line ? encode_Base64_Line(placed, int(octets.size()), &text, line)
                           : encode_Base64(placed, int(octets.size()), &text, 0);
-  const std::unique_ptr<char, Release> owner(text);
-  return text && std::strlen(text) == size_t(length) ? text : "-";
+  return text && std::strlen(text) == size_t(length) ? text.get() : "-";
 }
 
 // Checks texts for what the plain decoder gives, and the strict one.
@@ -131,14 +129,13 @@ TEST(Pem, PlainAndStrictSideBySide) {
 TEST(Pem, Framing) {
   const Bytes octets = random_bytes(300);
   for (const int mode : {0, 1}) {
-    char *pem = nullptr, *base64 = nullptr, *framed = nullptr;
+    Text pem, base64, framed;
     const int length = encode_PEM(octets.data(), 300, "DATA", 4, &pem, mode);
     const int inner = encode_Base64(octets.data(), 300, &base64, mode);
     EXPECT_EQ(base64ToPEM(base64, inner, "DATA", 4, &framed), length);
     EXPECT_STREQ(framed, pem);
-    EXPECT_EQ(pem, "-----BEGIN DATA-----\n" + std::string(base64) + "\n-----END DATA-----\n");
-    EXPECT_EQ(decoded(decode_PEM_strict, pem), to_hex(octets));
-    for (char *each : {pem, base64, framed}) PKV_Free(each, __FILE__, __LINE__);
+    EXPECT_EQ(pem.get(), std::string("-----BEGIN DATA-----\n") + base64.get() + "\n-----END DATA-----\n");
+    EXPECT_EQ(decoded(decode_PEM_strict, pem.get()), to_hex(octets));
   }
   char *none = nullptr;
   EXPECT_EQ(encode_PEM(octets.data(), 300, nullptr, 4, &none, 1), 0);
@@ -158,10 +155,9 @@ TEST(Pem, BundleIsWalked) {
     for (size_t at = 0; at < bundle.size();) {
       const char *label = nullptr;
       int label_length = 0, consumed = 0;
-      unsigned char *out = nullptr;
+      Block out;
       const int length =
           decode_PEM_ex(bundle.data() + at, int(bundle.size() - at), wanted, &label, &label_length, &consumed, &out);
-      const Block owner(out);
       const std::string octets = length ? to_hex(out, size_t(length)) : "-";
       if (label) seen += std::string(label, size_t(label_length)) + ":" + octets + " ";
       if (consumed < 1) return std::string("stuck");

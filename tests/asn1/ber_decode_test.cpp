@@ -8,21 +8,21 @@ using namespace test;
 namespace {
 
 template <class T>
-std::unique_ptr<T, Release> bounded(T *(*decode)(const unsigned char *, int), std::string_view octets) {
+Owned<T> bounded(T *(*decode)(const unsigned char *, int), std::string_view octets) {
   static GuardedBytes guarded(4096);
   const Bytes bytes = hex(octets);
-  return std::unique_ptr<T, Release>(decode(guarded.place(bytes.data(), bytes.size()), int(bytes.size())));
+  return Owned<T>(decode(guarded.place(bytes.data(), bytes.size()), int(bytes.size())));
 }
 
 TEST(Decoders, OneValueEach) {
   EXPECT_EQ(*bounded(decodeToBERBoolean_n, "010105"), 0x05);
   EXPECT_FALSE(bounded(decodeToBERBoolean_n, "01020000"));
-  EXPECT_EQ(PKV_Get_BIGINT_Word(bounded(decodeToBERInteger_n, "0201ff").get()), 255u);
+  EXPECT_EQ(PKV_Get_BIGINT_Word(bounded(decodeToBERInteger_n, "0201ff")), 255u);
   EXPECT_FALSE(bounded(decodeToBERInteger_n, "0200"));
   for (const char *odd : {"0201ff", "02020001", "0200"}) EXPECT_FALSE(bounded(decodeToBERInteger_strict, odd)) << odd;
   const String bits = bounded(decodeToBERBitString_n, "0303066e40");
   EXPECT_EQ(bits->unused_bits, 6);
-  EXPECT_EQ(octets_hex(bits.get()), "6e40");
+  EXPECT_EQ(octets_hex(bits), "6e40");
   EXPECT_FALSE(bounded(decodeToBERBitString_n, "0300"));
   EXPECT_TRUE(Block(static_cast<unsigned char *>(decodeToBERNull_n(hex("0501").data(), 2))));
   const String printable = bounded(decodeToBERPrintableString_n, "13024142");
@@ -34,14 +34,14 @@ TEST(Decoders, OneValueEach) {
 TEST(Decoders, ObjectIdentifiers) {
   for (const Row &row : table("oid_decode")) {
     const std::string &octets = row.at("octets"), &any_size = row.at("any_size");
-    EXPECT_EQ(text_of(bounded(decodeToBERObjectIdentifier_n, octets).get()), row.at("text")) << octets;
+    EXPECT_EQ(text_of(bounded(decodeToBERObjectIdentifier_n, octets)), row.at("text")) << octets;
     const String any = bounded(decodeToBERObjectIdentifier_RFC5280, octets);
     if (any_size.empty()) continue;
-    EXPECT_EQ(text_of(any.get()), any_size) << octets;
+    EXPECT_EQ(text_of(any), any_size) << octets;
     if (!any) continue;
     Unit back(new_ASN1_UNIT());
-    EXPECT_EQ(encodeToBERObjectIdentifier_RFC5280(back.get(), 6, any.get(), any->length, 0), 0);
-    EXPECT_EQ(flat(back.get()), octets);
+    EXPECT_EQ(encodeToBERObjectIdentifier_RFC5280(back, 6, any, any->length, 0), 0);
+    EXPECT_EQ(flat(back), octets);
   }
 }
 
@@ -68,8 +68,8 @@ TEST(Decoders, GenericStringsComeBack) {
       if (!value) continue;
       EXPECT_EQ(value->type, identifier);
       Unit out(new_ASN1_UNIT());
-      if (encodeToDER(out.get(), TYPE_ASN1_STRING, value.get(), value->length)) continue;
-      EXPECT_EQ(flat(out.get()), to_hex(octets));
+      if (encodeToDER(out, TYPE_ASN1_STRING, value, value->length)) continue;
+      EXPECT_EQ(flat(out), to_hex(octets));
     }
   }
   EXPECT_TRUE(bounded(decodeToBERASN1String_n, "1a0141"));
@@ -80,37 +80,37 @@ TEST(Decoders, GenericStringsComeBack) {
 TEST(Navigators, TagRule) {
   const Unit u = unit("30 17 800105 020107 010101 0c0141 3003020109 13024142 0500");
   ASSERT_TRUE(u);
-  const auto child = [&](int index, int type) { return getBERChildAt(u.get(), index, type); };
-  EXPECT_EQ(octets_hex(String(static_cast<ASN1_STRING *>(child(0, 4))).get()), "05");
+  const auto child = [&](int index, int type) { return getBERChildAt(u, index, type); };
+  EXPECT_EQ(octets_hex(String(static_cast<ASN1_STRING *>(child(0, 4)))), "05");
   EXPECT_EQ(child(1, 4), nullptr);
   EXPECT_EQ(child(7, 2), nullptr);
   EXPECT_EQ(child(-1, 2), nullptr);
   EXPECT_EQ(child(2, TYPE_ASN1_UNIT), nullptr);
   EXPECT_EQ(child(0, TYPE_ASN1_UNIT), nullptr);
-  EXPECT_EQ(flat(Unit(static_cast<ASN1_UNIT *>(child(3, TYPE_ASN1_UNIT))).get()), "0c0141");
-  EXPECT_EQ(flat(Unit(static_cast<ASN1_UNIT *>(child(4, 48))).get()), "3003020109");
+  EXPECT_EQ(flat(Unit(static_cast<ASN1_UNIT *>(child(3, TYPE_ASN1_UNIT)))), "0c0141");
+  EXPECT_EQ(flat(Unit(static_cast<ASN1_UNIT *>(child(4, 48)))), "3003020109");
   const String ab(static_cast<ASN1_STRING *>(child(5, 32)));
   EXPECT_EQ(ab->type, 0x13);
-  EXPECT_EQ(text_of(ab.get()), "AB");
+  EXPECT_EQ(text_of(ab), "AB");
   EXPECT_EQ(child(5, 26), nullptr);
-  EXPECT_EQ(getBERChildAt_strict(u.get(), 0, 0x04, 4), nullptr);
-  EXPECT_TRUE(String(static_cast<ASN1_STRING *>(getBERChildAt_strict(u.get(), 0, 0x80, 4))));
+  EXPECT_EQ(getBERChildAt_strict(u, 0, 0x04, 4), nullptr);
+  EXPECT_TRUE(String(static_cast<ASN1_STRING *>(getBERChildAt_strict(u, 0, 0x80, 4))));
 }
 
 TEST(Navigators, CursorWalks) {
   const Unit u = unit("30 09 020101 020102 020103");
   int cursor = 0;
   std::string seen;
-  for (int i = 0; Number child{static_cast<BIGINT *>(getBERChildOffset(u.get(), i, 2, &cursor))}; ++i)
-    seen += char('0' + PKV_Get_BIGINT_Word(child.get()));
+  for (int i = 0; Number child{static_cast<BIGINT *>(getBERChildOffset(u, i, 2, &cursor))}; ++i)
+    seen += char('0' + PKV_Get_BIGINT_Word(child));
   EXPECT_EQ(seen, "123");
   EXPECT_EQ(cursor, 6);
   for (int wrong : {-1, 7, 10, INT_MAX}) {
     const int before = wrong;
-    EXPECT_EQ(getBERChildOffset(u.get(), 0, 2, &wrong), nullptr);
+    EXPECT_EQ(getBERChildOffset(u, 0, 2, &wrong), nullptr);
     EXPECT_EQ(wrong, before);
   }
-  EXPECT_TRUE(Number(static_cast<BIGINT *>(getBERChildOffset(u.get(), 2, 2, nullptr))));
+  EXPECT_TRUE(Number(static_cast<BIGINT *>(getBERChildOffset(u, 2, 2, nullptr))));
 }
 
 TEST(StrictSequence, TakesDerOnly) {

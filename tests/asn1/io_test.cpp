@@ -45,10 +45,9 @@ TEST(Files, BadOnesGiveTheDocumentedCodes) {
                         {"/tmp", -1, 0x4E00002B, 0x4E00002B},
                         {no_end, 23, 0x4E00004F, 0x4E00002B},
                         {garbage, 3, 0x4E00004F, 0x4E00002B}}) {
-    unsigned char *octets = nullptr;
+    Block octets;
     void *structure = nullptr;
     EXPECT_EQ(File_to_binary(c.path.c_str(), &octets), c.size) << c.path;
-    PKV_Free(octets, __FILE__, __LINE__);
     EXPECT_EQ(readDER_from_File(&structure, from_unit, c.path.c_str()), c.der) << c.path;
     free_ASN1_UNIT(static_cast<ASN1_UNIT *>(structure));
     EXPECT_EQ(readPEM_from_File(&structure, from_unit, c.path.c_str()), c.pem) << c.path;
@@ -83,14 +82,13 @@ TEST(Files, LengthIsComparedWithTheOffset) {
 TEST(Writers, LengthsAndCodesShareOneInt) {
   Unit u = unit("3003020105");
   unsigned char *der = nullptr, digest[64];
-  char *pem = nullptr;
-  EXPECT_EQ(writeDER_to_Binary(u.get(), to_unit, &der), 5);
-  EXPECT_EQ(writePEM_to_Binary(u.get(), to_unit, "X", 1, &pem), 43);
+  Owned<char> pem;
+  EXPECT_EQ(writeDER_to_Binary(u, to_unit, &der), 5);
+  EXPECT_EQ(writePEM_to_Binary(u, to_unit, "X", 1, &pem), 43);
   EXPECT_STREQ(pem, "-----BEGIN X-----\nMAMCAQU=\n-----END X-----\n");
-  EXPECT_EQ(get_ASN1_hash(u.get(), to_unit, PKV_DIGEST_SHA1, digest), 20);
+  EXPECT_EQ(get_ASN1_hash(u, to_unit, PKV_DIGEST_SHA1, digest), 20);
   EXPECT_EQ(get_ASN1_hash(nullptr, to_unit, PKV_DIGEST_SHA1, digest), 0);
   PKV_Free(der, __FILE__, __LINE__);
-  PKV_Free(pem, __FILE__, __LINE__);
   der = nullptr;
   for (int code : {1, 0x46190049}) {
     EXPECT_EQ(writeDER_to_Binary(&code, fail_to_unit, &der), code);
@@ -98,8 +96,8 @@ TEST(Writers, LengthsAndCodesShareOneInt) {
   }
   int provider_code = 0x2B;  // would read as a length
   EXPECT_EQ(writeDER_to_Binary(&provider_code, fail_to_unit, &der), 1);
-  EXPECT_EQ(writeDER_to_Binary(u.get(), to_unit, nullptr), 0x4E00002B);
-  EXPECT_EQ(writePEM_to_FILE(u.get(), to_unit, "X", 1, nullptr), 0x4E00002B);
+  EXPECT_EQ(writeDER_to_Binary(u, to_unit, nullptr), 0x4E00002B);
+  EXPECT_EQ(writePEM_to_FILE(u, to_unit, "X", 1, nullptr), 0x4E00002B);
   EXPECT_EQ(der, nullptr);
 }
 
@@ -122,17 +120,14 @@ TEST(Memory, EndsAnywhereWithoutALeak) {
   const String text = string(3, hex("ff00")), oid = test::oid("1.2.840.113549");
   const Unit child = unit("30800201050000");
   survive_each_failed_allocation([&] {
-    unsigned char *der = nullptr;
-    char *pem = nullptr;
+    Block der;
+    Owned<char> pem;
     const Unit unit(new_ASN1_UNIT());
-    ASN1_UNIT *seq = unit.get();
-    const bool failed =
-        !seq || addToDERSequence(seq, 3, text.get(), 2) || addToDERSequence(seq, 6, oid.get(), oid->length) ||
-        addToDERSequence(seq, TYPE_SEQUENCE, child.get(), 0) || addToDERSetOf_strict(seq, 3, text.get(), 2) ||
-        setBERLengthForm(seq, 2) || writeDER_to_Binary(seq, to_unit, &der) < 2 ||
-        writePEM_to_Binary(seq, to_unit, "X", 1, &pem) < 2;
-    PKV_Free(der, __FILE__, __LINE__);
-    PKV_Free(pem, __FILE__, __LINE__);
+    ASN1_UNIT *seq = unit;
+    const bool failed = !seq || addToDERSequence(seq, 3, text, 2) || addToDERSequence(seq, 6, oid, oid->length) ||
+                        addToDERSequence(seq, TYPE_SEQUENCE, child, 0) || addToDERSetOf_strict(seq, 3, text, 2) ||
+                        setBERLengthForm(seq, 2) || writeDER_to_Binary(seq, to_unit, &der) < 2 ||
+                        writePEM_to_Binary(seq, to_unit, "X", 1, &pem) < 2;
     return !failed;
   });
 }

@@ -9,9 +9,8 @@ namespace {
 
 std::string normalized(const Bytes &in, int *length = nullptr) {
   GuardedBytes guarded(in.size());
-  unsigned char *out = nullptr;
+  Block out;
   const int result = normalize_BER(guarded.place(in.data(), in.size()), int(in.size()), &out);
-  const Block owner(out);
   if (length) *length = result;
   return out ? to_hex(out, size_t(result)) : "-";
 }
@@ -55,9 +54,8 @@ TEST(Normalize, TakesLinearTime) {
   segments.insert(segments.end(), {0, 0});
   const auto start = std::chrono::steady_clock::now();
   for (const Bytes *in : {&deep, &segments}) {
-    unsigned char *out = nullptr;
+    Block out;
     EXPECT_GT(normalize_BER(in->data(), int(in->size()), &out), 1000000);
-    const Block owner(out);
   }
   EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(5));
 }

@@ -53,22 +53,22 @@ TEST(Registry, DecodedIdentifiersHaveTheTextOfTheirRow) {
     const String oid = of_row(row);
     if (!oid) continue;
     ASN1_UNIT unit{};
-    ASSERT_EQ(encodeToBERObjectIdentifier(&unit, 6, oid.get(), oid->length, 0), 0) << row;
+    ASSERT_EQ(encodeToBERObjectIdentifier(&unit, 6, oid, oid->length, 0), 0) << row;
     Bytes octets = hex(flat(&unit));
     clean_ASN1_UNIT(&unit);
     const String back = decoded(octets);
-    EXPECT_EQ(text_of(back.get()), cell(row, 2));
-    EXPECT_EQ(index_from_OBJECT_IDENTIFIER(back.get()), scan(cell(row, 2), 2));
+    EXPECT_EQ(text_of(back), cell(row, 2));
+    EXPECT_EQ(index_from_OBJECT_IDENTIFIER(back), scan(cell(row, 2), 2));
     octets.insert(octets.begin() + 3, 0x80);
     ++octets[1];
-    EXPECT_EQ(text_of(decoded(octets).get()), cell(row, 2));
+    EXPECT_EQ(text_of(decoded(octets)), cell(row, 2));
     ++encoded;
   }
   EXPECT_EQ(encoded, kRows - 1 - 48 - 12);
   const std::map<std::string, int> single = {{"060155", 11},  {"06012A", 182}, {"06012B", 379}, {"060100", 393},
                                              {"060128", 181}, {"060109", 434}, {"060150", 646}, {"060167", 647}};
   for (const auto &[octets, row] : single) {
-    EXPECT_EQ(index_from_OBJECT_IDENTIFIER(decoded(hex(octets)).get()), row) << octets;
+    EXPECT_EQ(index_from_OBJECT_IDENTIFIER(decoded(hex(octets))), row) << octets;
     EXPECT_EQ(index_to_OBJECT_IDENTIFIER(row), nullptr);
   }
   for (const int row : {-1, 0, 33, 102, 404, 645, 676, 794, 841}) EXPECT_EQ(index_to_OBJECT_IDENTIFIER(row), nullptr);
@@ -81,7 +81,7 @@ TEST(Registry, OpenSslGivesTheSameNames) {
   for (int row = 1; row < kRows; ++row) {
     const String oid = of_row(row);
     if (!oid || row == 831) continue;
-    ASSERT_EQ(addToDERSequence(&sequence, TYPE_OBJECT_IDENTIFIER, oid.get(), oid->length), 0);
+    ASSERT_EQ(addToDERSequence(&sequence, TYPE_OBJECT_IDENTIFIER, oid, oid->length), 0);
     rows.push_back(row);
   }
   const Bytes der = hex(flat(&sequence));
@@ -107,7 +107,7 @@ TEST(Registry, ProviderIdentifiers) {
     for (size_t i = 0; i < cases.size(); i += 2) EXPECT_EQ(give(cases[i]), cases[i + 1]) << cases[i];
   };
   const auto by_row = [](int (*give)(const OBJECT_IDENTIFIER *)) {
-    return [give](int row) { return give(of_row(row).get()); };
+    return [give](int row) { return give(of_row(row)); };
   };
   check(by_row(get_DigestID_from_OID),
         {4,   0x06000100, 8,   0x06000100, 42,  0, 65,  0x05000100, 115, 0x05000100, 146, 0x05000100, 163, 0x15000100,
@@ -124,27 +124,26 @@ TEST(Registry, ProviderIdentifiers) {
                                 0x20000000, 0, 0x04000120, 777});
   EXPECT_EQ(get_AlgorType_from_OID(nullptr), 0);
   int sizes[5] = {};
-  for (int row = 1; row < kRows; ++row) ++sizes[get_AlgorType_from_OID(of_row(row).get())];
+  for (int row = 1; row < kRows; ++row) ++sizes[get_AlgorType_from_OID(of_row(row))];
   // Less those that have no identifier: MD5-SHA1, 41 of the 88 ciphers, cmsRsaEncryption.
   EXPECT_TRUE(sizes[1] == 18 && sizes[2] == 47 && sizes[3] == 27 && sizes[4] == 25);
 }
 
 TEST(Registry, ValuesAndLists) {
   const String cn = oid("2.5.4.3"), o = oid("2.5.4.10"), rsa = oid("1.2.840.113549");
-  EXPECT_GT(cmp_OBJECT_IDENTIFIER(o.get(), cn.get()), 0);
-  EXPECT_LT(cmp_OBJECT_IDENTIFIER(cn.get(), rsa.get()), 0);
-  EXPECT_EQ(cmp_OBJECT_IDENTIFIER(cn.get(), oid("2.5.4.6").get()), -1);
+  EXPECT_GT(cmp_OBJECT_IDENTIFIER(o, cn), 0);
+  EXPECT_LT(cmp_OBJECT_IDENTIFIER(cn, rsa), 0);
+  EXPECT_EQ(cmp_OBJECT_IDENTIFIER(cn, oid("2.5.4.6")), -1);
   EXPECT_EQ(cmp_OBJECT_IDENTIFIER(nullptr, nullptr), -1);
-  EXPECT_EQ(cmp_OBJECT_IDENTIFIER(cn.get(), nullptr), 1);
-  const String named(get_OBJECT_IDENTIFIER("commonName", 0)), copy(dup_OBJECT_IDENTIFIER(named.get()));
-  EXPECT_EQ(cmp_OBJECT_IDENTIFIER(copy.get(), cn.get()), 0);
+  EXPECT_EQ(cmp_OBJECT_IDENTIFIER(cn, nullptr), 1);
+  const String named(get_OBJECT_IDENTIFIER("commonName", 0)), copy(dup_OBJECT_IDENTIFIER(named));
+  EXPECT_EQ(cmp_OBJECT_IDENTIFIER(copy, cn), 0);
   EXPECT_EQ(get_OBJECT_IDENTIFIER("no such name", 0), nullptr);
-  OBJECT_IDENTIFIERS *list = new_OBJECT_IDENTIFIERS();
+  const Owned<STACK, free_OBJECT_IDENTIFIERS> list(new_OBJECT_IDENTIFIERS());
   for (const ASN1_STRING *each : {o.get(), cn.get(), cn.get()}) EXPECT_EQ(add_OBJECT_IDENTIFIERS(list, each), 0);
   EXPECT_EQ(add_OBJECT_IDENTIFIERS(list, nullptr), 1);
-  EXPECT_EQ(get_OBJECT_IDENTIFIERS_index_by_OBJECT_IDENTIFIER(list, named.get()), 1);
-  EXPECT_EQ(get_OBJECT_IDENTIFIERS_index_by_OBJECT_IDENTIFIER(list, rsa.get()), -1);
-  free_OBJECT_IDENTIFIERS(list);
+  EXPECT_EQ(get_OBJECT_IDENTIFIERS_index_by_OBJECT_IDENTIFIER(list, named), 1);
+  EXPECT_EQ(get_OBJECT_IDENTIFIERS_index_by_OBJECT_IDENTIFIER(list, rsa), -1);
 }
 
 }  // namespace

@@ -22,11 +22,10 @@ std::string by_iconv(iconv_t converter, Bytes in) {
 
 template <class In, class Out>
 std::string converted(int (*convert)(const In *, int, Out **), const Bytes &in) {
-  Out *out = nullptr;
+  test::Owned<Out> out;
   const int length = convert(reinterpret_cast<const In *>(in.data()), int(in.size()), &out);
-  const std::unique_ptr<Out, test::Release> owner(out);
   return length < 0 ? (out ? "stored on failure" : "-")
-                    : test::to_hex(reinterpret_cast<uint8_t *>(out), size_t(length));
+                    : test::to_hex(reinterpret_cast<uint8_t *>(out.get()), size_t(length));
 }
 
 TEST(Convert, AgreesWithIconvOverEverything) {
@@ -58,9 +57,8 @@ TEST(Convert, Edges) {
   EXPECT_EQ(converted(ascTouni, test::hex("41FF")), "004100ff");
   EXPECT_EQ(converted(uniToasc, test::hex("004100FF0000")), "41ff");
   for (const char *in : {"0100", "004100"}) EXPECT_EQ(converted(uniToasc, test::hex(in)), "-") << in;
-  unsigned char *out = nullptr;
+  test::Block out;
   EXPECT_EQ(ascTouni("abc", -1, &out), 6);
-  const test::Block owner(out);
   EXPECT_EQ(test::to_hex(out, 8), "0061006200630000");
   EXPECT_TRUE(ascTouni(nullptr, 3, &out) == -1 && ascTouni("abc", 3, nullptr) == -1);
 }
@@ -71,7 +69,7 @@ std::string said(void (*print)(Arguments...), const std::string &octets) {
   const test::String s = test::string(TYPE_UTF8_STRING, test::hex(octets));
   return test::captured_stdout([&] {
     if constexpr (std::is_invocable_v<decltype(print), const ASN1_STRING *>)
-      print(s.get());
+      print(s);
     else
       print(reinterpret_cast<std::tuple_element_t<0, std::tuple<Arguments...>>>(s->data), s->length);
   });

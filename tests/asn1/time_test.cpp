@@ -86,7 +86,7 @@ TEST(Calendar, FieldsCarryOverAndRangesEnd) {
 }
 
 TEST(CalendarTime, Text) {
-  EXPECT_EQ(shown(Time(charToASN1_TIME("2009-02-30,12:00:00")).get()), "20090230120000");
+  EXPECT_EQ(shown(Time(charToASN1_TIME("2009-02-30,12:00:00"))), "20090230120000");
   for (const char *text : {"2009-13-01,12:00:00", "2009-1-01,12:00:00", "2009-00-01,12:00:00", "2009-01-01 12:00:00",
                            "2009-01-01,24:00:00", "2009-01-01,12:00:000", "2009-01-01,12:00:60", ""})
     EXPECT_EQ(charToASN1_TIME(text), nullptr) << text;
@@ -111,8 +111,8 @@ TEST(EncodedTime, TextToFields) {
     const std::string &text = row.at("text"), &fields = row.at("fields"), &rfc5280 = row.at("rfc5280");
     const auto &type = kTypes[tag - 23];
     const String string = text_string(tag, text), made(type.make(string->data, string->length));
-    EXPECT_EQ(shown(Time(type.fields(string.get())).get()), fields) << text;
-    EXPECT_EQ(shown(Time(type.strict_fields(string.get())).get()), rfc5280 == "=" ? fields : rfc5280) << text;
+    EXPECT_EQ(shown(Time(type.fields(string))), fields) << text;
+    EXPECT_EQ(shown(Time(type.strict_fields(string))), rfc5280 == "=" ? fields : rfc5280) << text;
     EXPECT_EQ(made == nullptr, text.find_first_of(".,") != text.npos) << text;
   }
   for (const char *text : {"261301000000Z", "260101000060Z", "260101000000+2400", "260101000000+0060", "260101000000",
@@ -120,7 +120,7 @@ TEST(EncodedTime, TextToFields) {
     for (const auto &type : kTypes) {
       if (*type.century && std::strchr(text, '.')) continue;
       const String string = text_string(*type.century ? 24 : 23, type.century + std::string(text));
-      EXPECT_EQ(type.fields(string.get()), nullptr) << text;
+      EXPECT_EQ(type.fields(string), nullptr) << text;
       EXPECT_EQ(type.make(string->data, string->length), nullptr) << text;
     }
   }
@@ -141,26 +141,26 @@ TEST(EncodedTime, FieldsToTextInEveryZone) {
       for (int form = 0; form < 4; ++form) {
         const Time time(charToASN1_TIME("2026-01-02,03:04:05"));
         time->tm_gmtoff = each.offset;
-        const Time second(dup_ASN1_TIME(time.get())), third(dup_ASN1_TIME(time.get()));
-        const String plain(asn1TimeToUTC_TIME(time.get(), form)), strict(asn1TimeToUTC_TIME_strict(second.get(), form)),
-            generalized(asn1TimeToGENERALIZED_TIME(third.get(), form));
+        const Time second(dup_ASN1_TIME(time)), third(dup_ASN1_TIME(time));
+        const String plain(asn1TimeToUTC_TIME(time, form)), strict(asn1TimeToUTC_TIME_strict(second, form)),
+            generalized(asn1TimeToGENERALIZED_TIME(third, form));
         const std::string expected = each.forms[form];
-        EXPECT_EQ(text_of(strict.get()), expected);
-        EXPECT_EQ(text_of(generalized.get()), "20" + expected);
-        EXPECT_EQ(text_of(plain.get()).substr(0, 10), expected.substr(0, 10));
-        if (form == 3) EXPECT_EQ(text_of(plain.get()).substr(12), machine[zone_number]);
+        EXPECT_EQ(text_of(strict), expected);
+        EXPECT_EQ(text_of(generalized), "20" + expected);
+        EXPECT_EQ(text_of(plain).substr(0, 10), expected.substr(0, 10));
+        if (form == 3) EXPECT_EQ(text_of(plain).substr(12), machine[zone_number]);
         EXPECT_EQ(plain->unused_bits, form % 2 ? 0 : 1);
         EXPECT_EQ(time->tm_gmtoff, form % 2 ? each.offset : 0) << "the time becomes its UTC equivalent";
       }
     }
     const Time local(getCurrentLocalTime()), now(getCurrentGMTime());
-    EXPECT_LE(std::abs(timegm64(local.get()) - local->tm_gmtoff - timegm64(now.get())), 2);
+    EXPECT_LE(std::abs(timegm64(local) - local->tm_gmtoff - timegm64(now)), 2);
   }
   const Time early(charToASN1_TIME("1949-12-31,23:59:59"));
-  EXPECT_EQ(asn1TimeToUTC_TIME(early.get(), 2), nullptr);
-  EXPECT_EQ(asn1TimeToGENERALIZED_TIME(early.get(), 4), nullptr);
+  EXPECT_EQ(asn1TimeToUTC_TIME(early, 2), nullptr);
+  EXPECT_EQ(asn1TimeToGENERALIZED_TIME(early, 4), nullptr);
   early->tm_mon = 12;
-  EXPECT_EQ(asn1TimeToGENERALIZED_TIME(early.get(), 3), nullptr);
+  EXPECT_EQ(asn1TimeToGENERALIZED_TIME(early, 3), nullptr);
 }
 
 TEST(EncodedTime, ArithmeticAndOrder) {
@@ -168,21 +168,19 @@ TEST(EncodedTime, ArithmeticAndOrder) {
     const int type = number_in(row, "type"), refused = type == 23 ? 0x4501002B : 0x4502002B;
     const std::string &text = row.at("text"), &result = row.at("result");
     const String time = text_string(type, text);
-    EXPECT_EQ(kTypes[type - 23].add(time.get(), std::stoll(row.at("seconds"))), result == "-" ? refused : 0) << text;
-    EXPECT_EQ(text_of(time.get()), result == "-" ? text : result);
+    EXPECT_EQ(kTypes[type - 23].add(time, std::stoll(row.at("seconds"))), result == "-" ? refused : 0) << text;
+    EXPECT_EQ(text_of(time), result == "-" ? text : result);
   }
   EXPECT_EQ(add_UTC_TIME(nullptr, 1), 0x45010049);
-  const auto order = [](const char *a, const char *b) {
-    return cmp_UTC_TIME(text_string(23, a).get(), text_string(23, b).get());
-  };
+  const auto order = [](const char *a, const char *b) { return cmp_UTC_TIME(text_string(23, a), text_string(23, b)); };
   EXPECT_EQ(order("260101090000+0900", "2601010000Z"), 0);
   EXPECT_EQ(order("260101090000+0900", "260101090000Z"), -1);
   EXPECT_EQ(order("000101000000Z", "991231235959Z"), 1);
   EXPECT_EQ(order("x", "x"), -1);
   Time last_second(charToASN1_TIME("1969-12-31,23:59:59")), local(charToASN1_TIME("1970-01-01,08:59:59"));
   local->tm_gmtoff = 32400;
-  EXPECT_EQ(cmp_ASN1_TIME(last_second.get(), local.get()), 0) << "the instant -1";
-  EXPECT_EQ(cmp_ASN1_TIME(last_second.get(), nullptr), -1);
+  EXPECT_EQ(cmp_ASN1_TIME(last_second, local), 0) << "the instant -1";
+  EXPECT_EQ(cmp_ASN1_TIME(last_second, nullptr), -1);
   EXPECT_EQ(cmp_ASN1_TIME(nullptr, nullptr), -1);
 }
 

@@ -67,7 +67,7 @@ TEST(UnitMeasure, TimeIsLinearInSiblings) {
     const auto start = std::chrono::steady_clock::now();
     const Unit decoded = unit(octets);
     EXPECT_TRUE(decoded);
-    EXPECT_EQ(getSequenceChildNum(decoded.get()), siblings + 2);
+    EXPECT_EQ(getSequenceChildNum(decoded), siblings + 2);
     return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
   };
   // Quadratic time would make 200,000 siblings take minutes; the number that the counter returns is the test.
@@ -79,7 +79,7 @@ TEST(Units, DecodeIndefinite) {
   ASSERT_TRUE(u);
   EXPECT_EQ(u->length_octets[0], 0x80);
   EXPECT_EQ(u->eoc - u->value, 3);
-  EXPECT_EQ(flat(u.get()), "30800201050000");
+  EXPECT_EQ(flat(u), "30800201050000");
 }
 
 TEST(Units, ChildrenAreCountedAndTyped) {
@@ -87,15 +87,15 @@ TEST(Units, ChildrenAreCountedAndTyped) {
   EXPECT_FALSE(u);  // a length that does not fit
   const Unit whole = unit("30 0d 800105 020107 a003020109 0500");
   ASSERT_TRUE(whole);
-  EXPECT_EQ(getSequenceChildNum(whole.get()), 4);
-  EXPECT_EQ(getChildType(whole.get(), 2), 0xA0);
-  EXPECT_EQ(getChildType(whole.get(), 4), -1);
-  EXPECT_EQ(getChildType(whole.get(), -1), -1);
-  EXPECT_EQ(getSequenceChildNum(unit("30 02 0700").get()), 0);
-  EXPECT_EQ(getSequenceChildNum(unit("30 02 8700").get()), 1);
-  EXPECT_EQ(getSequenceChildNum(unit("30 0a 3080 020105 0000 020107").get()), 2);
-  EXPECT_EQ(getSequenceChildNum(unit("30 03 020105").get()), 1);
-  EXPECT_EQ(getSequenceChildNum(unit("30 01 00").get()), 0);
+  EXPECT_EQ(getSequenceChildNum(whole), 4);
+  EXPECT_EQ(getChildType(whole, 2), 0xA0);
+  EXPECT_EQ(getChildType(whole, 4), -1);
+  EXPECT_EQ(getChildType(whole, -1), -1);
+  EXPECT_EQ(getSequenceChildNum(unit("30 02 0700")), 0);
+  EXPECT_EQ(getSequenceChildNum(unit("30 02 8700")), 1);
+  EXPECT_EQ(getSequenceChildNum(unit("30 0a 3080 020105 0000 020107")), 2);
+  EXPECT_EQ(getSequenceChildNum(unit("30 03 020105")), 1);
+  EXPECT_EQ(getSequenceChildNum(unit("30 01 00")), 0);
 }
 
 TEST(Units, CopiesCutLengthsAtAZero) {
@@ -108,30 +108,30 @@ TEST(Units, CopiesCutLengthsAtAZero) {
     else
       octets.insert(octets.end(), {0x83, uint8_t(length >> 16), uint8_t(length >> 8), uint8_t(length)});
     octets.resize(octets.size() + length, 0x41);
-    const Unit u = unit(octets), faithful(dup_ASN1_UNIT_strict(u.get())), cut(dup_ASN1_UNIT(u.get()));
+    const Unit u = unit(octets), faithful(dup_ASN1_UNIT_strict(u)), cut(dup_ASN1_UNIT(u));
     ASSERT_TRUE(cut && faithful) << length;
-    EXPECT_EQ(flat(faithful.get()), to_hex(octets)) << length;
+    EXPECT_EQ(flat(faithful), to_hex(octets)) << length;
     const int expected = length == 65541 ? 65536 : int(length);  // 83 01 00 05 becomes 83 01 00 00
-    EXPECT_EQ(getASN1ValueLength(cut.get()), expected) << length;
-    EXPECT_EQ(flat(cut.get()).size() / 2, octets.size() - (length - size_t(expected)));
+    EXPECT_EQ(getASN1ValueLength(cut), expected) << length;
+    EXPECT_EQ(flat(cut).size() / 2, octets.size() - (length - size_t(expected)));
   }
   const Unit null_unit = unit("0500");
   ASSERT_TRUE(null_unit);
   EXPECT_EQ(null_unit->value, nullptr);
-  EXPECT_FALSE(Unit(dup_ASN1_UNIT(null_unit.get())));
-  EXPECT_EQ(flat(Unit(dup_ASN1_UNIT_strict(null_unit.get())).get()), "0500");
-  EXPECT_TRUE(Unit(dup_ASN1_UNIT(unit("3000").get())));
+  EXPECT_FALSE(Unit(dup_ASN1_UNIT(null_unit)));
+  EXPECT_EQ(flat(Unit(dup_ASN1_UNIT_strict(null_unit))), "0500");
+  EXPECT_TRUE(Unit(dup_ASN1_UNIT(unit("3000"))));
 }
 
 TEST(Units, FlatFormMeasuresIndefiniteContentAgain) {
   const Unit inner = unit("30800000");
   Unit outer(new_ASN1_UNIT());
   const String sibling = string(TYPE_OCTET_STRING, hex("00000000"));
-  ASSERT_EQ(addToBERSequence(outer.get(), TYPE_SEQUENCE, inner.get(), 0, 0), 0);
-  ASSERT_EQ(addToBERSequence(outer.get(), TYPE_ASN1_STRING, sibling.get(), 4, 0), 0);
-  ASSERT_EQ(setBERLengthForm(outer.get(), 2), 0);
-  EXPECT_EQ(getASN1ValueLength(outer.get()), 10);
-  EXPECT_EQ(flat(outer.get()).size() / 2, 8u + 4u);
+  ASSERT_EQ(addToBERSequence(outer, TYPE_SEQUENCE, inner, 0, 0), 0);
+  ASSERT_EQ(addToBERSequence(outer, TYPE_ASN1_STRING, sibling, 4, 0), 0);
+  ASSERT_EQ(setBERLengthForm(outer, 2), 0);
+  EXPECT_EQ(getASN1ValueLength(outer), 10);
+  EXPECT_EQ(flat(outer).size() / 2, 8u + 4u);
 }
 
 TEST(Units, HalfMadeOnesAreRefused) {

@@ -29,10 +29,9 @@ Cms signed_by_us(const SignCase &c) {
   for (const Party *party : {&first_party(), &second_party()}) {
     if (party == &second_party() && c.signers == 1) break;
     const Certificate cert = party->certificate();
-    CMS_SIGNER_INFO *signer =
-        add_CMS_Signature_ex(cms.get(), cert.get(), c.flags, party->key().get(), c.digest_row, c.padding, nullptr);
+    CMS_SIGNER_INFO *signer = add_CMS_Signature_ex(cms, cert, c.flags, party->key(), c.digest_row, c.padding, nullptr);
     EXPECT_NE(signer, nullptr);
-    EXPECT_EQ(add_CMS_Certificate(cms.get(), cert.get()), 0);
+    EXPECT_EQ(add_CMS_Certificate(cms, cert), 0);
     const std::string time = "260101000000Z";
     if (c.attributes) {
       EXPECT_EQ(add_CMS_Signed_Attribute(signer, 52, TYPE_UTC_TIME, reinterpret_cast<const uint8_t *>(time.data()),
@@ -40,7 +39,7 @@ Cms signed_by_us(const SignCase &c) {
                 0);
     }
   }
-  EXPECT_EQ(sign_CMS(cms.get(), document().data(), int(document().size()), c.detached), 0);
+  EXPECT_EQ(sign_CMS(cms, document().data(), int(document().size()), c.detached), 0);
   return cms;
 }
 
@@ -52,7 +51,7 @@ TEST(CmsInterop, OpensslVerifiesWhatIsSignedHere) {
     SCOPED_TRACE(std::to_string(c.digest_row) + " padding " + std::to_string(c.padding) + " flags " +
                  std::to_string(c.flags) + " detached " + std::to_string(c.detached));
     const Cms cms = signed_by_us(c);
-    ASSERT_GT(writeDER_CMS_CONTENT_INFO_to_FILE(cms.get(), path.c_str()), 0);
+    ASSERT_GT(writeDER_CMS_CONTENT_INFO_to_FILE(cms, path.c_str()), 0);
     EXPECT_EQ(status_of("openssl cms -verify -noverify -binary -inform DER -in " + path +
                         (c.detached ? " -content " + document_path() : "") + " -out " + out),
               0);
@@ -63,7 +62,7 @@ TEST(CmsInterop, OpensslVerifiesWhatIsSignedHere) {
     EXPECT_EQ(verify(back, data), 0);
     EXPECT_EQ(verify_strict(back, data), 0);
     if (!c.detached) continue;
-    EXPECT_NE(verify_CMS(back.get(), nullptr, other.data(), int(other.size())), 0);
+    EXPECT_NE(verify_CMS(back, nullptr, other.data(), int(other.size())), 0);
     EXPECT_NE(verify_strict(back, &other), 0);
   }
 }
@@ -73,18 +72,17 @@ TEST(CmsInterop, DetachedContentComesInPieces) {
     for (const size_t piece : {1, 700, 5000}) {
       const Certificate cert = first_party().certificate();
       const Cms cms = cms_of(CMS_TYPE_SIGNED_DATA);
-      CMS_SIGNER_INFO *signer =
-          add_CMS_Signature(cms.get(), cert.get(), 0, first_party().key().get(), 672, PKV_RSA_PKCS1, nullptr);
+      CMS_SIGNER_INFO *signer = add_CMS_Signature(cms, cert, 0, first_party().key(), 672, PKV_RSA_PKCS1, nullptr);
       ASSERT_NE(signer, nullptr);
-      add_CMS_Certificate(cms.get(), cert.get());
+      add_CMS_Certificate(cms, cert);
       const uint8_t octet = 7;
       if (attributes) add_CMS_Signed_Attribute(signer, 52, TYPE_OCTET_STRING, &octet, 1);
-      ASSERT_EQ(init_CMS_Sign(cms.get(), 1), 0);
+      ASSERT_EQ(init_CMS_Sign(cms, 1), 0);
       for (size_t at = 0; at < document().size(); at += piece) {
         const size_t length = std::min(piece, document().size() - at);
-        ASSERT_EQ(update_CMS_Sign(cms.get(), document().data() + at, int(length)), 0);
+        ASSERT_EQ(update_CMS_Sign(cms, document().data() + at, int(length)), 0);
       }
-      ASSERT_EQ(final_CMS_Sign(cms.get()), 0);
+      ASSERT_EQ(final_CMS_Sign(cms), 0);
       EXPECT_EQ(verify_strict(sent(cms), &document()), 0);
     }
   }
@@ -130,9 +128,9 @@ TEST(CmsInterop, WhatOpensslSignsIsVerifiedHere) {
   const Cms cms = read_cms(read_file(path));
   const Certificate cert = first_party().certificate(), other = second_party().certificate();
   EXPECT_EQ(verify_strict(cms), F_VERIFY_CMS | ERR_NO_SIGNER_CERTIFICATE);
-  EXPECT_EQ(verify_CMS_strict(cms.get(), cert.get(), nullptr, nullptr, 0, 0, nullptr, nullptr), 0);
-  EXPECT_EQ(verify_CMS_strict(cms.get(), other.get(), nullptr, nullptr, 0, 0, nullptr, nullptr), F_VERIFY_CMS | 0x2B);
-  EXPECT_EQ(verify_CMS(cms.get(), other.get(), nullptr, 0), 0);
+  EXPECT_EQ(verify_CMS_strict(cms, cert, nullptr, nullptr, 0, 0, nullptr, nullptr), 0);
+  EXPECT_EQ(verify_CMS_strict(cms, other, nullptr, nullptr, 0, 0, nullptr, nullptr), F_VERIFY_CMS | 0x2B);
+  EXPECT_EQ(verify_CMS(cms, other, nullptr, 0), 0);
 }
 
 // Recipients of every kind: how a message is made for them here and by openssl, and what opens it.
@@ -156,33 +154,33 @@ class CmsRecipients : public testing::Test {
     const std::string rsa_in = rsa.as_recipient(), curve_in = curve.as_recipient();
     const std::string kek = " -secretkey " + to_hex(kKek) + " -secretkeyid " + to_hex(kKekId);
     const std::string password = " -pwri_password '" + std::string(kPassword) + "'";
-    const CMS_OPENER by_rsa{.cert = rsa_cert.get(), .key = rsa_key.get()};
-    const CMS_OPENER by_curve{.cert = curve_cert.get(), .key = curve_key.get()};
+    const CMS_OPENER by_rsa{.cert = rsa_cert, .key = rsa_key};
+    const CMS_OPENER by_curve{.cert = curve_cert, .key = curve_key};
     const CMS_OPENER by_kek{.kek = kKek.data(), .kek_length = 32, .kek_id = kKekId.data(), .kek_id_length = 4};
     const auto *text = reinterpret_cast<const uint8_t *>(kPassword);
     const CMS_OPENER by_password{.password = text, .password_length = 11};
     return {
-        {"rsa", rsa_out, rsa_in, {.kind = 0, .cert = rsa_cert.get()}, by_rsa},
-        {"rsa by key", " -keyid" + rsa_out, rsa_in, {.kind = 0, .cert = rsa_cert.get(), .flags = 1}, by_rsa},
+        {"rsa", rsa_out, rsa_in, {.kind = 0, .cert = rsa_cert}, by_rsa},
+        {"rsa by key", " -keyid" + rsa_out, rsa_in, {.kind = 0, .cert = rsa_cert, .flags = 1}, by_rsa},
         {"oaep",
          rsa_out + " -keyopt rsa_padding_mode:oaep -keyopt rsa_oaep_md:sha256",
          rsa_in,
-         {.kind = 0, .cert = rsa_cert.get(), .padding = PKV_RSA_OAEP},
+         {.kind = 0, .cert = rsa_cert, .padding = PKV_RSA_OAEP},
          by_rsa},
         {"curve sha256",
          curve_out + " -keyopt ecdh_kdf_md:sha256 -aes256-wrap",
          curve_in,
-         {.kind = 1, .cert = curve_cert.get(), .flags = 2},
+         {.kind = 1, .cert = curve_cert, .flags = 2},
          by_curve},
         {"curve sha1",
          curve_out + " -keyopt ecdh_kdf_md:sha1",
          curve_in,
-         {.kind = 1, .cert = curve_cert.get(), .flags = 2, .digest_id = PKV_DIGEST_SHA1, .cipher_id = 0x01000100},
+         {.kind = 1, .cert = curve_cert, .flags = 2, .digest_id = PKV_DIGEST_SHA1, .cipher_id = 0x01000100},
          by_curve},
         {"curve with cofactor",
          curve_out + " -keyopt ecdh_kdf_md:sha512 -keyopt ecdh_cofactor_mode:1 -des3-wrap",
          curve_in,
-         {.kind = 1, .cert = curve_cert.get(), .flags = 3, .digest_id = PKV_DIGEST_SHA512, .cipher_id = 0x02010200},
+         {.kind = 1, .cert = curve_cert, .flags = 3, .digest_id = PKV_DIGEST_SHA512, .cipher_id = 0x02010200},
          by_curve},
         {"kek",
          kek,
@@ -204,10 +202,10 @@ TEST_F(CmsRecipients, OpensslOpensWhatIsSealedHere) {
   for (const RecipientCase &c : cases()) {
     SCOPED_TRACE(c.name);
     const Cms cms = cms_of(CMS_TYPE_ENVELOPED_DATA);
-    ASSERT_NE(add_CMS_Recipient_ex(cms.get(), &c.options), nullptr);
+    ASSERT_NE(add_CMS_Recipient_ex(cms, &c.options), nullptr);
     const auto cipher = algorithm(c.name == "curve with cofactor" ? 44 : 427);
-    ASSERT_EQ(encrypt_CMS(cms.get(), nullptr, cipher.get(), document().data(), 5000, c.options.padding), 0);
-    ASSERT_GT(writeDER_CMS_CONTENT_INFO_to_FILE(cms.get(), path.c_str()), 0);
+    ASSERT_EQ(encrypt_CMS(cms, nullptr, cipher, document().data(), 5000, c.options.padding), 0);
+    ASSERT_GT(writeDER_CMS_CONTENT_INFO_to_FILE(cms, path.c_str()), 0);
     EXPECT_EQ(status_of("openssl cms -decrypt -binary -inform DER -in " + path + " -out " + out + c.decrypt), 0);
     EXPECT_TRUE(read_file(out) == document());
     Bytes opened;
@@ -235,17 +233,16 @@ TEST_F(CmsRecipients, WhatOpensslSealsIsOpenedHere) {
         EXPECT_TRUE(opened == document());
         uint8_t key[64];
         int length = 64;
-        EXPECT_EQ(decrypt_content_encryption_key_ex(cms.get(), &c.opener, key, &length), 0);
+        EXPECT_EQ(decrypt_content_encryption_key_ex(cms, &c.opener, key, &length), 0);
         if (c.name == "rsa") {
           uint8_t plain[64];
           int plain_length = 0;
-          EXPECT_EQ(decrypt_content_encryption_key(cms.get(), rsa_cert.get(), rsa_key.get(), plain, &plain_length, 0),
-                    0);
+          EXPECT_EQ(decrypt_content_encryption_key(cms, rsa_cert, rsa_key, plain, &plain_length, 0), 0);
           EXPECT_TRUE(Bytes(key, key + length) == Bytes(plain, plain + plain_length));
         }
         int size = 0;
         opened.assign(6000, 0);
-        EXPECT_EQ(decrypt_CMS(cms.get(), key, nullptr, opened.data(), &size), 0);
+        EXPECT_EQ(decrypt_CMS(cms, key, nullptr, opened.data(), &size), 0);
         EXPECT_EQ(size, 5000);
       }
       if (c.name != "rsa") break;
@@ -258,10 +255,10 @@ TEST_F(CmsRecipients, OneMessageForAll) {
   const Cms cms = cms_of(CMS_TYPE_ENVELOPED_DATA);
   for (const RecipientCase &c : cases())
     if (c.options.padding == 0 && c.options.cipher_id != 0x02010200) {
-      ASSERT_NE(add_CMS_Recipient_ex(cms.get(), &c.options), nullptr);
+      ASSERT_NE(add_CMS_Recipient_ex(cms, &c.options), nullptr);
     }
   const auto cipher = algorithm(419);
-  ASSERT_EQ(encrypt_CMS(cms.get(), nullptr, cipher.get(), document().data(), 5000, 0), 0);
+  ASSERT_EQ(encrypt_CMS(cms, nullptr, cipher, document().data(), 5000, 0), 0);
   const Cms back = sent(cms);
   ASSERT_NE(back, nullptr);
   EXPECT_EQ(PKV_Get_BIGINT_Word(content<CMS_ENVELOPED_DATA>(back)->version), 3u);
@@ -276,7 +273,7 @@ TEST_F(CmsRecipients, OneMessageForAll) {
   for (const CMS_OPENER &opener : openers) {
     uint8_t key[32];
     int length = 32;
-    EXPECT_EQ(decrypt_content_encryption_key_ex(back.get(), &opener, key, &length), PKV_ERR_FAILED);
+    EXPECT_EQ(decrypt_content_encryption_key_ex(back, &opener, key, &length), PKV_ERR_FAILED);
     Bytes opened;
     open_strict(back, opener, opened);
     EXPECT_FALSE(opened == document());

@@ -10,14 +10,11 @@
 
 namespace test {
 
-struct ReleaseCms {
-  void operator()(CMS_CONTENT_INFO *p) const { free_CMS_CONTENT_INFO(p); }
-};
-using Cms = std::unique_ptr<CMS_CONTENT_INFO, ReleaseCms>;
+using Cms = Owned<CMS_CONTENT_INFO>;
 
 inline Cms cms_of(int type) {
   Cms cms(new_CMS_CONTENT_INFO());
-  if (set_CMS_Type(cms.get(), type)) cms.reset();
+  if (set_CMS_Type(cms, type)) cms.reset();
   return cms;
 }
 inline Cms read_cms(const Bytes &octets, int *code = nullptr) {
@@ -25,7 +22,7 @@ inline Cms read_cms(const Bytes &octets, int *code = nullptr) {
 }
 inline Bytes written(CMS_CONTENT_INFO *cms) { return octets_by(writeDER_CMS_CONTENT_INFO_to_Binary, cms); }
 // As a peer gets it.
-inline Cms sent(const Cms &cms) { return read_cms(written(cms.get())); }
+inline Cms sent(const Cms &cms) { return read_cms(written(cms)); }
 
 template <class R>
 R *content(const Cms &cms) {
@@ -33,17 +30,17 @@ R *content(const Cms &cms) {
 }
 
 inline int verify(const Cms &cms, const Bytes *data = nullptr) {
-  return verify_CMS(cms.get(), nullptr, data ? data->data() : nullptr, data ? int(data->size()) : 0);
+  return verify_CMS(cms, nullptr, data ? data->data() : nullptr, data ? int(data->size()) : 0);
 }
 inline int verify_strict(const Cms &cms, const Bytes *data = nullptr, int flags = CMS_ALLOW_WEAK_DIGESTS) {
-  return verify_CMS_strict(cms.get(), nullptr, nullptr, data ? data->data() : nullptr, data ? int(data->size()) : 0,
-                           flags, nullptr, nullptr);
+  return verify_CMS_strict(cms, nullptr, nullptr, data ? data->data() : nullptr, data ? int(data->size()) : 0, flags,
+                           nullptr, nullptr);
 }
 inline int open_strict(const Cms &cms, const CMS_OPENER &opener, Bytes &out) {
   const CMS_ENCRYPTED_CONTENT_INFO *info = content<CMS_ENVELOPED_DATA>(cms)->encryptedContentInfo;
   out.assign(info->encryptedContent ? size_t(info->encryptedContent->length) + 1 : 1, 0);
   int length = int(out.size());
-  const int code = decrypt_CMS_strict(cms.get(), &opener, out.data(), &length);
+  const int code = decrypt_CMS_strict(cms, &opener, out.data(), &length);
   out.resize(code ? 0 : size_t(length));
   return code;
 }
@@ -59,11 +56,11 @@ struct CurveParty : PartyFiles {
         run("openssl ec -in " + key_path + " -outform DER 2>/dev/null | od -An -tx1 -v | tr -d ' \\n'");
     const Bytes der = hex(text);
     const Certificate cert = certificate();
-    const Owned<ECC_UNIT> unit(PKV_Dup_ECC(ASYMMETRIC_KEY_to_ECC_UNIT(get_X509_SPKI(cert.get())->key)));
+    const Owned<ECC_UNIT> unit(PKV_Dup_ECC(ASYMMETRIC_KEY_to_ECC_UNIT(get_X509_SPKI(cert)->key)));
     BIGINT *d = der.size() > 39 ? PKV_New_BIGINT_Binary(der.data() + 7, 32) : nullptr;
-    PKV_Set_ECC_Private(unit.get(), d);
+    PKV_Set_ECC_Private(unit, d);
     PKV_Free_BIGINT(d);
-    return Owned<ASYMMETRIC_KEY>(ECC_UNIT_to_ASYMMETRIC_KEY(unit.get()));
+    return Owned<ASYMMETRIC_KEY>(ECC_UNIT_to_ASYMMETRIC_KEY(unit));
   }
 };
 inline const CurveParty &curve_party() {

@@ -15,12 +15,12 @@ TEST(Cms, VersionsByTypeAndAgainstTheOthers) {
     const Cms cms = cms_of(type);
     ASSERT_NE(cms, nullptr);
     for (const int asked : kTypes) {
-      const int result = set_CMS_version(cms.get(), 3, asked);
+      const int result = set_CMS_version(cms, 3, asked);
       EXPECT_EQ(result, asked == type && type != 21 ? 0 : F_SET_CMS_VERSION | 0x48) << type << " as " << asked;
     }
-    EXPECT_EQ(set_CMS_version(cms.get(), -1, type), F_SET_CMS_VERSION | (type == 21 ? 0x48 : type == 22 ? 0x2B : 0x28));
+    EXPECT_EQ(set_CMS_version(cms, -1, type), F_SET_CMS_VERSION | (type == 21 ? 0x48 : type == 22 ? 0x2B : 0x28));
   }
-  EXPECT_EQ(set_CMS_Type(cms_of(21).get(), 24), F_SET_CMS_TYPE | 0x48);
+  EXPECT_EQ(set_CMS_Type(cms_of(21), 24), F_SET_CMS_TYPE | 0x48);
   EXPECT_EQ(set_CMS_Type(nullptr, 22), F_SET_CMS_TYPE | 0x49);
   EXPECT_EQ(set_CMS_version(nullptr, 1, 22), F_SET_CMS_VERSION | 0x49);
 }
@@ -29,19 +29,19 @@ TEST(Cms, SignerVersionsFollowTheIdentifier) {
   VELPKI_NEED_OPENSSL;
   const Certificate cert = first_party().certificate();
   const Cms cms = cms_of(CMS_TYPE_SIGNED_DATA);
-  CMS_SIGNER_INFO *plain = add_CMS_Signature(cms.get(), cert.get(), 0, nullptr, 672, 1, nullptr);
+  CMS_SIGNER_INFO *plain = add_CMS_Signature(cms, cert, 0, nullptr, 672, 1, nullptr);
   const auto *data = content<CMS_SIGNED_DATA>(cms);
   EXPECT_EQ(PKV_Get_BIGINT_Word(data->version), 1u);
-  CMS_SIGNER_INFO *by_key = add_CMS_Signature(cms.get(), cert.get(), 1, nullptr, 672, 1, nullptr);
+  CMS_SIGNER_INFO *by_key = add_CMS_Signature(cms, cert, 1, nullptr, 672, 1, nullptr);
   ASSERT_TRUE(plain && by_key);
   EXPECT_EQ(PKV_Get_BIGINT_Word(plain->version), 1u);
   EXPECT_EQ(PKV_Get_BIGINT_Word(by_key->version), 3u);
   EXPECT_EQ(PKV_Get_BIGINT_Word(data->version), 3u);
-  EXPECT_EQ(set_CMS_version(cms.get(), 2, 22), F_SET_CMS_VERSION | 0x2B);
-  EXPECT_EQ(set_CMS_version(cms.get(), 3, 22), 0);
+  EXPECT_EQ(set_CMS_version(cms, 2, 22), F_SET_CMS_VERSION | 0x2B);
+  EXPECT_EQ(set_CMS_version(cms, 3, 22), 0);
   EXPECT_EQ(PKV_Get_BIGINT_Word(plain->version), 3u);
-  EXPECT_EQ(set_CMS_SIGNER_INFO(plain, cert.get(), 0, nullptr, 672, 3, nullptr), F_SET_CMS_SIGNER_INFO | 0x48);
-  EXPECT_EQ(add_CMS_SignerInfo(cms.get(), plain), F_ADD_CMS_SIGNER | 0x2B);
+  EXPECT_EQ(set_CMS_SIGNER_INFO(plain, cert, 0, nullptr, 672, 3, nullptr), F_SET_CMS_SIGNER_INFO | 0x48);
+  EXPECT_EQ(add_CMS_SignerInfo(cms, plain), F_ADD_CMS_SIGNER | 0x2B);
   EXPECT_EQ(data->digestAlgorithms->count, 2);
 }
 
@@ -50,32 +50,29 @@ TEST(Cms, RecipientVersionsAndIdentifiers) {
   const Certificate rsa = first_party().certificate(), curve = curve_party().certificate();
   const Cms cms = cms_of(CMS_TYPE_ENVELOPED_DATA);
   const auto *data = content<CMS_ENVELOPED_DATA>(cms);
-  const auto *by_serial =
-      static_cast<KEY_TRANS_RECIPIENT_INFO *>(add_CMS_Recipient(cms.get(), rsa.get(), 32, nullptr, 0)->info);
+  const auto *by_serial = static_cast<KEY_TRANS_RECIPIENT_INFO *>(add_CMS_Recipient(cms, rsa, 32, nullptr, 0)->info);
   EXPECT_EQ(PKV_Get_BIGINT_Word(by_serial->version), 0u);
   EXPECT_EQ(PKV_Get_BIGINT_Word(data->version), 0u);
-  const auto *by_key =
-      static_cast<KEY_TRANS_RECIPIENT_INFO *>(add_CMS_Recipient(cms.get(), rsa.get(), 8, nullptr, 1)->info);
+  const auto *by_key = static_cast<KEY_TRANS_RECIPIENT_INFO *>(add_CMS_Recipient(cms, rsa, 8, nullptr, 1)->info);
   EXPECT_EQ(PKV_Get_BIGINT_Word(by_key->version), 2u);
   EXPECT_EQ(PKV_Get_BIGINT_Word(data->version), 2u);
   EXPECT_EQ(index_from_OBJECT_IDENTIFIER(by_key->keyEncryptionAlgorithm->algorithm), 832);
   for (const auto &[flags, originator, recipient] :
        {std::tuple(16, 0, 0), {17, 1, 1}, {18, 2, 0}, {19, 2, 1}, {48, 0, 0}}) {
-    const CMS_RECIPIENT_INFO *made = add_CMS_Recipient(cms.get(), curve.get(), 0, nullptr, flags);
+    const CMS_RECIPIENT_INFO *made = add_CMS_Recipient(cms, curve, 0, nullptr, flags);
     ASSERT_NE(made, nullptr);
     const auto *info = static_cast<KEY_AGREE_RECIPIENT_INFO *>(made->info);
     EXPECT_EQ(PKV_Get_BIGINT_Word(info->version), 3u);
     EXPECT_EQ(info->originator->type, originator);
-    EXPECT_EQ(static_cast<RECIPIENT_ENCRYPTED_KEY *>(get_STACK_value(info->recipientEncryptedKeys, 0))->rid->type,
-              recipient);
+    EXPECT_EQ(item<RECIPIENT_ENCRYPTED_KEY>(info->recipientEncryptedKeys, 0)->rid->type, recipient);
     CMS_RECIPIENT_INFO *changeable = const_cast<CMS_RECIPIENT_INFO *>(made);
     const int result = encrypt_CMS_RecipientInfo(changeable, document().data(), 16, 0);
     EXPECT_EQ(result, originator == 2 ? 0 : F_ENCRYPT_CMS_RECIPIENTINFO | 0x48);
     EXPECT_EQ(info->originator->type, originator);
   }
-  EXPECT_EQ(add_CMS_Recipient(cms.get(), curve.get(), 0, nullptr, 32)->kind, CMS_RECIPIENT_KEK);
-  EXPECT_EQ(add_CMS_Recipient(cms.get(), curve.get(), 0, nullptr, 0), nullptr);
-  EXPECT_EQ(set_CMS_version(cms.get(), 5, 23), 0);
+  EXPECT_EQ(add_CMS_Recipient(cms, curve, 0, nullptr, 32)->kind, CMS_RECIPIENT_KEK);
+  EXPECT_EQ(add_CMS_Recipient(cms, curve, 0, nullptr, 0), nullptr);
+  EXPECT_EQ(set_CMS_version(cms, 5, 23), 0);
   EXPECT_EQ(PKV_Get_BIGINT_Word(by_key->version), 5u);
 }
 
@@ -83,10 +80,9 @@ TEST(Cms, RecipientVersionsAndIdentifiers) {
 TEST(Cms, SubjectKeyIdentifierComparison) {
   VELPKI_NEED_OPENSSL;
   const Certificate cert = first_party().certificate();
-  OCTET_STRING *own = nullptr;
-  ASSERT_EQ(set_CMS_SubjectKeyIdentifier(&own, cert.get()), 0);
+  Owned<OCTET_STRING> own;
+  ASSERT_EQ(set_CMS_SubjectKeyIdentifier(&own, cert), 0);
   const Bytes whole(own->data, own->data + own->length);
-  free_ASN1_STRING(own);
   struct Case {
     Bytes identifier;
     bool plain, strict;
@@ -100,10 +96,10 @@ TEST(Cms, SubjectKeyIdentifierComparison) {
                         {whole + Bytes{0}, true, false},
                         {other, false, false}}) {
     const Cms cms = cms_of(CMS_TYPE_SIGNED_DATA);
-    CMS_SIGNER_INFO *signer = add_CMS_Signature(cms.get(), cert.get(), 1, first_party().key().get(), 672, 1, nullptr);
+    CMS_SIGNER_INFO *signer = add_CMS_Signature(cms, cert, 1, first_party().key(), 672, 1, nullptr);
     ASSERT_NE(signer, nullptr);
-    add_CMS_Certificate(cms.get(), cert.get());
-    ASSERT_EQ(sign_CMS(cms.get(), document().data(), 5000, 0), 0);
+    add_CMS_Certificate(cms, cert);
+    ASSERT_EQ(sign_CMS(cms, document().data(), 5000, 0), 0);
     ASSERT_EQ(set_ASN1_STRING_value(signer->sid->subjectKeyIdentifier, TYPE_OCTET_STRING, c.identifier.data(),
                                     int(c.identifier.size())),
               0);
@@ -119,22 +115,22 @@ TEST(Cms, StrictRefusesWhatPlainLetsPass) {
   const Cms empty = cms_of(CMS_TYPE_SIGNED_DATA);
   auto *content_info = new_ENCAPSULATED_CONTENT_INFO();
   ASSERT_EQ(set_ENCAPSULATED_CONTENT_INFO(content_info, 21, document().data(), 10), 0);
-  ASSERT_EQ(set_Content_Info(empty.get(), content_info), 0);
-  EXPECT_EQ(verify_CMS(empty.get(), cert.get(), nullptr, 0), 0);
+  ASSERT_EQ(set_Content_Info(empty, content_info), 0);
+  EXPECT_EQ(verify_CMS(empty, cert, nullptr, 0), 0);
   EXPECT_EQ(verify_strict(empty), F_VERIFY_CMS | 0x2B);
   // Content of another type is bound by attributes, which are made without being asked for.
   const Cms typed = cms_of(CMS_TYPE_SIGNED_DATA);
   auto *typed_info = new_ENCAPSULATED_CONTENT_INFO();
   ASSERT_EQ(set_ENCAPSULATED_CONTENT_INFO(typed_info, 22, document().data(), 10), 0);
-  ASSERT_EQ(set_Content_Info(typed.get(), typed_info), 0);
-  CMS_SIGNER_INFO *signer = add_CMS_Signature(typed.get(), cert.get(), 0, first_party().key().get(), 672, 1, nullptr);
-  add_CMS_Certificate(typed.get(), cert.get());
-  ASSERT_EQ(sign_CMS(typed.get(), nullptr, 0, 0), 0);
+  ASSERT_EQ(set_Content_Info(typed, typed_info), 0);
+  CMS_SIGNER_INFO *signer = add_CMS_Signature(typed, cert, 0, first_party().key(), 672, 1, nullptr);
+  add_CMS_Certificate(typed, cert);
+  ASSERT_EQ(sign_CMS(typed, nullptr, 0, 0), 0);
   EXPECT_EQ(signer->signedAttrs->count, 2);
   EXPECT_EQ(PKV_Get_BIGINT_Word(content<CMS_SIGNED_DATA>(typed)->version), 3u);
   EXPECT_EQ(verify_strict(sent(typed)), 0);
-  EXPECT_EQ(verify_CMS(typed.get(), other.get(), nullptr, 0), 0);
-  EXPECT_EQ(verify_CMS_strict(typed.get(), other.get(), nullptr, nullptr, 0, 0, nullptr, nullptr), F_VERIFY_CMS | 0x2B);
+  EXPECT_EQ(verify_CMS(typed, other, nullptr, 0), 0);
+  EXPECT_EQ(verify_CMS_strict(typed, other, nullptr, nullptr, 0, 0, nullptr, nullptr), F_VERIFY_CMS | 0x2B);
   // The same signature over the same octets under another content type.
   const Cms renamed = sent(typed);
   OBJECT_IDENTIFIER *&type = content<CMS_SIGNED_DATA>(renamed)->encapContentInfo->eContentType;
@@ -145,7 +141,7 @@ TEST(Cms, StrictRefusesWhatPlainLetsPass) {
   // Attributes taken away and offered as the content.
   const Cms stripped = sent(typed);
   auto *data = content<CMS_SIGNED_DATA>(stripped);
-  auto *victim = static_cast<CMS_SIGNER_INFO *>(get_STACK_value(data->signerInfos, 0));
+  auto *victim = item<CMS_SIGNER_INFO>(data->signerInfos, 0);
   Bytes set = hex(hex_of(X509_ATTRIBUTES_to_Seq, victim->signedAttrs));
   set[0] = 0x31;
   auto *forged = new_CMS_SIGNER_INFO();
@@ -171,17 +167,17 @@ TEST(Cms, AuthenticatedDataWithAndWithoutAttributes) {
   for (const int digest : {PKV_DIGEST_SHA256, PKV_DIGEST_SHA384, PKV_DIGEST_SHA512}) {
     for (const int form : {0, 1, 2, 3}) {
       const Cms cms = cms_of(CMS_TYPE_AUTHENTICATED_DATA);
-      ASSERT_NE(add_CMS_Recipient_ex(cms.get(), &options), nullptr);
-      if (form & 1) ASSERT_EQ(add_CMS_Authenticated_Attribute(cms.get(), 52, TYPE_OCTET_STRING, key.data(), 4), 0);
-      ASSERT_EQ(authenticate_CMS(cms.get(), digest, PKV_DIGEST_SHA256, document().data(), 5000, form & 2, 0), 0);
+      ASSERT_NE(add_CMS_Recipient_ex(cms, &options), nullptr);
+      if (form & 1) ASSERT_EQ(add_CMS_Authenticated_Attribute(cms, 52, TYPE_OCTET_STRING, key.data(), 4), 0);
+      ASSERT_EQ(authenticate_CMS(cms, digest, PKV_DIGEST_SHA256, document().data(), 5000, form & 2, 0), 0);
       const Cms back = sent(cms);
       ASSERT_NE(back, nullptr);
       const uint8_t *data = form & 2 ? document().data() : nullptr;
-      EXPECT_EQ(verify_authenticated_CMS(back.get(), &opener, data, data ? 5000 : 0), 0);
-      EXPECT_EQ(verify_authenticated_CMS(back.get(), &wrong, data, data ? 5000 : 0), F_VERIFY_CMS | 0x5E);
-      EXPECT_EQ(verify_authenticated_CMS(back.get(), &opener, document().data(), 4999),
+      EXPECT_EQ(verify_authenticated_CMS(back, &opener, data, data ? 5000 : 0), 0);
+      EXPECT_EQ(verify_authenticated_CMS(back, &wrong, data, data ? 5000 : 0), F_VERIFY_CMS | 0x5E);
+      EXPECT_EQ(verify_authenticated_CMS(back, &opener, document().data(), 4999),
                 F_VERIFY_CMS | (form & 2 ? 0x5E : ERR_CONTENT_MISMATCH));
-      if (form & 2) EXPECT_EQ(verify_authenticated_CMS(back.get(), &opener, nullptr, 0), F_VERIFY_CMS | ERR_NO_CONTENT);
+      if (form & 2) EXPECT_EQ(verify_authenticated_CMS(back, &opener, nullptr, 0), F_VERIFY_CMS | ERR_NO_CONTENT);
     }
   }
 }
@@ -212,10 +208,10 @@ TEST(Cms, WrappedKeysAndIvsOfOtherLengths) {
     const Sealed sealed(length);
     const CMS_OPENER opener = sealed.opener();
     int room = 16;
-    EXPECT_EQ(decrypt_content_encryption_key_ex(sealed.message().get(), &opener, key, &room),
+    EXPECT_EQ(decrypt_content_encryption_key_ex(sealed.message(), &opener, key, &room),
               length == 16 ? 0 : PKV_ERR_FAILED);
     room = 15;
-    EXPECT_EQ(decrypt_content_encryption_key_ex(sealed.message().get(), &opener, key, &room),
+    EXPECT_EQ(decrypt_content_encryption_key_ex(sealed.message(), &opener, key, &room),
               F_DECRYPT_CONTENT_ENCRYPTION_KEY | 0x2B);
   }
   for (const size_t length : {0, 8, 16, 23, 25, 80}) {
@@ -223,7 +219,7 @@ TEST(Cms, WrappedKeysAndIvsOfOtherLengths) {
     sealed.wrapped = Bytes(length, 1);
     const CMS_OPENER opener = sealed.opener();
     int room = 64;
-    EXPECT_EQ(decrypt_content_encryption_key_ex(sealed.message().get(), &opener, key, &room), PKV_ERR_FAILED) << length;
+    EXPECT_EQ(decrypt_content_encryption_key_ex(sealed.message(), &opener, key, &room), PKV_ERR_FAILED) << length;
   }
   const auto code_with = [](auto change) {
     Sealed sealed;
@@ -280,33 +276,33 @@ TEST(Cms, FlowsSurviveEachFailedAllocation) {
   const auto aes = algorithm(419);
   const Bytes kek(16, 2);
   const CMS_RECIPIENT_OPTIONS recipients[] = {
-      {.kind = 0, .cert = cert.get(), .flags = 1},
-      {.kind = 1, .cert = curve.get(), .flags = 2},
+      {.kind = 0, .cert = cert, .flags = 1},
+      {.kind = 1, .cert = curve, .flags = 2},
       {.kind = 2, .secret = kek.data(), .secret_length = 16, .key_id = kek.data(), .key_id_length = 2},
       {.kind = 3, .secret = kek.data(), .secret_length = 16, .iterations = 1}};
-  const CMS_OPENER openers[] = {{.cert = cert.get(), .key = key.get()},
-                                {.cert = curve.get(), .key = curve_key.get()},
+  const CMS_OPENER openers[] = {{.cert = cert, .key = key},
+                                {.cert = curve, .key = curve_key},
                                 {.kek = kek.data(), .kek_length = 16},
                                 {.password = kek.data(), .password_length = 16}};
   const auto sign = [&]() -> int {
     const Cms cms = cms_of(CMS_TYPE_SIGNED_DATA);
-    if (!cms || !add_CMS_Signature_ex(cms.get(), cert.get(), 1, key.get(), 672, 2, nullptr)) return 0x3C;
-    if (add_CMS_Certificate(cms.get(), cert.get())) return 0x3C;
-    auto *signer = static_cast<CMS_SIGNER_INFO *>(get_STACK_value(content<CMS_SIGNED_DATA>(cms)->signerInfos, 0));
+    if (!cms || !add_CMS_Signature_ex(cms, cert, 1, key, 672, 2, nullptr)) return 0x3C;
+    if (add_CMS_Certificate(cms, cert)) return 0x3C;
+    auto *signer = item<CMS_SIGNER_INFO>(content<CMS_SIGNED_DATA>(cms)->signerInfos, 0);
     if (add_CMS_Signed_Attribute(signer, 52, TYPE_OCTET_STRING, kek.data(), 3)) return 0x3C;
-    if (const int code = sign_CMS(cms.get(), kek.data(), 16, 1)) return code;
+    if (const int code = sign_CMS(cms, kek.data(), 16, 1)) return code;
     const Cms back = sent(cms);
     return back ? verify_strict(back, &kek, 0) : 0x3C;
   };
   const auto seal = [&]() -> int {
     const Cms cms = cms_of(CMS_TYPE_ENVELOPED_DATA);
     for (const CMS_RECIPIENT_OPTIONS &each : recipients)
-      if (!cms || !add_CMS_Recipient_ex(cms.get(), &each)) return 0x3C;
-    if (const int code = encrypt_CMS(cms.get(), nullptr, aes.get(), kek.data(), 16, 0)) return code;
+      if (!cms || !add_CMS_Recipient_ex(cms, &each)) return 0x3C;
+    if (const int code = encrypt_CMS(cms, nullptr, aes, kek.data(), 16, 0)) return code;
     for (const CMS_OPENER &each : openers) {
       uint8_t out[32];
       int length = 32;
-      if (const int code = decrypt_CMS_strict(cms.get(), &each, out, &length)) return code;
+      if (const int code = decrypt_CMS_strict(cms, &each, out, &length)) return code;
       if (length != 16 || std::memcmp(out, kek.data(), 16) != 0) return 0x3C;
     }
     return 0;

@@ -22,12 +22,12 @@ void verify_row(const std::string &folder, const Row &row, const Cms &cms, Tally
   if (row.at("signers").empty() || (expected != "ok" && expected != "fail")) return;
   if (!attached && row.at("content_file").empty()) return;
   const Certificates certs = certificates_at(folder, row.at("signer_certs"));
-  const int code = verify_CMS_strict(cms.get(), nullptr, certs.get(), attached ? nullptr : given.data(),
+  const int code = verify_CMS_strict(cms, nullptr, certs, attached ? nullptr : given.data(),
                                      attached ? 0 : int(given.size()), CMS_ALLOW_WEAK_DIGESTS, nullptr, nullptr);
   (code ? tally.bad : tally.good)++;
   if (expected == "fail" && code == 0) tell(row, "verified although openssl does not", code);
   if (expected == "ok" && code) tell(row, "not verified", code);
-  const int plain = verify_CMS(cms.get(), nullptr, attached ? nullptr : given.data(), attached ? 0 : int(given.size()));
+  const int plain = verify_CMS(cms, nullptr, attached ? nullptr : given.data(), attached ? 0 : int(given.size()));
   tally.plain += plain == 0;
 }
 
@@ -41,10 +41,10 @@ struct RowOpener {
     const auto certs = split(row.at("recipient_cert")), private_keys = split(row.at("recipient_key"));
     for (size_t i = 0; i < std::min(certs.size(), private_keys.size()); ++i) {
       Certificate cert = certificate_at(folder + "/" + certs[i]);
-      Owned<ASYMMETRIC_KEY> key = key_at(folder + "/" + private_keys[i], cert.get());
+      Owned<ASYMMETRIC_KEY> key = key_at(folder + "/" + private_keys[i], cert);
       keys.emplace_back(std::move(cert), std::move(key));
     }
-    for (const auto &[cert, key] : keys) all.push_back({.cert = cert.get(), .key = key.get()});
+    for (const auto &[cert, key] : keys) all.push_back({.cert = cert, .key = key});
     const auto stated = split(row.at("secret"), ':');
     if (stated.size() == 3) {
       secret = hex(stated[1]), id = hex(stated[2]);
@@ -87,13 +87,13 @@ TEST(CmsVectors, EveryMessage) {
       continue;
     }
     ++read;
-    const Bytes out = octets_by(writeDER_CMS_CONTENT_INFO_to_Binary_RFC5280, cms.get());
+    const Bytes out = octets_by(writeDER_CMS_CONTENT_INFO_to_Binary_RFC5280, cms);
     EXPECT_NE(read_cms(out), nullptr) << row.at("file");
     if (cms->kind == CMS_TYPE_SIGNED_DATA) verify_row(folder, row, cms, signers);
     if (cms->kind == CMS_TYPE_ENVELOPED_DATA) open_row(folder, row, cms, recipients);
     if (cms->kind != CMS_TYPE_AUTHENTICATED_DATA) continue;
     for (const CMS_OPENER &each : RowOpener(folder, row).all) {
-      const int result = verify_authenticated_CMS(cms.get(), &each, nullptr, 0);
+      const int result = verify_authenticated_CMS(cms, &each, nullptr, 0);
       (result ? macs.bad : macs.good)++;
       if (result) tell(row, "MAC not verified", result);
     }

@@ -37,13 +37,12 @@ Message signed_by_us(const SignCase &c) {
   for (const Party *party : {&first_party(), &second_party()}) {
     if (party == &second_party() && c.signers == 1) break;
     const Certificate cert = party->certificate();
-    P7_SIGNER_INFO *signer =
-        add_PKCS7_Signature_ex(p7.get(), cert.get(), party->key().get(), c.digest_row, c.padding, nullptr);
+    P7_SIGNER_INFO *signer = add_PKCS7_Signature_ex(p7, cert, party->key(), c.digest_row, c.padding, nullptr);
     EXPECT_NE(signer, nullptr);
-    EXPECT_EQ(add_PKCS7_Certificate(p7.get(), cert.get()), 0);
+    EXPECT_EQ(add_PKCS7_Certificate(p7, cert), 0);
     if (c.attributes) add_attributes(signer, c.digest_id);
   }
-  EXPECT_EQ(sign_PKCS7(p7.get(), document().data(), int(document().size()), c.detached), 0);
+  EXPECT_EQ(sign_PKCS7(p7, document().data(), int(document().size()), c.detached), 0);
   return p7;
 }
 
@@ -52,7 +51,7 @@ TEST(Interop, OpensslVerifiesWhatIsSignedHere) {
   for (const SignCase &c : sign_cases()) {
     const Message p7 = signed_by_us(c);
     const std::string path = temporary_path("signed.der"), out = temporary_path("verified");
-    ASSERT_GT(writeDER_P7_CONTENT_INFO_to_FILE(p7.get(), path.c_str()), 0);
+    ASSERT_GT(writeDER_P7_CONTENT_INFO_to_FILE(p7, path.c_str()), 0);
     const std::string tool = c.padding == PKV_RSA_PSS ? "openssl cms" : "openssl smime";
     const int status = status_of(tool + " -verify -noverify -binary -inform DER -in " + path +
                                  (c.detached ? " -content " + document_path() : "") + " -out " + out);
@@ -93,16 +92,15 @@ TEST(Interop, WhatOpensslSignsIsVerifiedHere) {
          true});
   for (const Case &c : cases) {
     ASSERT_EQ(status_of(c.command + " -outform " + c.form), 0);
-    P7_CONTENT_INFO *p7 = nullptr;
+    Owned<P7_CONTENT_INFO> p7;
     ASSERT_EQ(c.form == "DER" ? readDER_P7_CONTENT_INFO_from_File(&p7, path.c_str())
                               : readPEM_P7_CONTENT_INFO_from_File(&p7, path.c_str()),
               0)
         << c.command;
-    const Message message(p7);
     const Bytes other = damaged(document(), 4999);
-    EXPECT_EQ(verify(message, c.detached ? &document() : nullptr), 0) << c.command;
+    EXPECT_EQ(verify(p7, c.detached ? &document() : nullptr), 0) << c.command;
     EXPECT_EQ(static_cast<P7_SIGNED_DATA *>(p7->content)->detached, c.detached);
-    if (c.detached) EXPECT_NE(verify(message, &other), 0) << c.command;
+    if (c.detached) EXPECT_NE(verify(p7, &other), 0) << c.command;
     if (c.form == "DER") EXPECT_TRUE(written(p7) == read_file(path)) << c.command;
   }
 }
@@ -114,9 +112,9 @@ Bytes opened(const Message &p7, const Party &party, int padding) {
   uint8_t key[32];
   int key_length = 0, length = 0;
   const Certificate cert = party.certificate();
-  if (decrypt_PKCS7_enveloped_CEK(p7.get(), cert.get(), party.key().get(), key, &key_length, padding)) return {};
-  Bytes out(size_t(get_PKCS7_ENCRYPTED_CONTENT_length(p7.get())));
-  if (decrypt_PKCS7(p7.get(), key, nullptr, out.data(), &length)) return {};
+  if (decrypt_PKCS7_enveloped_CEK(p7, cert, party.key(), key, &key_length, padding)) return {};
+  Bytes out(size_t(get_PKCS7_ENCRYPTED_CONTENT_length(p7)));
+  if (decrypt_PKCS7(p7, key, nullptr, out.data(), &length)) return {};
   out.resize(size_t(length));
   return out;
 }
@@ -128,13 +126,12 @@ TEST(Interop, OpensslOpensWhatIsSealedHere) {
     for (const int padding : {PKV_RSA_PKCS1_CRYPT, PKV_RSA_OAEP}) {
       const Message p7 = message_of(PKCS7_ENVELOPED_DATA);
       for (const Party *party : {&first_party(), &second_party()})
-        ASSERT_NE(add_PKCS7_Recipient_withEncryptedAlgorithm(p7.get(), party->certificate().get(), padding, nullptr),
-                  nullptr);
-      ASSERT_EQ(encrypt_PKCS7(p7.get(), nullptr, algorithm(number_in(row, "row"), row.at("oid")).get(),
-                              document().data(), int(document().size()), padding),
+        ASSERT_NE(add_PKCS7_Recipient_withEncryptedAlgorithm(p7, party->certificate(), padding, nullptr), nullptr);
+      ASSERT_EQ(encrypt_PKCS7(p7, nullptr, algorithm(number_in(row, "row"), row.at("oid")), document().data(),
+                              int(document().size()), padding),
                 0)
           << row.at("openssl");
-      ASSERT_GT(writeDER_P7_CONTENT_INFO_to_FILE(p7.get(), path.c_str()), 0);
+      ASSERT_GT(writeDER_P7_CONTENT_INFO_to_FILE(p7, path.c_str()), 0);
       for (const Party *party : {&first_party(), &second_party()}) {
         EXPECT_EQ(status_of("openssl cms -decrypt -inform DER" + std::string(kProviders) + "-in " + path +
                             party->as_recipient() + " -out " + out),

@@ -7,14 +7,7 @@
 
 namespace test {
 
-struct ReleaseMessage {
-  void operator()(P7_CONTENT_INFO *p) const { free_P7_CONTENT_INFO(p); }
-};
-using Message = std::unique_ptr<P7_CONTENT_INFO, ReleaseMessage>;
-
-inline bool has_openssl() { return !run("openssl version").empty(); }
-#define VELPKI_NEED_OPENSSL \
-  if (!test::has_openssl()) GTEST_SKIP() << "no openssl command"
+using Message = Owned<P7_CONTENT_INFO>;
 
 // Files live as long as the program; what is read from them, as long as a test.
 struct PartyFiles {
@@ -43,11 +36,10 @@ struct Party : PartyFiles {
     certify(name);
   }
   Owned<ASYMMETRIC_KEY> key() const {
-    PKCS1_RSA_PRIVATE_KEY *record = nullptr;
+    Owned<PKCS1_RSA_PRIVATE_KEY> record;
     readPEM_PKCS1_RSA_PRIVATE_KEY_from_File(&record, key_path.c_str());
     const Owned<RSA_UNIT> rsa(get_RSA_UNIT_from_PRIV_KEY(record));
-    free_PKCS1_RSA_PRIVATE_KEY(record);
-    return Owned<ASYMMETRIC_KEY>(RSA_UNIT_to_ASYMMETRIC_KEY(rsa.get()));
+    return Owned<ASYMMETRIC_KEY>(RSA_UNIT_to_ASYMMETRIC_KEY(rsa));
   }
 };
 // Two signers or recipients, and one whose digest fits where little room is.
@@ -80,7 +72,7 @@ inline std::string document_path() {
 
 inline Message message_of(int type) {
   Message p7(new_P7_CONTENT_INFO());
-  if (set_PKCS7_Type(p7.get(), type)) p7.reset();
+  if (set_PKCS7_Type(p7, type)) p7.reset();
   return p7;
 }
 inline Message read_message(const Bytes &der, int *code = nullptr) {
@@ -88,23 +80,23 @@ inline Message read_message(const Bytes &der, int *code = nullptr) {
 }
 inline Bytes written(P7_CONTENT_INFO *p7) { return octets_by(writeDER_P7_CONTENT_INFO_to_Binary, p7); }
 // As a peer gets it.
-inline Message sent(const Message &p7) { return read_message(written(p7.get())); }
+inline Message sent(const Message &p7) { return read_message(written(p7)); }
 
 // By its row in the registry, or by its OID where it has none.
 inline Owned<X509_ALGO_IDENTIFIER> algorithm(int row, std::string_view otherwise = {}) {
   Owned<X509_ALGO_IDENTIFIER> made(new_X509_ALGO_IDENTIFIER());
   const String named = row ? String(index_to_OBJECT_IDENTIFIER(row)) : oid(otherwise);
-  set_X509_ALGO_IDENTIFIER_value(made.get(), named.get(), nullptr);
+  set_X509_ALGO_IDENTIFIER_value(made, named, nullptr);
   return made;
 }
 
 inline int verify(const Message &p7, const Bytes *data = nullptr) {
-  return verify_PKCS7(p7.get(), nullptr, data ? data->data() : nullptr, data ? int(data->size()) : 0);
+  return verify_PKCS7(p7, nullptr, data ? data->data() : nullptr, data ? int(data->size()) : 0);
 }
 inline int verify_strictly(const Message &p7, int flags = 0, const Bytes *data = nullptr,
                            const X509_CERT *cert = nullptr) {
-  return verify_PKCS7_strict(p7.get(), cert, nullptr, data ? data->data() : nullptr, data ? int(data->size()) : 0,
-                             flags, nullptr, nullptr);
+  return verify_PKCS7_strict(p7, cert, nullptr, data ? data->data() : nullptr, data ? int(data->size()) : 0, flags,
+                             nullptr, nullptr);
 }
 
 // The attributes that a signer of the document needs.

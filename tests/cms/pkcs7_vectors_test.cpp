@@ -17,10 +17,10 @@ Message read_any(const std::string &path, int *code) {
 
 // What is written of a message reads again, and is written the same.
 void write_back(const Message &p7, const std::string &path) {
-  const Bytes out = octets_by(writeDER_P7_CONTENT_INFO_to_Binary_RFC5280, p7.get());
+  const Bytes out = octets_by(writeDER_P7_CONTENT_INFO_to_Binary_RFC5280, p7);
   const Message again(read_by(readBER_P7_CONTENT_INFO_from_Binary, out));
   ASSERT_TRUE(again) << path;
-  EXPECT_TRUE(octets_by(writeDER_P7_CONTENT_INFO_to_Binary_RFC5280, again.get()) == out) << path;
+  EXPECT_TRUE(octets_by(writeDER_P7_CONTENT_INFO_to_Binary_RFC5280, again) == out) << path;
 }
 
 std::string first_of(const std::string &list) { return list.substr(0, list.find(',')); }
@@ -52,13 +52,12 @@ TEST(Vectors, SignedMessages) {
     const uint8_t *data = attached ? nullptr : content.data();
     const int size = attached ? 0 : int(content.size());
     const Certificates certs = certificates_at(folder, row.at("signer_certs"));
-    const int strict =
-        verify_PKCS7_strict(p7.get(), nullptr, certs.get(), data, size, PKCS7_ALLOW_WEAK_DIGESTS, nullptr, nullptr);
+    const int strict = verify_PKCS7_strict(p7, nullptr, certs, data, size, PKCS7_ALLOW_WEAK_DIGESTS, nullptr, nullptr);
     // One signs content that is no OCTET STRING, which openssl does not look at.
     if (expected == "fail" && row.at("file").find(".cat") == std::string::npos) EXPECT_NE(strict, 0) << path;
     verified += strict == 0;
     refused += strict != 0;
-    plain += verify_PKCS7(p7.get(), nullptr, data, size) == 0;
+    plain += verify_PKCS7(p7, nullptr, data, size) == 0;
     if (strict && expected == "ok")
       std::printf("not verified: %s %08x (%s)\n", row.at("file").c_str(), unsigned(strict), row.at("notes").c_str());
   }
@@ -79,10 +78,10 @@ TEST(Vectors, EnvelopedMessages) {
     if (!p7) continue;  // recipients of another kind
     ++decoded;
     const Certificate cert = certificate_at(folder + "/" + first_of(row.at("recipient_cert")));
-    const Owned<ASYMMETRIC_KEY> key = key_at(folder + "/" + first_of(row.at("recipient_key")), cert.get());
-    int length = get_PKCS7_ENCRYPTED_CONTENT_length(p7.get());
+    const Owned<ASYMMETRIC_KEY> key = key_at(folder + "/" + first_of(row.at("recipient_key")), cert);
+    int length = get_PKCS7_ENCRYPTED_CONTENT_length(p7);
     Bytes out(size_t(std::max(length, 1)));
-    const int result = decrypt_PKCS7_strict(p7.get(), cert.get(), key.get(), out.data(), &length);
+    const int result = decrypt_PKCS7_strict(p7, cert, key, out.data(), &length);
     if (result == 0 && row.at("expected") != "fail") {
       EXPECT_EQ(length, number_in(row, "content_length")) << path;
       ++opened;
@@ -104,12 +103,11 @@ TEST(Vectors, DamagedMessages) {
     GuardedBytes guarded(octets.size());
     const uint8_t *at = guarded.place(octets.data(), octets.size());
     for (const auto read : {readBER_P7_CONTENT_INFO_from_Binary, readDER_P7_CONTENT_INFO_from_Binary}) {
-      P7_CONTENT_INFO *p7 = nullptr;
+      Owned<P7_CONTENT_INFO> p7;
       if (read(&p7, at, int(octets.size()))) continue;
       ++taken;
       verify_PKCS7(p7, nullptr, at, 4);
       verify_PKCS7_strict(p7, nullptr, nullptr, at, 4, 1, nullptr, nullptr);
-      free_P7_CONTENT_INFO(p7);
     }
   }
   std::printf("damaged inputs: %d taken as messages\n", taken);

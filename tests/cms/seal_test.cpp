@@ -9,20 +9,19 @@ const Bytes kKey = hex("000102030405060708090a0b0c0d0e0f"), kIv = hex("101112131
 
 Message enveloped(int padding = 32, const Party &party = first_party()) {
   Message p7 = message_of(PKCS7_ENVELOPED_DATA);
-  add_PKCS7_Recipient_withEncryptedAlgorithm(p7.get(), party.certificate().get(), padding, nullptr);
+  add_PKCS7_Recipient_withEncryptedAlgorithm(p7, party.certificate(), padding, nullptr);
   return p7;
 }
 Bytes decrypted(const Message &p7, int *code = nullptr) {
-  Bytes out(size_t(std::max(get_PKCS7_ENCRYPTED_CONTENT_length(p7.get()), 1)));
+  Bytes out(size_t(std::max(get_PKCS7_ENCRYPTED_CONTENT_length(p7), 1)));
   int length = 0;
-  const int result = decrypt_PKCS7(p7.get(), kKey.data(), nullptr, out.data(), &length);
+  const int result = decrypt_PKCS7(p7, kKey.data(), nullptr, out.data(), &length);
   if (code) *code = result;
   out.resize(size_t(length));
   return out;
 }
 int seal_hundred(const Message &p7, int padding, const Bytes &iv = kIv) {
-  return encrypt_PKCS7_userKEY(p7.get(), nullptr, algorithm(419).get(), document().data(), 100, kKey.data(), iv.data(),
-                               padding);
+  return encrypt_PKCS7_userKEY(p7, nullptr, algorithm(419), document().data(), 100, kKey.data(), iv.data(), padding);
 }
 P7_ENCRYPTED_CONTENT_INFO *encrypted_of(const Message &p7) {
   return static_cast<P7_ENVELOPED_DATA *>(p7->content)->encryptedContentInfo;
@@ -35,23 +34,23 @@ TEST(Seal, PiecesGiveTheSameCiphertext) {
   for (const int detached : {0, 1})
     for (const auto &split : splits) {
       const Message p7 = enveloped();
-      ASSERT_EQ(init_PKCS7_Encrypt(p7.get(), nullptr, algorithm(419).get(), detached, kKey.data(), kIv.data(), 0), 0);
+      ASSERT_EQ(init_PKCS7_Encrypt(p7, nullptr, algorithm(419), detached, kKey.data(), kIv.data(), 0), 0);
       Bytes all;
       const uint8_t *at = document().data();
       for (const int length : split) {
         Bytes out(size_t(length) + 16);
         int written = int(out.size());
-        ASSERT_EQ(update_PKCS7_encrypt(p7.get(), at, length, out.data(), &written), 0);
+        ASSERT_EQ(update_PKCS7_encrypt(p7, at, length, out.data(), &written), 0);
         all.insert(all.end(), out.begin(), out.begin() + written);
         at += length;
       }
       Bytes last(16);
       int written = 16;
-      ASSERT_EQ(final_PKCS7_Encrypt(p7.get(), last.data(), &written), 0);
+      ASSERT_EQ(final_PKCS7_Encrypt(p7, last.data(), &written), 0);
       all.insert(all.end(), last.begin(), last.begin() + written);
       if (wanted.empty()) wanted = to_hex(all);
       EXPECT_EQ(to_hex(all), wanted);
-      EXPECT_EQ(get_PKCS7_ENCRYPTED_CONTENT_length(p7.get()), detached ? 0 : 48);
+      EXPECT_EQ(get_PKCS7_ENCRYPTED_CONTENT_length(p7), detached ? 0 : 48);
       if (!detached) EXPECT_EQ(to_hex(decrypted(sent(p7))), to_hex(document().data(), 33));
     }
 }
@@ -62,11 +61,11 @@ TEST(Seal, BuffersAndOrder) {
   int length = 15;
   const Message p7 = enveloped();
   const auto update = [&](int in, uint8_t *to, int *room) {
-    return update_PKCS7_encrypt(p7.get(), document().data(), in, to, room);
+    return update_PKCS7_encrypt(p7, document().data(), in, to, room);
   };
   EXPECT_EQ(update(16, out, &length), F_P7_ENCRYPT | 0x49);
-  EXPECT_EQ(final_PKCS7_Encrypt(p7.get(), out, &length), F_P7_ENCRYPT | 0x49);
-  ASSERT_EQ(init_PKCS7_Encrypt(p7.get(), nullptr, algorithm(419).get(), 1, kKey.data(), kIv.data(), 32), 0);
+  EXPECT_EQ(final_PKCS7_Encrypt(p7, out, &length), F_P7_ENCRYPT | 0x49);
+  ASSERT_EQ(init_PKCS7_Encrypt(p7, nullptr, algorithm(419), 1, kKey.data(), kIv.data(), 32), 0);
   EXPECT_EQ(update(16, out, &length), F_P7_ENCRYPT | 0x49);
   EXPECT_EQ(update(16, nullptr, &length), F_P7_ENCRYPT | 0x49);
   EXPECT_EQ(update(15, out, &length), 0);
@@ -76,10 +75,10 @@ TEST(Seal, BuffersAndOrder) {
   length = 16;
   EXPECT_EQ(update(1, out, &length), 0);
   EXPECT_EQ(length, 16);
-  EXPECT_EQ(final_PKCS7_Encrypt(p7.get(), out, &length), 0);
-  EXPECT_EQ(final_PKCS7_Encrypt(p7.get(), out, &length), F_P7_ENCRYPT | 0x49);
+  EXPECT_EQ(final_PKCS7_Encrypt(p7, out, &length), 0);
+  EXPECT_EQ(final_PKCS7_Encrypt(p7, out, &length), F_P7_ENCRYPT | 0x49);
   const auto init = [&](const Message &message, int row, const uint8_t *key, const uint8_t *iv, int padding) {
-    return init_PKCS7_Encrypt(message.get(), nullptr, row ? algorithm(row).get() : nullptr, 0, key, iv, padding);
+    return init_PKCS7_Encrypt(message, nullptr, row ? algorithm(row) : nullptr, 0, key, iv, padding);
   };
   const uint8_t *key = kKey.data(), *iv = kIv.data();
   EXPECT_EQ(init(nullptr, 419, key, iv, 0), F_P7_ENCRYPT | 0x49);
@@ -94,21 +93,21 @@ TEST(Seal, BuffersAndOrder) {
 
 TEST(Seal, EncryptedDataWithAndWithoutAKeyOfItsOwn) {
   const Message p7 = message_of(PKCS7_ENCRYPTED_DATA);
-  ASSERT_EQ(set_PKCS7_Cipher(p7.get(), algorithm(419).get()), 0);
-  ASSERT_EQ(encrypt_PKCS7_userKEY(p7.get(), nullptr, nullptr, document().data(), 100, kKey.data(), kIv.data(), 0), 0);
+  ASSERT_EQ(set_PKCS7_Cipher(p7, algorithm(419)), 0);
+  ASSERT_EQ(encrypt_PKCS7_userKEY(p7, nullptr, nullptr, document().data(), 100, kKey.data(), kIv.data(), 0), 0);
   EXPECT_EQ(decrypted(sent(p7)).size(), 100u);
   // A cipher that is there already is used, and the parameters of a password-based algorithm are kept.
   const Message own = message_of(PKCS7_ENCRYPTED_DATA);
-  ASSERT_EQ(set_PKCS7_Cipher(own.get(), algorithm(780).get()), 0);
+  ASSERT_EQ(set_PKCS7_Cipher(own, algorithm(780)), 0);
   auto *info = static_cast<P7_ENCRYPTED_DATA *>(own->content)->encryptedContentInfo;
   info->cipher = PKV_New_BLOCK_CIPHER();
   ASSERT_EQ(PKV_Init_BLOCK_CIPHER(info->cipher, 0x04000120, kKey.data(), 16, kIv.data(), 16, 1), 0);
-  ASSERT_EQ(encrypt_PKCS7(own.get(), nullptr, nullptr, document().data(), 100, 0), 0);
+  ASSERT_EQ(encrypt_PKCS7(own, nullptr, nullptr, document().data(), 100, 0), 0);
   info = static_cast<P7_ENCRYPTED_DATA *>(own->content)->encryptedContentInfo;
   EXPECT_EQ(info->contentEncryptionAlgorithm->parameters->type, TYPE_NULL);
   uint8_t out[112];
   int length = 0;
-  ASSERT_EQ(decrypt_PKCS7(own.get(), kKey.data(), kIv.data(), out, &length), 0);
+  ASSERT_EQ(decrypt_PKCS7(own, kKey.data(), kIv.data(), out, &length), 0);
   EXPECT_EQ(to_hex(out, size_t(length)), to_hex(document().data(), 100));
 }
 
@@ -124,12 +123,12 @@ TEST(Open, ParametersThatAreNoIv) {
     const Bytes plain = decrypted(p7, &code);
     EXPECT_EQ(code, length && length < 16 ? 1 : 0) << length;
     if (!code) EXPECT_EQ(to_hex(plain), to_hex(document().data(), 100));
-    EXPECT_EQ(decrypt_PKCS7_strict(p7.get(), first_party().certificate().get(), first_party().key().get(), out, &room),
+    EXPECT_EQ(decrypt_PKCS7_strict(p7, first_party().certificate(), first_party().key(), out, &room),
               length == 16 ? 0 : 1)
         << length;
     for (const int row : {6, 64}) {
       const String oid(index_to_OBJECT_IDENTIFIER(row));
-      set_X509_ALGO_IDENTIFIER_value(algorithm, oid.get(), nullptr);
+      set_X509_ALGO_IDENTIFIER_value(algorithm, oid, nullptr);
       decrypted(p7, &code);
       EXPECT_EQ(code, 1) << row;
     }
@@ -140,12 +139,11 @@ TEST(Open, KeysOfTheWrongLength) {
   VELPKI_NEED_OPENSSL;
   const Certificate cert = first_party().certificate();
   const Owned<ASYMMETRIC_KEY> key = first_party().key();
-  RSA_UNIT *rsa = ASYMMETRIC_KEY_to_RSA_UNIT(key.get());
+  RSA_UNIT *rsa = ASYMMETRIC_KEY_to_RSA_UNIT(key);
   for (const int size : {0, 15, 16, 17, 200}) {
     const Message p7 = enveloped();
     ASSERT_EQ(seal_hundred(p7, 0), 0);
-    auto *recipient = static_cast<P7_RECIPIENT_INFO *>(
-        get_STACK_value(static_cast<P7_ENVELOPED_DATA *>(p7->content)->recipientInfos, 0));
+    auto *recipient = item<P7_RECIPIENT_INFO>(static_cast<P7_ENVELOPED_DATA *>(p7->content)->recipientInfos, 0);
     Bytes encrypted(256);
     int length = 256;
     PKV_Init_RSAES(rsa, PKV_RSA_PKCS1_CRYPT, 1);
@@ -154,17 +152,17 @@ TEST(Open, KeysOfTheWrongLength) {
     uint8_t out[17];
     out[16] = 0x77;
     length = -5;
-    EXPECT_EQ(decrypt_PKCS7_enveloped_CEK(p7.get(), cert.get(), key.get(), out, &length, 32), size == 16 ? 0 : 0x12);
+    EXPECT_EQ(decrypt_PKCS7_enveloped_CEK(p7, cert, key, out, &length, 32), size == 16 ? 0 : 0x12);
     EXPECT_EQ(length, size == 16 ? 16 : -5);
     EXPECT_EQ(out[16], 0x77);
     length = 15;
-    EXPECT_EQ(decrypt_PKCS7_enveloped_CEK_n(p7.get(), cert.get(), key.get(), out, &length, 32), 1);
+    EXPECT_EQ(decrypt_PKCS7_enveloped_CEK_n(p7, cert, key, out, &length, 32), 1);
     // Without an oracle: the same code as for content that does not fit the key, now and then rubbish.
     Bytes plain(112);
     int opened = 0;
     for (int i = 0; i < 8; ++i) {
       length = int(plain.size());
-      opened += decrypt_PKCS7_strict(p7.get(), cert.get(), key.get(), plain.data(), &length) == 0;
+      opened += decrypt_PKCS7_strict(p7, cert, key, plain.data(), &length) == 0;
     }
     EXPECT_EQ(opened == 8, size == 16) << size;
   }
@@ -179,21 +177,21 @@ TEST(Open, DamagedContentHasOneCode) {
   Bytes out(112);
   int length = 112;
   ASN1_STRING *content = encrypted_of(p7)->encryptedContent;
-  EXPECT_EQ(decrypt_PKCS7_strict(p7.get(), other.get(), key.get(), out.data(), &length), 1);
+  EXPECT_EQ(decrypt_PKCS7_strict(p7, other, key, out.data(), &length), 1);
   content->length -= 1;
-  EXPECT_EQ(decrypt_PKCS7_strict(p7.get(), cert.get(), key.get(), out.data(), &length), PKV_ERR_FAILED);
+  EXPECT_EQ(decrypt_PKCS7_strict(p7, cert, key, out.data(), &length), PKV_ERR_FAILED);
   content->length += 1;
   content->data[95] ^= 0x40;
-  EXPECT_EQ(decrypt_PKCS7_strict(p7.get(), cert.get(), key.get(), out.data(), &length), PKV_ERR_FAILED);
+  EXPECT_EQ(decrypt_PKCS7_strict(p7, cert, key, out.data(), &length), PKV_ERR_FAILED);
   content->data[95] ^= 0x40;
   length = 111;
-  EXPECT_EQ(decrypt_PKCS7_strict(p7.get(), cert.get(), key.get(), out.data(), &length), 1);
+  EXPECT_EQ(decrypt_PKCS7_strict(p7, cert, key, out.data(), &length), 1);
   length = 112;
-  ASSERT_EQ(decrypt_PKCS7_strict(p7.get(), cert.get(), key.get(), out.data(), &length), 0);
+  ASSERT_EQ(decrypt_PKCS7_strict(p7, cert, key, out.data(), &length), 0);
   EXPECT_EQ(to_hex(out.data(), size_t(length)), to_hex(document().data(), 100));
   free_ASN1_STRING(std::exchange(encrypted_of(p7)->encryptedContent, nullptr));
-  EXPECT_EQ(decrypt_PKCS7_strict(p7.get(), cert.get(), key.get(), out.data(), &length), 1);
-  EXPECT_EQ(get_PKCS7_ENCRYPTED_CONTENT_length(p7.get()), 0);
+  EXPECT_EQ(decrypt_PKCS7_strict(p7, cert, key, out.data(), &length), 1);
+  EXPECT_EQ(get_PKCS7_ENCRYPTED_CONTENT_length(p7), 0);
 }
 
 enum class Variant { plain, sp, sp_ex };
@@ -202,10 +200,10 @@ int seal(const Message &p7, Variant variant) {
   const uint8_t *data = document().data();
   const int size = int(document().size());
   if (variant == Variant::plain)
-    return sign_encrypt_PKCS7_userKEY(p7.get(), nullptr, aes.get(), data, size, kKey.data(), kIv.data(), 0);
+    return sign_encrypt_PKCS7_userKEY(p7, nullptr, aes, data, size, kKey.data(), kIv.data(), 0);
   if (variant == Variant::sp)
-    return sign_encrypt_PKCS7_userKEY_SP(p7.get(), nullptr, aes.get(), data, size, kKey.data(), kIv.data(), 0);
-  return sign_encrypt_PKCS7_userKEY_SP_ex(p7.get(), aes.get(), data, size, kKey.data(), kIv.data(), 0);
+    return sign_encrypt_PKCS7_userKEY_SP(p7, nullptr, aes, data, size, kKey.data(), kIv.data(), 0);
+  return sign_encrypt_PKCS7_userKEY_SP_ex(p7, aes, data, size, kKey.data(), kIv.data(), 0);
 }
 
 TEST(SignAndSeal, PlainAndSp) {
@@ -225,34 +223,33 @@ TEST(SignAndSeal, PlainAndSp) {
   for (const Case &c : cases) {
     const Message p7 = message_of(PKCS7_SIGNED_AND_ENVELOPED_DATA);
     const Certificate signer = c.signer.certificate(), recipient = second_party().certificate();
-    ASSERT_NE(add_PKCS7_Signature(p7.get(), signer.get(), c.signer.key().get(), 672), nullptr);
-    ASSERT_NE(add_PKCS7_Recipient(p7.get(), recipient.get()), nullptr);
-    ASSERT_EQ(add_PKCS7_Certificate_ex(p7.get(), signer.get()), 0);
+    ASSERT_NE(add_PKCS7_Signature(p7, signer, c.signer.key(), 672), nullptr);
+    ASSERT_NE(add_PKCS7_Recipient(p7, recipient), nullptr);
+    ASSERT_EQ(add_PKCS7_Certificate_ex(p7, signer), 0);
     EXPECT_EQ(seal(p7, c.variant), c.sealed);
     const Message back = sent(p7);
     Bytes out(6000);
     int length = 0;
-    EXPECT_EQ(verify_decrypt_PKCS7(back.get(), nullptr, kKey.data(), out.data(), &length), c.plain);
+    EXPECT_EQ(verify_decrypt_PKCS7(back, nullptr, kKey.data(), out.data(), &length), c.plain);
     EXPECT_EQ(length, c.plain ? 0 : 5000);
     length = 6000;
-    EXPECT_EQ(verify_decrypt_PKCS7_strict(back.get(), recipient.get(), second_party().key().get(), nullptr, 0,
-                                          out.data(), &length) == 0,
+    EXPECT_EQ(verify_decrypt_PKCS7_strict(back, recipient, second_party().key(), nullptr, 0, out.data(), &length) == 0,
               c.strict);
     if (c.strict) EXPECT_EQ(to_hex(out.data(), size_t(length)), to_hex(document()));
   }
   const Message empty = message_of(PKCS7_SIGNED_AND_ENVELOPED_DATA);
   EXPECT_EQ(seal(empty, Variant::sp), F_P7_SIGN | 0x2B);
-  EXPECT_EQ(sign_encrypt_PKCS7_SP(empty.get(), nullptr, nullptr, document().data(), 1, 1), 0x4B00002B);
-  EXPECT_EQ(sign_encrypt_PKCS7(message_of(PKCS7_SIGNED_DATA).get(), nullptr, nullptr, document().data(), 1, 0),
+  EXPECT_EQ(sign_encrypt_PKCS7_SP(empty, nullptr, nullptr, document().data(), 1, 1), 0x4B00002B);
+  EXPECT_EQ(sign_encrypt_PKCS7(message_of(PKCS7_SIGNED_DATA), nullptr, nullptr, document().data(), 1, 0),
             F_P7_ENCRYPT | 0x48);
 }
 
 TEST(Digest, HoldsDataAndDigest) {
   const Message p7 = message_of(PKCS7_DIGESTED_DATA);
-  EXPECT_EQ(digest_PKCS7(p7.get(), 0x1234, document().data(), 10), 1);
-  EXPECT_EQ(digest_PKCS7(message_of(PKCS7_DATA).get(), PKV_DIGEST_SHA1, document().data(), 10), 1);
-  ASSERT_EQ(digest_PKCS7(p7.get(), PKV_DIGEST_SHA1, reinterpret_cast<const uint8_t *>("abc"), 3), 0);
-  EXPECT_EQ(to_hex(written(p7.get())),
+  EXPECT_EQ(digest_PKCS7(p7, 0x1234, document().data(), 10), 1);
+  EXPECT_EQ(digest_PKCS7(message_of(PKCS7_DATA), PKV_DIGEST_SHA1, document().data(), 10), 1);
+  ASSERT_EQ(digest_PKCS7(p7, PKV_DIGEST_SHA1, reinterpret_cast<const uint8_t *>("abc"), 3), 0);
+  EXPECT_EQ(to_hex(written(p7)),
             "304506092a864886f70d010705a0383036020100300706052b0e03021a301206092a864886f70d010701a0050403616263"
             "0414a9993e364706816aba3e25717850c26c9cd0d89d");
 }
@@ -264,18 +261,18 @@ TEST(Build, ContentsAndTheirOwners) {
   ASSERT_EQ(gen_PKCS7_DATA_from_Binary(&data, document().data(), 3), 0);
   EXPECT_EQ(to_hex(written(data)), "301206092a864886f70d010701a0050403" + to_hex(document().data(), 3));
   const Message p7 = message_of(PKCS7_SIGNED_DATA);
-  for (const int row : {0, 20, 27, 837}) EXPECT_EQ(set_PKCS7_Type(p7.get(), row), 1) << row;
-  EXPECT_EQ(set_PKCS7_Content(p7.get(), p7.get()), 1);
-  EXPECT_EQ(set_PKCS7_Content(data, p7.get()), 1);
-  EXPECT_EQ(set_PKCS7_Content(p7.get(), data), 0);
-  EXPECT_EQ(set_PKCS7_Content(p7.get(), data), 1);
-  EXPECT_EQ(new_PKCS7_Content(p7.get(), 99), 1);
-  EXPECT_EQ(new_PKCS7_Content(p7.get(), PKCS7_SIGNED_DATA), 0);
+  for (const int row : {0, 20, 27, 837}) EXPECT_EQ(set_PKCS7_Type(p7, row), 1) << row;
+  EXPECT_EQ(set_PKCS7_Content(p7, p7), 1);
+  EXPECT_EQ(set_PKCS7_Content(data, p7), 1);
+  EXPECT_EQ(set_PKCS7_Content(p7, data), 0);
+  EXPECT_EQ(set_PKCS7_Content(p7, data), 1);
+  EXPECT_EQ(new_PKCS7_Content(p7, 99), 1);
+  EXPECT_EQ(new_PKCS7_Content(p7, PKCS7_SIGNED_DATA), 0);
   auto *inner = static_cast<P7_SIGNED_DATA *>(p7->content)->contentInfo;
-  EXPECT_EQ(set_PKCS7_Content(inner, p7.get()), 1) << "a ring";
-  EXPECT_EQ(set_P7_version(message_of(PKCS7_DATA).get(), 1), 1);
-  EXPECT_EQ(get_PKCS7_ENCRYPTED_CONTENT_length(p7.get()), -1);
-  EXPECT_EQ(add_PKCS7_Recipient(p7.get(), nullptr), nullptr);
+  EXPECT_EQ(set_PKCS7_Content(inner, p7), 1) << "a ring";
+  EXPECT_EQ(set_P7_version(message_of(PKCS7_DATA), 1), 1);
+  EXPECT_EQ(get_PKCS7_ENCRYPTED_CONTENT_length(p7), -1);
+  EXPECT_EQ(add_PKCS7_Recipient(p7, nullptr), nullptr);
 }
 
 TEST(Seal, SurvivesEachFailedAllocation) {
@@ -284,13 +281,13 @@ TEST(Seal, SurvivesEachFailedAllocation) {
   const Owned<ASYMMETRIC_KEY> key = small_party().key();
   const auto work = [&] {
     const Message p7 = message_of(PKCS7_ENVELOPED_DATA);
-    const bool added = p7 && add_PKCS7_Recipient_withEncryptedAlgorithm(p7.get(), cert.get(), 16, nullptr);
+    const bool added = p7 && add_PKCS7_Recipient_withEncryptedAlgorithm(p7, cert, 16, nullptr);
     const Owned<X509_ALGO_IDENTIFIER> aes = algorithm(419);
-    const int sealed = added && aes ? encrypt_PKCS7(p7.get(), nullptr, aes.get(), document().data(), 100, 16) : 1;
+    const int sealed = added && aes ? encrypt_PKCS7(p7, nullptr, aes, document().data(), 100, 16) : 1;
     const Message back = sealed ? nullptr : sent(p7);
     uint8_t out[112];
     int length = 112;
-    return back && decrypt_PKCS7_strict(back.get(), cert.get(), key.get(), out, &length) == 0 && length == 100;
+    return back && decrypt_PKCS7_strict(back, cert, key, out, &length) == 0 && length == 100;
   };
   ASSERT_TRUE(work());  // the first time the key prepares itself
   survive_each_failed_allocation(work);

@@ -8,12 +8,11 @@ namespace {
 
 P7_SIGNER_INFO *add_signer(const Message &p7, const Party &party, int digest_row = 672, int padding = 1) {
   const Certificate cert = party.certificate();
-  add_PKCS7_Certificate_ex(p7.get(), cert.get());
-  return add_PKCS7_Signature_withEncryptedAlgorithm(p7.get(), cert.get(), party.key().get(), digest_row, padding,
-                                                    nullptr);
+  add_PKCS7_Certificate_ex(p7, cert);
+  return add_PKCS7_Signature_withEncryptedAlgorithm(p7, cert, party.key(), digest_row, padding, nullptr);
 }
 int sign(const Message &p7, bool detached = false) {
-  return sign_PKCS7(p7.get(), document().data(), int(document().size()), detached);
+  return sign_PKCS7(p7, document().data(), int(document().size()), detached);
 }
 std::string algorithm_of(const P7_SIGNER_INFO *signer) { return text_of(signer->digestEncryptionAlgorithm->algorithm); }
 
@@ -21,23 +20,23 @@ TEST(Sign, EachStepHasItsCodes) {
   VELPKI_NEED_OPENSSL;
   const Message data = message_of(PKCS7_DATA), p7 = message_of(PKCS7_SIGNED_DATA);
   EXPECT_EQ(init_PKCS7_Sign(nullptr, 0), F_P7_SIGN | 0x49);
-  EXPECT_EQ(init_PKCS7_Sign(data.get(), 0), F_P7_SIGN | 0x48);
-  EXPECT_EQ(init_PKCS7_Sign(p7.get(), 0), F_P7_SIGN | 0x2B);
+  EXPECT_EQ(init_PKCS7_Sign(data, 0), F_P7_SIGN | 0x48);
+  EXPECT_EQ(init_PKCS7_Sign(p7, 0), F_P7_SIGN | 0x2B);
   const Certificate cert = first_party().certificate();
-  P7_SIGNER_INFO *signer = add_PKCS7_Signature(p7.get(), cert.get(), nullptr, 672);
+  P7_SIGNER_INFO *signer = add_PKCS7_Signature(p7, cert, nullptr, 672);
   ASSERT_NE(signer, nullptr);
-  EXPECT_EQ(init_PKCS7_Sign(p7.get(), 0), F_P7_SIGN | 0x48);
-  EXPECT_EQ(final_PKCS7_Sign(p7.get()), F_P7_SIGN | 0x48);
+  EXPECT_EQ(init_PKCS7_Sign(p7, 0), F_P7_SIGN | 0x48);
+  EXPECT_EQ(final_PKCS7_Sign(p7), F_P7_SIGN | 0x48);
   add_attributes(signer, PKV_DIGEST_SHA256);
-  EXPECT_EQ(final_PKCS7_Sign(p7.get()), 0x1C0048);
+  EXPECT_EQ(final_PKCS7_Sign(p7), 0x1C0048);
   const Message keyed = message_of(PKCS7_SIGNED_DATA);
   add_signer(keyed, first_party());
-  EXPECT_EQ(final_PKCS7_Sign(keyed.get()), F_P7_SIGN | 0x49);
-  EXPECT_EQ(update_PKCS7_Sign(keyed.get(), nullptr, 1), F_P7_SIGN | 0x49);
-  EXPECT_EQ(update_PKCS7_Sign(keyed.get(), document().data(), -1), F_P7_SIGN | 0x2B);
-  EXPECT_EQ(set_PKCS7_P7_SIGNER_INFO(signer, cert.get(), nullptr, 672, 3, nullptr), F_SET_PKCS7_P7_SIGNER_INFO | 0x49);
+  EXPECT_EQ(final_PKCS7_Sign(keyed), F_P7_SIGN | 0x49);
+  EXPECT_EQ(update_PKCS7_Sign(keyed, nullptr, 1), F_P7_SIGN | 0x49);
+  EXPECT_EQ(update_PKCS7_Sign(keyed, document().data(), -1), F_P7_SIGN | 0x2B);
+  EXPECT_EQ(set_PKCS7_P7_SIGNER_INFO(signer, cert, nullptr, 672, 3, nullptr), F_SET_PKCS7_P7_SIGNER_INFO | 0x49);
   EXPECT_EQ(set_PKCS7_P7_SIGNER_INFO(signer, nullptr, nullptr, 672, 1, nullptr), F_SET_PKCS7_P7_SIGNER_INFO | 0x49);
-  EXPECT_EQ(set_PKCS7_P7_SIGNER_INFO(signer, cert.get(), nullptr, 9999, 1, nullptr), F_SET_PKCS7_P7_SIGNER_INFO | 0x48);
+  EXPECT_EQ(set_PKCS7_P7_SIGNER_INFO(signer, cert, nullptr, 9999, 1, nullptr), F_SET_PKCS7_P7_SIGNER_INFO | 0x48);
 }
 
 TEST(Sign, DigestsNameTheirAlgorithms) {
@@ -48,7 +47,7 @@ TEST(Sign, DigestsNameTheirAlgorithms) {
   for (const auto &[digest, wanted] : rows)
     for (const int padding : {1, 2}) {
       P7_SIGNER_INFO *signer = new_P7_SIGNER_INFO();
-      ASSERT_EQ(set_PKCS7_P7_SIGNER_INFO(signer, cert.get(), nullptr, digest, padding, nullptr), 0);
+      ASSERT_EQ(set_PKCS7_P7_SIGNER_INFO(signer, cert, nullptr, digest, padding, nullptr), 0);
       EXPECT_EQ(index_from_OBJECT_IDENTIFIER(signer->digestEncryptionAlgorithm->algorithm),
                 padding == 2 ? 835 : wanted);
       EXPECT_EQ(signer->digestEncryptionAlgorithm->parameters->type, TYPE_NULL);
@@ -63,10 +62,10 @@ TEST(Sign, ASecondTimeAddsNothing) {
   const Message p7 = message_of(PKCS7_SIGNED_DATA);
   add_signer(p7, first_party());
   ASSERT_EQ(sign(p7), 0);
-  const Bytes once = written(p7.get());
+  const Bytes once = written(p7);
   EXPECT_EQ(sign(p7), 0);
-  EXPECT_EQ(final_PKCS7_Sign(p7.get()), 0);
-  EXPECT_TRUE(written(p7.get()) == once);
+  EXPECT_EQ(final_PKCS7_Sign(p7), 0);
+  EXPECT_TRUE(written(p7) == once);
 }
 
 TEST(Sign, VersionsAndAlgorithms) {
@@ -77,7 +76,7 @@ TEST(Sign, VersionsAndAlgorithms) {
     const Message p7 = message_of(PKCS7_SIGNED_DATA);
     P7_SIGNER_INFO *signer = add_signer(p7, first_party(), 672, padding);
     if (attributes) add_attributes(signer, PKV_DIGEST_SHA256, version ? document() : Bytes{1});
-    ASSERT_EQ(set_P7_version(p7.get(), version), 0);
+    ASSERT_EQ(set_P7_version(p7, version), 0);
     ASSERT_EQ(sign(p7), 0);
     EXPECT_EQ(algorithm_of(signer), row.at("algorithm"));
     EXPECT_EQ(PKV_Get_BIGINT_Word(signer->version), unsigned(version));
@@ -90,14 +89,14 @@ TEST(Sign, DetachedContentComesInAnyPieces) {
   for (const int pieces : {1, 2, 7}) {
     const Message p7 = message_of(PKCS7_SIGNED_DATA);
     add_signer(p7, first_party());
-    ASSERT_EQ(init_PKCS7_Sign(p7.get(), 1), 0);
+    ASSERT_EQ(init_PKCS7_Sign(p7, 1), 0);
     const int size = int(document().size());
     for (int i = 0, at = 0; i < pieces; ++i) {
       const int next = i + 1 == pieces ? size : size * (i + 1) / pieces;
-      ASSERT_EQ(update_PKCS7_Sign(p7.get(), document().data() + at, next - at), 0);
+      ASSERT_EQ(update_PKCS7_Sign(p7, document().data() + at, next - at), 0);
       at = next;
     }
-    ASSERT_EQ(final_PKCS7_Sign(p7.get()), 0);
+    ASSERT_EQ(final_PKCS7_Sign(p7), 0);
     EXPECT_EQ(verify(sent(p7), &document()), 0);
     EXPECT_EQ(verify_strictly(sent(p7), 0, &document()), 0);
     const Bytes changed(document().begin(), document().end() - 1);
@@ -114,10 +113,10 @@ TEST(Sign, FurtherForms) {
     P7_SIGNER_INFO *second = add_signer(p7, second_party(), 674);
     const Bytes note = hex("3230");
     ASSERT_EQ(add_PKCS7_Signed_Attribute(second, 49, TYPE_PRINTABLE_STRING, note.data(), 2), 0);
-    ASSERT_EQ(sign_PKCS7_ex(p7.get(), document().data(), int(document().size()), detached, PKCS7_SIGN_ATTRIBUTES), 0);
+    ASSERT_EQ(sign_PKCS7_ex(p7, document().data(), int(document().size()), detached, PKCS7_SIGN_ATTRIBUTES), 0);
     EXPECT_EQ(second->authenticatedAttributes->count, 3);
     const std::string path = temporary_path("complete.der"), out = temporary_path("complete.out");
-    writeDER_P7_CONTENT_INFO_to_FILE(p7.get(), path.c_str());
+    writeDER_P7_CONTENT_INFO_to_FILE(p7, path.c_str());
     EXPECT_EQ(status_of("openssl cms -verify -noverify -binary -inform DER -in " + path +
                         (detached ? " -content " + document_path() : "") + " -out " + out),
               0);
@@ -125,11 +124,11 @@ TEST(Sign, FurtherForms) {
   }
   const Message p7 = message_of(PKCS7_SIGNED_DATA);
   add_signer(p7, first_party());
-  ASSERT_EQ(init_PKCS7_Sign(p7.get(), 0), 0);
+  ASSERT_EQ(init_PKCS7_Sign(p7, 0), 0);
   for (size_t at = 0; at < document().size(); at += 1000)
-    ASSERT_EQ(update_PKCS7_Sign_ex(p7.get(), document().data() + at, 1000), 0);
-  ASSERT_EQ(update_PKCS7_Sign(p7.get(), document().data(), 1000), 0) << "ignored";
-  ASSERT_EQ(final_PKCS7_Sign(p7.get()), 0);
+    ASSERT_EQ(update_PKCS7_Sign_ex(p7, document().data() + at, 1000), 0);
+  ASSERT_EQ(update_PKCS7_Sign(p7, document().data(), 1000), 0) << "ignored";
+  ASSERT_EQ(final_PKCS7_Sign(p7), 0);
   EXPECT_EQ(verify_strictly(sent(p7), 0, &document()), 0);
 }
 
@@ -138,9 +137,9 @@ TEST(Sign, EmptyContent) {
   for (const bool detached : {false, true}) {
     const Message p7 = message_of(PKCS7_SIGNED_DATA);
     add_signer(p7, first_party());
-    ASSERT_EQ(sign_PKCS7(p7.get(), document().data(), 0, detached), 0);
+    ASSERT_EQ(sign_PKCS7(p7, document().data(), 0, detached), 0);
     const Message back = sent(p7);
-    EXPECT_EQ(verify_PKCS7(back.get(), nullptr, detached ? document().data() : nullptr, 0), 0);
+    EXPECT_EQ(verify_PKCS7(back, nullptr, detached ? document().data() : nullptr, 0), 0);
   }
 }
 
@@ -149,21 +148,21 @@ TEST(Sign, KcdsaRoundTrip) {
   const Json vectors = JsonReader(read_file(file)).read();
   for (const Json &one : vectors["kcdsa_keys"].items) {
     const Owned<KCDSA_UNIT> key(PKV_New_KCDSA());
-    PKV_Set_KCDSA_Params(key.get(), number(one["p"].text).get(), number(one["q"].text).get(),
-                         number(one["g"].text).get(), number(one["j"].text).get(), nullptr, nullptr, 0, 0);
-    ASSERT_EQ(PKV_Set_KCDSA_Private(key.get(), number(one["x"].text).get()), 0);
+    PKV_Set_KCDSA_Params(key, number(one["p"].text), number(one["q"].text), number(one["g"].text),
+                         number(one["j"].text), nullptr, nullptr, 0, 0);
+    ASSERT_EQ(PKV_Set_KCDSA_Private(key, number(one["x"].text)), 0);
     const Certificate cert = read_certificate(CertificateParts().der());
     X509_PUBKEY *spki = new_X509_PUBKEY();
-    ASSERT_EQ(set_X509_PUBKEY_kcdsa(spki, key.get()), 0);
-    set_X509_pub_key(cert.get(), spki);
+    ASSERT_EQ(set_X509_PUBKEY_kcdsa(spki, key), 0);
+    set_X509_pub_key(cert, spki);
     free_X509_PUBKEY(spki);
-    const Owned<ASYMMETRIC_KEY> wrapped(KCDSA_UNIT_to_ASYMMETRIC_KEY(key.get()));
+    const Owned<ASYMMETRIC_KEY> wrapped(KCDSA_UNIT_to_ASYMMETRIC_KEY(key));
     for (const auto &[row, id] : {std::pair(64, PKV_DIGEST_SHA1), {781, PKV_DIGEST_HAS160}})
       for (const bool attributes : {false, true}) {
         const Message p7 = message_of(PKCS7_SIGNED_DATA);
-        P7_SIGNER_INFO *signer = add_PKCS7_Signature(p7.get(), cert.get(), wrapped.get(), row);
+        P7_SIGNER_INFO *signer = add_PKCS7_Signature(p7, cert, wrapped, row);
         ASSERT_NE(signer, nullptr);
-        add_PKCS7_Certificate_ex(p7.get(), cert.get());
+        add_PKCS7_Certificate_ex(p7, cert);
         if (attributes) add_attributes(signer, id);
         ASSERT_EQ(sign(p7), 0);
         EXPECT_EQ(algorithm_of(signer), "1.2.410.200004.1.21");
@@ -197,7 +196,7 @@ TEST(Verify, MessageDigestAttributes) {
       ASSERT_EQ(add_PKCS7_Signed_Attribute(signer, 51, kind, value.data(), int(value.size())), 0);
     auto *attribute = get_X509_ATTRIBUTES_child(signer->authenticatedAttributes, 1);
     if (values == 0) free_X509_ATTRIBUTE_DATA(static_cast<X509_ATTRIBUTE_DATA *>(pop_STACK_value(attribute->values)));
-    if (values == 2) add_X509_ATTRIBUTE_data(attribute, TYPE_OCTET_STRING, string(TYPE_OCTET_STRING, value).get());
+    if (values == 2) add_X509_ATTRIBUTE_data(attribute, TYPE_OCTET_STRING, string(TYPE_OCTET_STRING, value));
     ASSERT_EQ(sign(p7), 0);
     EXPECT_EQ(verify(sent(p7)), code_at(row, "plain")) << row.at("why");
     EXPECT_EQ(verify_strictly(sent(p7)), code_at(row, "strict")) << row.at("why");
@@ -210,17 +209,17 @@ TEST(Verify, WhatOnlyTheStrictFormRefuses) {
   const Message none = message_of(PKCS7_SIGNED_DATA);
   EXPECT_EQ(verify(none), 0);
   EXPECT_EQ(verify_strictly(none), F_P7_VERIFY | 0x49);
-  new_PKCS7_Content(none.get(), PKCS7_DATA);
+  new_PKCS7_Content(none, PKCS7_DATA);
   EXPECT_EQ(verify_strictly(none), F_P7_VERIFY | 0x2B);
 
   const Message bare = message_of(PKCS7_SIGNED_DATA);
   const Certificate first = first_party().certificate(), second = second_party().certificate();
-  add_PKCS7_Signature(bare.get(), first.get(), first_party().key().get(), 672);
+  add_PKCS7_Signature(bare, first, first_party().key(), 672);
   ASSERT_EQ(sign(bare), 0);
-  EXPECT_EQ(verify_PKCS7(bare.get(), second.get(), nullptr, 0), 0);
+  EXPECT_EQ(verify_PKCS7(bare, second, nullptr, 0), 0);
   EXPECT_EQ(verify_strictly(bare), F_P7_VERIFY | ERR_NO_SIGNER_CERTIFICATE);
-  EXPECT_EQ(verify_strictly(bare, 0, nullptr, second.get()), F_P7_VERIFY | 0x2B);
-  EXPECT_EQ(verify_strictly(bare, 0, nullptr, first.get()), 0);
+  EXPECT_EQ(verify_strictly(bare, 0, nullptr, second), F_P7_VERIFY | 0x2B);
+  EXPECT_EQ(verify_strictly(bare, 0, nullptr, first), 0);
 
   const Message p7 = message_of(PKCS7_SIGNED_DATA);
   add_signer(p7, first_party(), 64);
@@ -234,12 +233,11 @@ TEST(Verify, WhatOnlyTheStrictFormRefuses) {
   int count = 2;
   add_signer(p7, second_party());
   ASSERT_EQ(sign(p7), 0);
-  EXPECT_EQ(verify_PKCS7_strict(p7.get(), nullptr, nullptr, nullptr, 0, 0, reports, &count),
-            F_P7_VERIFY | ERR_WEAK_DIGEST);
+  EXPECT_EQ(verify_PKCS7_strict(p7, nullptr, nullptr, nullptr, 0, 0, reports, &count), F_P7_VERIFY | ERR_WEAK_DIGEST);
   ASSERT_EQ(count, 2);
   EXPECT_EQ(reports[0].code, F_P7_VERIFY | ERR_WEAK_DIGEST);
   EXPECT_EQ(reports[1].code, 0);
-  EXPECT_EQ(cmp_X509_NAME(get_X509_subject(reports[1].certificate), get_X509_subject(second.get())), 0);
+  EXPECT_EQ(cmp_X509_NAME(get_X509_subject(reports[1].certificate), get_X509_subject(second)), 0);
 }
 
 // The signed attributes of one message, taken for the content of another.
@@ -262,8 +260,8 @@ TEST(Sign, SurvivesEachFailedAllocation) {
   const Owned<ASYMMETRIC_KEY> key = small_party().key();
   const auto work = [&] {
     const Message p7 = message_of(PKCS7_SIGNED_DATA);
-    P7_SIGNER_INFO *signer = p7 ? add_PKCS7_Signature(p7.get(), cert.get(), key.get(), 672) : nullptr;
-    const int added = signer ? add_PKCS7_Certificate_ex(p7.get(), cert.get()) : 1;
+    P7_SIGNER_INFO *signer = p7 ? add_PKCS7_Signature(p7, cert, key, 672) : nullptr;
+    const int added = signer ? add_PKCS7_Certificate_ex(p7, cert) : 1;
     if (signer) add_attributes(signer, PKV_DIGEST_SHA256);
     const int signed_code = added ? 1 : sign(p7);
     const Message back = signed_code ? nullptr : sent(p7);

@@ -10,16 +10,14 @@ using Wide = long long;
 
 Number decimal(const std::string &text) {
   Number n(PKV_New_BIGINT());
-  EXPECT_EQ(PKV_Decimal_To_BIGINT(n.get(), text.c_str()), 0) << text;
+  EXPECT_EQ(PKV_Decimal_To_BIGINT(n, text.c_str()), 0) << text;
   return n;
 }
 
 std::string to_decimal(const BIGINT *n) {
-  char *text = nullptr;
+  Owned<char> text;
   if (PKV_BIGINT_To_Decimal(n, &text)) return text ? "stored on failure" : "-";
-  const std::string copy = text;
-  PKV_Free(text, __FILE__, __LINE__);
-  return copy;
+  return text.get();
 }
 
 // Values of up to 60 bits, of every length, many of them equal or next to one another.
@@ -36,7 +34,7 @@ Number of(Wide value) {
   for (Wide rest = value < 0 ? -value : value; rest; rest >>= 8) octets.insert(octets.begin(), uint8_t(rest));
   octets.insert(octets.begin(), 2, 0);
   Number n(PKV_New_BIGINT_Binary(octets.data(), int(octets.size())));
-  EXPECT_EQ(PKV_Set_BIGINT_Negative(n.get(), value < 0), 0);
+  EXPECT_EQ(PKV_Set_BIGINT_Negative(n, value < 0), 0);
   return n;
 }
 
@@ -57,9 +55,9 @@ TEST(Bigint, SumsRemaindersAndOrder) {
       const Number y = of(b), out(PKV_New_BIGINT());
       ASSERT_EQ(call(PKV_Cmp_BIGINT, x, y), a < b ? -1 : a > b);
       ASSERT_EQ(call(PKV_Add_BIGINT, out, x, y), 0);
-      ASSERT_TRUE(wide(out.get()) == a + b);
+      ASSERT_TRUE(wide(out) == a + b);
       ASSERT_EQ(call(PKV_Mod_BIGINT, out, x, y), b > 0 ? 0 : PKV_ERR_BAD_VALUE);
-      if (b > 0) ASSERT_TRUE(wide(out.get()) == (a % b + b) % b);
+      if (b > 0) ASSERT_TRUE(wide(out) == (a % b + b) % b);
     }
   }
 }
@@ -68,12 +66,12 @@ TEST(Bigint, ResultsMayBeOperands) {
   const Number n = decimal("-5"), m = decimal("7");
   EXPECT_EQ(call(PKV_Add_BIGINT, n, n, n), 0);
   EXPECT_EQ(call(PKV_Mod_BIGINT, m, n, m), 0);
-  EXPECT_EQ(to_decimal(m.get()), "4");
+  EXPECT_EQ(to_decimal(m), "4");
   // Its own octets, first from the inner room and then from a block of its own.
   for (const size_t length : {30, 3000}) {
     EXPECT_EQ(call(PKV_Binary_To_BIGINT, n, Bytes(length, 0xAB)), 0);
-    EXPECT_EQ(PKV_Binary_To_BIGINT(n.get(), PKV_Get_BIGINT_Octets(n.get(), nullptr) + 1, int(length) - 2), 0);
-    EXPECT_EQ(digits_of(n.get()), to_hex(Bytes(length - 2, 0xAB)));
+    EXPECT_EQ(PKV_Binary_To_BIGINT(n, PKV_Get_BIGINT_Octets(n, nullptr) + 1, int(length) - 2), 0);
+    EXPECT_EQ(digits_of(n), to_hex(Bytes(length - 2, 0xAB)));
   }
 }
 
@@ -87,37 +85,37 @@ TEST(Bigint, DecimalText) {
                                    "340282366920938463463374607431768211455"}};
   for (const auto &[text, digits, back] : cases) {
     const Number n = decimal(text);
-    EXPECT_EQ(digits_of(n.get()), digits);
-    EXPECT_EQ(to_decimal(n.get()), back);
+    EXPECT_EQ(digits_of(n), digits);
+    EXPECT_EQ(to_decimal(n), back);
   }
   const Number n = decimal("-" + longest), next = decimal("-1");
   for (const std::string &bad : {std::string(), std::string("-"), std::string("--1"), std::string("+1"),
                                  std::string("1 "), std::string("0x10"), longest + "9", "0" + longest})
-    EXPECT_EQ(PKV_Decimal_To_BIGINT(n.get(), bad.c_str()), PKV_ERR_BAD_VALUE) << bad.substr(0, 10);
-  EXPECT_EQ(to_decimal(n.get()), "-" + longest);
+    EXPECT_EQ(PKV_Decimal_To_BIGINT(n, bad.c_str()), PKV_ERR_BAD_VALUE) << bad.substr(0, 10);
+  EXPECT_EQ(to_decimal(n), "-" + longest);
   EXPECT_EQ(call(PKV_Add_BIGINT, n, n, next), 0);
-  EXPECT_EQ(to_decimal(n.get()), "-") << "20001 digits";
-  EXPECT_EQ(to_decimal(number("01" + std::string(20000, '0')).get()), "-");
+  EXPECT_EQ(to_decimal(n), "-") << "20001 digits";
+  EXPECT_EQ(to_decimal(number("01" + std::string(20000, '0'))), "-");
 }
 
 TEST(Bigint, OctetsWordsBitsAndNulls) {
   const Number n = number("00001234"), zero(PKV_New_BIGINT()), none;
   uint8_t out[4] = {9, 9, 9, 9};
-  EXPECT_EQ(PKV_BIGINT_To_Binary(n.get(), out, 1), PKV_ERR_BAD_VALUE);
+  EXPECT_EQ(PKV_BIGINT_To_Binary(n, out, 1), PKV_ERR_BAD_VALUE);
   EXPECT_EQ(to_hex(out, 4), "09090909");
-  EXPECT_EQ(PKV_BIGINT_To_Binary(n.get(), out, 3), 0);
+  EXPECT_EQ(PKV_BIGINT_To_Binary(n, out, 3), 0);
   EXPECT_EQ(to_hex(out, 4), "00123409");
-  EXPECT_EQ(PKV_BIGINT_To_Binary(zero.get(), nullptr, 0), 0);
-  EXPECT_EQ(PKV_Binary_To_BIGINT(n.get(), nullptr, 1), PKV_ERR_NULL);
-  EXPECT_EQ(PKV_Binary_To_BIGINT(n.get(), out, -1), PKV_ERR_BAD_VALUE);
+  EXPECT_EQ(PKV_BIGINT_To_Binary(zero, nullptr, 0), 0);
+  EXPECT_EQ(PKV_Binary_To_BIGINT(n, nullptr, 1), PKV_ERR_NULL);
+  EXPECT_EQ(PKV_Binary_To_BIGINT(n, out, -1), PKV_ERR_BAD_VALUE);
   EXPECT_TRUE(!PKV_New_BIGINT_Binary(nullptr, 1) && !PKV_New_BIGINT_Binary(out, -1));
   for (const unsigned word : {0u, 1u, 255u, 256u, 0x80000000u, 0xFFFFFFFFu}) {
-    EXPECT_EQ(PKV_Set_BIGINT_Word(n.get(), word), 0);
-    EXPECT_EQ(PKV_Get_BIGINT_Word(n.get()), word);
-    EXPECT_EQ(PKV_Get_BIGINT_Bit_Length(n.get()), word ? 32 - __builtin_clz(word) : 0);
+    EXPECT_EQ(PKV_Set_BIGINT_Word(n, word), 0);
+    EXPECT_EQ(PKV_Get_BIGINT_Word(n), word);
+    EXPECT_EQ(PKV_Get_BIGINT_Bit_Length(n), word ? 32 - __builtin_clz(word) : 0);
   }
-  EXPECT_EQ(PKV_Get_BIGINT_Word(decimal("4294967296").get()), 0xFFFFFFFF);
-  EXPECT_EQ(PKV_Get_BIGINT_Bit_Length(decimal("4294967296").get()), 33);
+  EXPECT_EQ(PKV_Get_BIGINT_Word(decimal("4294967296")), 0xFFFFFFFF);
+  EXPECT_EQ(PKV_Get_BIGINT_Bit_Length(decimal("4294967296")), 33);
   EXPECT_EQ(PKV_Get_BIGINT_Word(nullptr), 0u);
   EXPECT_EQ(call(PKV_Cmp_BIGINT, none, none), -1);
   EXPECT_EQ(call(PKV_Cmp_BIGINT, none, n), -1);
@@ -134,11 +132,11 @@ TEST(Bigint, PlacedNumbers) {
   ASSERT_NE(n, nullptr);
   EXPECT_EQ(digits_of(n), "a1b2c3");
   EXPECT_EQ(PKV_Set_BIGINT_Negative(n, 1), 0);
-  EXPECT_EQ(PKV_Add_BIGINT(n, n, number("a1b2c4").get()), 0);
+  EXPECT_EQ(PKV_Add_BIGINT(n, n, number("a1b2c4")), 0);
   EXPECT_EQ(digits_of(n), "01");
   PKV_Clear_BIGINT(n);
   EXPECT_EQ(digits_of(n), "");
-  EXPECT_EQ(PKV_Copy_BIGINT(n, number(std::string(80, '7')).get()), 0);
+  EXPECT_EQ(PKV_Copy_BIGINT(n, number(std::string(80, '7'))), 0);
   PKV_Clear_BIGINT(n);
   EXPECT_EQ(to_hex(octets), "00a1b2c3");
   EXPECT_NE(PKV_Get_BIGINT_Octets(PKV_Place_BIGINT(place, nullptr, 0), nullptr), nullptr);
@@ -148,10 +146,10 @@ TEST(Bigint, PlacedNumbers) {
 TEST(Bigint, ExhaustedMemoryChangesNothing) {
   const Number n = decimal("77"), big = number(std::string(400, 'f'));
   const auto work = [&] {
-    const Number copy(PKV_Dup_BIGINT(n.get()));
+    const Number copy(PKV_Dup_BIGINT(n));
     if (!copy) return int(PKV_ERR_NO_MEMORY);
     const int code = call(PKV_Copy_BIGINT, copy, big);
-    if (code) EXPECT_EQ(digits_of(copy.get()), "4d");
+    if (code) EXPECT_EQ(digits_of(copy), "4d");
     return code ? code : call(PKV_Add_BIGINT, copy, copy, n);
   };
   EXPECT_GT(fail_each_allocation(work), 2);

@@ -6,7 +6,7 @@ using namespace test;
 
 namespace {
 
-using Cipher = std::unique_ptr<BLOCK_CIPHER_UNIT, Releases<PKV_Free_BLOCK_CIPHER>>;
+using Cipher = Owned<BLOCK_CIPHER_UNIT>;
 
 constexpr int kModes[] = {PKV_MODE_ECB, PKV_MODE_CBC, PKV_MODE_CFB, PKV_MODE_OFB};
 constexpr int kAes = 0x01000100, kAesCbc = kAes | PKV_MODE_CBC, kRc5 = 0x05000100;
@@ -188,7 +188,7 @@ TEST(BlockCipher, BadArguments) {
     Output out(32);
     const int id = code_at(row, "id"), expected = code_at(row, "code");
     const int key_length = number_in(row, "key"), iv_length = number_in(row, "iv");
-    EXPECT_EQ(PKV_Init_BLOCK_CIPHER(unit.get(), id, key.data(), key_length, iv.data(), iv_length, 1), expected)
+    EXPECT_EQ(PKV_Init_BLOCK_CIPHER(unit, id, key.data(), key_length, iv.data(), iv_length, 1), expected)
         << row.at("id") << " " << key_length << " " << iv_length;
     EXPECT_EQ(call(PKV_Update_BLOCK_CIPHER, unit, Bytes(1), out), expected ? PKV_ERR_FAILED : 0);
   }
@@ -218,16 +218,16 @@ TEST(BlockCipher, CapacityIsCheckedBeforeAnythingIsWritten) {
 
 TEST(BlockCipher, UnpaddedMessagesAndLentKeys) {
   const Cipher unit(PKV_New_BLOCK_CIPHER());
-  EXPECT_EQ(PKV_Get_BLOCK_CIPHER_Key(unit.get(), nullptr), nullptr);
+  EXPECT_EQ(PKV_Get_BLOCK_CIPHER_Key(unit, nullptr), nullptr);
   for (const size_t length : {32, 31}) {
     int key_length = 0, iv_length = 0;
     Output out(32), rest(0);
     const Bytes plain = pattern(length, 3);
     ASSERT_EQ(call(PKV_Init_BLOCK_CIPHER, unit, kAesCbc, kKey, kIv, 1), 0);
-    const unsigned char *key = PKV_Get_BLOCK_CIPHER_Key(unit.get(), &key_length);
-    const unsigned char *iv = PKV_Get_BLOCK_CIPHER_IV(unit.get(), &iv_length);
-    ASSERT_EQ(PKV_Init_BLOCK_CIPHER(unit.get(), kAesCbc, key, key_length, iv, iv_length, 1), 0);
-    EXPECT_EQ(PKV_Set_BLOCK_CIPHER_Padding(unit.get(), 0), 0);
+    const unsigned char *key = PKV_Get_BLOCK_CIPHER_Key(unit, &key_length);
+    const unsigned char *iv = PKV_Get_BLOCK_CIPHER_IV(unit, &iv_length);
+    ASSERT_EQ(PKV_Init_BLOCK_CIPHER(unit, kAesCbc, key, key_length, iv, iv_length, 1), 0);
+    EXPECT_EQ(PKV_Set_BLOCK_CIPHER_Padding(unit, 0), 0);
     EXPECT_EQ(call(PKV_Update_BLOCK_CIPHER, unit, plain, out), 0);
     EXPECT_EQ(call(PKV_Final_BLOCK_CIPHER, unit, rest), length == 32 ? 0 : PKV_ERR_FAILED);
     EXPECT_EQ(out.written(), first(crypt(true, kAesCbc, kKey, kIv, plain), length / 16 * 16));
@@ -238,10 +238,10 @@ TEST(Provider, ExhaustedMemoryIsReported) {
   const Bytes sealed = crypt(true, kAesCbc, kKey, {}, kKey);
   const auto work = [&] {
     const Cipher cipher(PKV_New_BLOCK_CIPHER());
-    const std::unique_ptr<DIGEST_UNIT, Releases<PKV_Free_DIGEST>> digest(PKV_New_DIGEST());
-    const std::unique_ptr<HMAC_UNIT, Releases<PKV_Free_HMAC>> hmac(PKV_New_HMAC());
+    const Owned<DIGEST_UNIT> digest(PKV_New_DIGEST());
+    const Owned<HMAC_UNIT> hmac(PKV_New_HMAC());
     if (!cipher || !digest || !hmac || call(PKV_Init_DIGEST, digest, PKV_DIGEST_HAS160)) return int(PKV_ERR_NO_MEMORY);
-    const decltype(digest) copy(PKV_Dup_DIGEST(digest.get()));
+    const decltype(digest) copy(PKV_Dup_DIGEST(digest));
     Output out(32);
     return copy ? call(PKV_Decrypt_BLOCK_CIPHER, kAesCbc, kKey, Bytes(), sealed, out) : PKV_ERR_NO_MEMORY;
   };

@@ -9,8 +9,8 @@ using namespace test;
 
 namespace {
 
-using Unit = std::unique_ptr<DIGEST_UNIT, Releases<PKV_Free_DIGEST>>;
-using Hmac = std::unique_ptr<HMAC_UNIT, Releases<PKV_Free_HMAC>>;
+using Unit = Owned<DIGEST_UNIT>;
+using Hmac = Owned<HMAC_UNIT>;
 
 // FIPS 180 and RFC 1321: "abc"; the HAS-160 of its standard; MDC-2 of its first published example.
 struct Known {
@@ -53,11 +53,11 @@ TEST(Digest, PiecesAndCopiesGiveTheWhole) {
     const std::string expected = digest(known.id, whole), other = digest(known.id, Bytes(&whole[0], &whole[149]));
     const Unit unit(PKV_New_DIGEST());
     for (int cut = 0; cut < 149; ++cut) {
-      ASSERT_EQ(PKV_Init_DIGEST(unit.get(), known.id), 0);
-      ASSERT_EQ(PKV_Update_DIGEST(unit.get(), whole.data(), cut), 0);
-      const Unit copy(PKV_Dup_DIGEST(unit.get()));
-      ASSERT_EQ(PKV_Update_DIGEST(copy.get(), whole.data() + cut, 149 - cut), 0);
-      ASSERT_EQ(PKV_Update_DIGEST(unit.get(), whole.data() + cut, 150 - cut), 0);
+      ASSERT_EQ(PKV_Init_DIGEST(unit, known.id), 0);
+      ASSERT_EQ(PKV_Update_DIGEST(unit, whole.data(), cut), 0);
+      const Unit copy(PKV_Dup_DIGEST(unit));
+      ASSERT_EQ(PKV_Update_DIGEST(copy, whole.data() + cut, 149 - cut), 0);
+      ASSERT_EQ(PKV_Update_DIGEST(unit, whole.data() + cut, 150 - cut), 0);
       ASSERT_EQ(final_of(copy), other) << known.id << " at " << cut;
       ASSERT_EQ(final_of(unit), expected) << known.id << " at " << cut;
     }
@@ -86,9 +86,9 @@ TEST(Digest, RepeatedAndDerived) {
               0);
     EXPECT_EQ(to_hex(derived.data(), length), to_hex(sum)) << known.id;
     const Unit unit(PKV_New_DIGEST());
-    EXPECT_EQ(PKV_Get_DIGEST_ID(unit.get()), 0);
-    ASSERT_EQ(PKV_Init_DIGEST(unit.get(), known.id), 0);
-    EXPECT_EQ(PKV_Get_DIGEST_ID(unit.get()), known.id);
+    EXPECT_EQ(PKV_Get_DIGEST_ID(unit), 0);
+    ASSERT_EQ(PKV_Init_DIGEST(unit, known.id), 0);
+    EXPECT_EQ(PKV_Get_DIGEST_ID(unit), known.id);
   }
   EXPECT_EQ(PKV_Repeat_DIGEST(0x77, nullptr, 1), PKV_ERR_NULL);
   EXPECT_EQ(PKV_PBKDF2(0x77, nullptr, 0, nullptr, 0, 1, Bytes(1).data(), 1), PKV_ERR_UNSUPPORTED);
@@ -100,7 +100,7 @@ TEST(Digest, Has160Vectors) {
   for (const Json &c : read_json(file)["has160"].items) {
     const Bytes piece = c["message"].octets();
     const Unit unit(PKV_New_DIGEST());
-    ASSERT_EQ(PKV_Init_DIGEST(unit.get(), PKV_DIGEST_HAS160), 0);
+    ASSERT_EQ(PKV_Init_DIGEST(unit, PKV_DIGEST_HAS160), 0);
     for (int i = 0; i < c["repeat"].number(); ++i) call(PKV_Update_DIGEST, unit, piece);
     EXPECT_EQ(final_of(unit), c["digest"].text) << c["name"].text;
   }
@@ -109,19 +109,19 @@ TEST(Digest, Has160Vectors) {
 TEST(Digest, CallsOutOfOrderAndBadArguments) {
   const Unit unit(PKV_New_DIGEST());
   uint8_t out[PKV_MAX_DIGEST_LENGTH];
-  EXPECT_EQ(PKV_Update_DIGEST(unit.get(), out, 1), PKV_ERR_FAILED);
-  EXPECT_EQ(PKV_Final_DIGEST(unit.get(), out, nullptr), PKV_ERR_FAILED);
+  EXPECT_EQ(PKV_Update_DIGEST(unit, out, 1), PKV_ERR_FAILED);
+  EXPECT_EQ(PKV_Final_DIGEST(unit, out, nullptr), PKV_ERR_FAILED);
   for (const Known &known : kKnown) {
-    ASSERT_EQ(PKV_Init_DIGEST(unit.get(), known.id), 0);
-    EXPECT_EQ(PKV_Update_DIGEST(unit.get(), nullptr, 1), PKV_ERR_NULL);
-    EXPECT_EQ(PKV_Update_DIGEST(unit.get(), out, -1), PKV_ERR_BAD_VALUE);
-    EXPECT_EQ(PKV_Update_DIGEST(unit.get(), nullptr, 0), 0);
+    ASSERT_EQ(PKV_Init_DIGEST(unit, known.id), 0);
+    EXPECT_EQ(PKV_Update_DIGEST(unit, nullptr, 1), PKV_ERR_NULL);
+    EXPECT_EQ(PKV_Update_DIGEST(unit, out, -1), PKV_ERR_BAD_VALUE);
+    EXPECT_EQ(PKV_Update_DIGEST(unit, nullptr, 0), 0);
     EXPECT_EQ(final_of(unit), digest(known.id, {}));
-    EXPECT_EQ(PKV_Final_DIGEST(unit.get(), out, nullptr), PKV_ERR_FAILED);
+    EXPECT_EQ(PKV_Final_DIGEST(unit, out, nullptr), PKV_ERR_FAILED);
   }
   for (const int id : {0, 0x05000600, PKV_DIGEST_SHA1 | PKV_HMAC_FLAG, 0x05000101}) {
     EXPECT_EQ(PKV_DIGEST(id, out, 1, out, nullptr), PKV_ERR_UNSUPPORTED) << id;
-    EXPECT_EQ(PKV_Init_DIGEST(unit.get(), id), PKV_ERR_UNSUPPORTED) << id;
+    EXPECT_EQ(PKV_Init_DIGEST(unit, id), PKV_ERR_UNSUPPORTED) << id;
   }
   EXPECT_EQ(PKV_DIGEST(PKV_DIGEST_SHA1, out, 1, nullptr, nullptr), PKV_ERR_NULL);
 }
@@ -156,8 +156,8 @@ void expect_mac(int id, const Bytes &key, const Bytes &data, const std::string &
   const int half = int(data.size() / 2);
   ASSERT_EQ(call(PKV_Init_HMAC, unit, id, key), 0);
   for (int turn = 0; turn < 2; ++turn) {
-    EXPECT_EQ(PKV_Update_HMAC(unit.get(), data.data(), half), 0);
-    EXPECT_EQ(PKV_Update_HMAC(unit.get(), data.data() + half, int(data.size()) - half), 0);
+    EXPECT_EQ(PKV_Update_HMAC(unit, data.data(), half), 0);
+    EXPECT_EQ(PKV_Update_HMAC(unit, data.data() + half, int(data.size()) - half), 0);
     EXPECT_EQ(digest_of(PKV_Final_HMAC, unit), expected);
   }
   EXPECT_EQ(digest_of(PKV_HMAC, id, key, data), expected);
@@ -191,12 +191,12 @@ TEST(HmacTest, Vectors) {
 TEST(HmacTest, BadArguments) {
   const Hmac unit(PKV_New_HMAC());
   uint8_t out[PKV_MAX_DIGEST_LENGTH] = {};
-  EXPECT_EQ(PKV_Update_HMAC(unit.get(), out, 1), PKV_ERR_FAILED);
-  EXPECT_EQ(PKV_Init_HMAC(unit.get(), PKV_DIGEST_MDC2, out, 8), 0);
-  EXPECT_EQ(PKV_Init_HMAC(unit.get(), PKV_DIGEST_MDC2, out, 9), PKV_ERR_BAD_VALUE);
-  EXPECT_EQ(PKV_Final_HMAC(unit.get(), out, nullptr), PKV_ERR_FAILED);
-  EXPECT_EQ(PKV_Init_HMAC(unit.get(), PKV_DIGEST_SHA1, nullptr, 1), PKV_ERR_NULL);
-  EXPECT_EQ(PKV_Init_HMAC(unit.get(), 1, out, 1), PKV_ERR_UNSUPPORTED);
+  EXPECT_EQ(PKV_Update_HMAC(unit, out, 1), PKV_ERR_FAILED);
+  EXPECT_EQ(PKV_Init_HMAC(unit, PKV_DIGEST_MDC2, out, 8), 0);
+  EXPECT_EQ(PKV_Init_HMAC(unit, PKV_DIGEST_MDC2, out, 9), PKV_ERR_BAD_VALUE);
+  EXPECT_EQ(PKV_Final_HMAC(unit, out, nullptr), PKV_ERR_FAILED);
+  EXPECT_EQ(PKV_Init_HMAC(unit, PKV_DIGEST_SHA1, nullptr, 1), PKV_ERR_NULL);
+  EXPECT_EQ(PKV_Init_HMAC(unit, 1, out, 1), PKV_ERR_UNSUPPORTED);
 }
 
 }  // namespace

@@ -7,7 +7,7 @@ namespace {
 Ecc key_on(const std::string &name) {
   const Curve curve(PKV_New_ECURVE());
   Ecc key(PKV_New_ECC());
-  EXPECT_EQ(0, PKV_Set_ECURVE_Named(curve.get(), name.c_str()));
+  EXPECT_EQ(0, PKV_Set_ECURVE_Named(curve, name.c_str()));
   EXPECT_EQ(0, call(PKV_Set_ECC_Curve, key, curve));
   return key;
 }
@@ -113,7 +113,7 @@ TEST(Ecc, AgreesOnAPublishedSecret) {
                x = number("D12DFB5289C8D4F81208B70270398C342296970A0BCCB74C736FC7554494BF63"),
                y = number("56FBF3CA366CC23E8157854C13C58D6AAC23F046ADA30F8353E74F33039872AB"), one = number("01");
   ASSERT_EQ(0, call(PKV_Set_ECC_Private, own, secret));
-  EXPECT_EQ(digits_of(PKV_Get_ECC_POINT_X(PKV_Get_ECC_Public(own.get()))),
+  EXPECT_EQ(digits_of(PKV_Get_ECC_POINT_X(PKV_Get_ECC_Public(own))),
             "dad0b65394221cf9b051e1feca5787d098dfe637fc90b9ef945d0c3772581180");
   ASSERT_EQ(0, call(PKV_Set_ECC_POINT, peer, x, y));
   Output shared(32), small(31);
@@ -130,10 +130,10 @@ TEST(Ecc, GeneratesSignsAndAgreesOnEveryCurve) {
     SCOPED_TRACE(name);
     const Ecc key = key_on(name), other = key_on(name);
     for (const Ecc *each : {&key, &other}) ASSERT_EQ(0, PKV_Generate_ECC(each->get()));
-    EXPECT_EQ(0, PKV_Check_ECC(key.get()));
+    EXPECT_EQ(0, PKV_Check_ECC(key));
     EXPECT_EQ(1, call(PKV_Cmp_ECC, key, other));
     int width = 0, same = 0;
-    ASSERT_EQ(0, PKV_Get_ECC_Lengths(key.get(), &width, &same));
+    ASSERT_EQ(0, PKV_Get_ECC_Lengths(key, &width, &same));
     Bytes r(size_t(width), 0), s(size_t(width), 0);
     for (const int digest : {PKV_DIGEST_SHA256, PKV_DIGEST_SHA512, PKV_DIGEST_HAS160}) {
       const auto verify = [&](const Bytes &with_r) { return call(PKV_ECDSA_VERIFY, key, digest, message, with_r, s); };
@@ -143,8 +143,8 @@ TEST(Ecc, GeneratesSignsAndAgreesOnEveryCurve) {
       EXPECT_EQ(PKV_ERR_MISMATCH, verify(s));
     }
     Output ours(66), theirs(66);
-    ASSERT_EQ(0, call(PKV_ECDH, key, PKV_Get_ECC_Public(other.get()), ours));
-    ASSERT_EQ(0, call(PKV_ECDH, other, PKV_Get_ECC_Public(key.get()), theirs));
+    ASSERT_EQ(0, call(PKV_ECDH, key, PKV_Get_ECC_Public(other), ours));
+    ASSERT_EQ(0, call(PKV_ECDH, other, PKV_Get_ECC_Public(key), theirs));
     EXPECT_EQ(ours.written(), theirs.written());
     EXPECT_EQ(ours.length, width);
   }
@@ -163,36 +163,36 @@ TEST(Ecc, RefusesForeignPointsValuesAndCurves) {
       {x, y, 0}, {x, x, kBad}, {"00", "00", kBad}, {"01" + x, y, kBad}};
   for (const auto &[at_x, at_y, expected] : points) {
     set_point(at_x, at_y);
-    EXPECT_EQ(expected, PKV_Check_ECC(key.get())) << at_x;
+    EXPECT_EQ(expected, PKV_Check_ECC(key)) << at_x;
     EXPECT_EQ(expected ? expected : PKV_ERR_MISMATCH,
               call(PKV_ECDSA_VERIFY, key, PKV_DIGEST_SHA1, Bytes(1, 1), Bytes(1, 1), Bytes(1, 1)));
   }
   for (const std::string &bad : {std::string("00"), n}) EXPECT_EQ(kBad, call(PKV_Set_ECC_Private, key, number(bad)));
   set_point(x, y);
   ASSERT_EQ(0, call(PKV_Set_ECC_Private, key, number("02")));
-  EXPECT_EQ(PKV_ERR_MISMATCH, PKV_Check_ECC(key.get())) << "the point is that of 1";
+  EXPECT_EQ(PKV_ERR_MISMATCH, PKV_Check_ECC(key)) << "the point is that of 1";
   set_point(x, y);
-  EXPECT_EQ(0, PKV_Is_ECC_Private(key.get())) << "another point's value";
+  EXPECT_EQ(0, PKV_Is_ECC_Private(key)) << "another point's value";
 
   const Curve curve(PKV_New_ECURVE());
-  EXPECT_EQ(PKV_ERR_UNSUPPORTED, PKV_Set_ECURVE_Named(curve.get(), "secp256k1"));
+  EXPECT_EQ(PKV_ERR_UNSUPPORTED, PKV_Set_ECURVE_Named(curve, "secp256k1"));
   const Number small = number("07");
-  ASSERT_EQ(0, call(PKV_Set_ECURVE_Params, curve, 42, "prime256v1", small, small, small, PKV_Get_ECC_Public(key.get()),
-                    small));
-  EXPECT_EQ(42, PKV_Get_ECURVE_ID(curve.get()));
+  ASSERT_EQ(0,
+            call(PKV_Set_ECURVE_Params, curve, 42, "prime256v1", small, small, small, PKV_Get_ECC_Public(key), small));
+  EXPECT_EQ(42, PKV_Get_ECURVE_ID(curve));
   ASSERT_EQ(0, call(PKV_Set_ECC_Curve, key, curve));
-  EXPECT_EQ(PKV_ERR_UNSUPPORTED, PKV_Check_ECC(key.get())) << "a known name with other values";
+  EXPECT_EQ(PKV_ERR_UNSUPPORTED, PKV_Check_ECC(key)) << "a known name with other values";
 }
 
 TEST(Ecc, SharesAsksAndSurvivesExhaustedMemory) {
   const Ecc source = key_on("prime256v1");
   Bytes r(32), s(32);
   const auto work = [&] {
-    const Ecc key(PKV_Dup_ECC(source.get()));
+    const Ecc key(PKV_Dup_ECC(source));
     if (!key) return int(PKV_ERR_NO_MEMORY);
-    if (int error = PKV_Generate_ECC(key.get())) return error;
+    if (int error = PKV_Generate_ECC(key)) return error;
     if (int error = call(PKV_ECDSA_SIGN, key, PKV_DIGEST_HAS160, Bytes(), r.data(), s.data())) return error;
-    const Ecc copy(PKV_Dup_ECC(key.get()));
+    const Ecc copy(PKV_Dup_ECC(key));
     if (!copy) return int(PKV_ERR_NO_MEMORY);
     return in_two_threads([&] { return call(PKV_ECDSA_VERIFY, copy, PKV_DIGEST_HAS160, Bytes(), r, s); });
   };
@@ -205,9 +205,9 @@ TEST(Ecc, SharesAsksAndSurvivesExhaustedMemory) {
     memset(signature + 32, input[1], 32);
     return 0;
   };
-  EXPECT_EQ(PKV_ERR_BAD_VALUE, PKV_Set_ECC_Callback(source.get(), answer, nullptr)) << "no point";
+  EXPECT_EQ(PKV_ERR_BAD_VALUE, PKV_Set_ECC_Callback(source, answer, nullptr)) << "no point";
   ASSERT_EQ(0, call(PKV_Set_ECC_Public, source, number("01"), number("02")));
-  ASSERT_EQ(0, PKV_Set_ECC_Callback(source.get(), answer, nullptr));
+  ASSERT_EQ(0, PKV_Set_ECC_Callback(source, answer, nullptr));
   ASSERT_EQ(0, call(PKV_ECDSA_SIGN, source, PKV_DIGEST_SHA1, Bytes(), r.data(), s.data()));
   EXPECT_TRUE(r == Bytes(32, 0xDA) && s == Bytes(32, 0x39));
 }

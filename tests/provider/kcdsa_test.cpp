@@ -31,7 +31,7 @@ struct Signature {
 
 int sign(const Kcdsa &key, int digest, const Bytes &message, Signature &out) {
   int r = 0, s = 0;
-  if (int error = PKV_Get_KCDSA_Lengths(key.get(), &r, &s)) return error;
+  if (int error = PKV_Get_KCDSA_Lengths(key, &r, &s)) return error;
   out = {Bytes(size_t(r)), Bytes(size_t(s))};
   return call(PKV_KCDSA_SIGN, key, digest, message, out.r.data(), out.s.data());
 }
@@ -53,8 +53,8 @@ TEST(Kcdsa, SignsAndVerifiesVectors) {
     const int digest = digest_id(one["hash"].text);
     const Bytes message = one["message"].octets(), k = one["k"].octets();
     ASSERT_EQ(0, call(PKV_Set_KCDSA_Private, key, number(one["x"].text)));
-    EXPECT_EQ(digits_of(PKV_Get_KCDSA_Component(key.get(), PKV_KCDSA_Y)), digits_of(number(one["y"].text).get()));
-    EXPECT_EQ(0, PKV_Check_KCDSA_Key(key.get()));
+    EXPECT_EQ(digits_of(PKV_Get_KCDSA_Component(key, PKV_KCDSA_Y)), digits_of(number(one["y"].text)));
+    EXPECT_EQ(0, PKV_Check_KCDSA_Key(key));
     Signature made;
     const size_t size = one["q"].octets().size();
     Bytes drawn(size, 0xFF);  // this and 0 are no values below q: drawn again
@@ -64,7 +64,7 @@ TEST(Kcdsa, SignsAndVerifiesVectors) {
     ASSERT_EQ(0, sign(key, digest, message, made));
     choose_random({});
     EXPECT_EQ(to_hex(made.r), one["r"].text);
-    EXPECT_EQ(digits_of(number(to_hex(made.s)).get()), digits_of(number(one["s"].text).get()));
+    EXPECT_EQ(digits_of(number(to_hex(made.s))), digits_of(number(one["s"].text)));
     EXPECT_EQ(0, verify(key_of(one), digest, message, made));
   }
   for (const Json &one : list("kcdsa_verify_published")) {
@@ -88,18 +88,18 @@ TEST(Kcdsa, DerivesAndChecksPublishedParameters) {
     const Kcdsa key = key_of(one), derived(PKV_New_KCDSA());
     const Bytes seed = one["seed"].octets();
     const int digest = digest_id(one["hash"].text), p_bits = int(one["p"].text.size() * 4);
-    EXPECT_EQ(0, PKV_Check_KCDSA_Params(key.get(), 1, digest));
-    EXPECT_EQ(PKV_ERR_BAD_VALUE, PKV_Check_KCDSA_Params(key.get(), 1, PKV_DIGEST_SHA384));
+    EXPECT_EQ(0, PKV_Check_KCDSA_Params(key, 1, digest));
+    EXPECT_EQ(PKV_ERR_BAD_VALUE, PKV_Check_KCDSA_Params(key, 1, PKV_DIGEST_SHA384));
     ++checked;
     if (p_bits > 1024 || one["count"].number() > 3000) continue;
     ++searched;
     ASSERT_EQ(0, call(PKV_Derive_KCDSA_Params, derived, p_bits, int(seed.size() * 8), digest, seed, nullptr, nullptr));
     int length = 0, count = 0;
-    EXPECT_EQ(to_hex(PKV_Get_KCDSA_Seed(derived.get(), &length, &count), seed.size()), one["seed"].text);
+    EXPECT_EQ(to_hex(PKV_Get_KCDSA_Seed(derived, &length, &count), seed.size()), one["seed"].text);
     EXPECT_EQ(count, one["count"].number());
     for (const auto &[which, name] : {std::pair(PKV_KCDSA_P, "p"), {PKV_KCDSA_Q, "q"}, {PKV_KCDSA_J, "j"}})
-      EXPECT_EQ(digits_of(PKV_Get_KCDSA_Component(derived.get(), which)), one[name].text);
-    EXPECT_EQ(0, PKV_Check_KCDSA_Params(derived.get(), 0, 0)) << "the generator's order";
+      EXPECT_EQ(digits_of(PKV_Get_KCDSA_Component(derived, which)), one[name].text);
+    EXPECT_EQ(0, PKV_Check_KCDSA_Params(derived, 0, 0)) << "the generator's order";
   }
   EXPECT_TRUE(checked == 7 && searched == 1);
 }
@@ -118,36 +118,36 @@ TEST(Kcdsa, FindsFaultsInNumbers) {
     Json bad = good;
     bad.fields[one.name].text = one.value;
     const Kcdsa key = key_of(bad);
-    EXPECT_EQ(one.quick, PKV_Check_KCDSA_Params(key.get(), 0, 0)) << one.name << ' ' << one.value;
-    EXPECT_EQ(one.thorough, PKV_Check_KCDSA_Params(key.get(), 1, PKV_DIGEST_HAS160)) << one.name << ' ' << one.value;
-    EXPECT_EQ(one.key, PKV_Check_KCDSA_Key(key.get())) << one.name << ' ' << one.value;
+    EXPECT_EQ(one.quick, PKV_Check_KCDSA_Params(key, 0, 0)) << one.name << ' ' << one.value;
+    EXPECT_EQ(one.thorough, PKV_Check_KCDSA_Params(key, 1, PKV_DIGEST_HAS160)) << one.name << ' ' << one.value;
+    EXPECT_EQ(one.key, PKV_Check_KCDSA_Key(key)) << one.name << ' ' << one.value;
   }
   const Kcdsa key = key_of(good);
   EXPECT_EQ(PKV_ERR_MISMATCH, call(PKV_Set_KCDSA_Private, key, number("02")));
   EXPECT_EQ(PKV_ERR_BAD_VALUE, call(PKV_Set_KCDSA_Private, key, number(good["q"].text)));
-  EXPECT_EQ(PKV_ERR_BAD_VALUE, PKV_Init_KCDSA(key.get(), 1)) << "no private value";
+  EXPECT_EQ(PKV_ERR_BAD_VALUE, PKV_Init_KCDSA(key, 1)) << "no private value";
 }
 
 TEST(Kcdsa, SignsIncrementallyAndReadsLengthsStrictly) {
   VELPKI_NEED_VECTORS("../reference/korean_vectors.json", file);
   for (const Json &one : list("kcdsa_keys")) {
     const Kcdsa key = key_of(one);
-    ASSERT_EQ(0, PKV_Generate_KCDSA(key.get()));
-    EXPECT_EQ(0, PKV_Check_KCDSA_Key(key.get()));
+    ASSERT_EQ(0, PKV_Generate_KCDSA(key));
+    EXPECT_EQ(0, PKV_Check_KCDSA_Key(key));
     EXPECT_EQ(1, call(PKV_Cmp_KCDSA, key, key_of(one)));
     const Bytes message(100, 'm');
     for (const int digest : {0, int(PKV_DIGEST_HAS160), int(PKV_DIGEST_SHA512)}) {
-      ASSERT_EQ(0, PKV_Init_KCDSA(key.get(), 1));
-      ASSERT_EQ(digest ? 0 : PKV_ERR_UNSUPPORTED, PKV_Set_KCDSA_DIGEST(key.get(), digest));
+      ASSERT_EQ(0, PKV_Init_KCDSA(key, 1));
+      ASSERT_EQ(digest ? 0 : PKV_ERR_UNSUPPORTED, PKV_Set_KCDSA_DIGEST(key, digest));
       int r = 0, s = 0;
-      ASSERT_EQ(0, PKV_Get_KCDSA_Lengths(key.get(), &r, &s));
+      ASSERT_EQ(0, PKV_Get_KCDSA_Lengths(key, &r, &s));
       EXPECT_EQ(s, int(one["q"].text.size() / 2));
       EXPECT_EQ(r, digest == PKV_DIGEST_HAS160 ? 20 : s);
       Signature made{Bytes(size_t(r)), Bytes(size_t(s))};
-      ASSERT_EQ(0, PKV_Update_KCDSA(key.get(), message.data(), 60));
-      EXPECT_EQ(PKV_ERR_FAILED, PKV_Set_KCDSA_DIGEST(key.get(), PKV_DIGEST_SHA1)) << "after the first octets";
-      ASSERT_EQ(0, PKV_Update_KCDSA(key.get(), message.data(), 40));
-      ASSERT_EQ(0, PKV_Final_KCDSA(key.get(), made.r.data(), made.s.data()));
+      ASSERT_EQ(0, PKV_Update_KCDSA(key, message.data(), 60));
+      EXPECT_EQ(PKV_ERR_FAILED, PKV_Set_KCDSA_DIGEST(key, PKV_DIGEST_SHA1)) << "after the first octets";
+      ASSERT_EQ(0, PKV_Update_KCDSA(key, message.data(), 40));
+      ASSERT_EQ(0, PKV_Final_KCDSA(key, made.r.data(), made.s.data()));
       EXPECT_EQ(0, verify(key, digest, message, made));
       EXPECT_EQ(PKV_ERR_MISMATCH, verify(key, digest, Bytes(99, 'm'), made));
       const Bytes long_r = hex("00" + to_hex(made.r)), long_s = hex("00" + to_hex(made.s));
@@ -170,9 +170,9 @@ TEST(Kcdsa, AsksASignerElsewhere) {
     memcpy(signature, hex(expected["r"].text + expected["s"].text).data(), 40);
     return 0;
   };
-  ASSERT_EQ(0, PKV_Set_KCDSA_Callback(key.get(), answer, &one));
+  ASSERT_EQ(0, PKV_Set_KCDSA_Callback(key, answer, &one));
   Signature made;
-  ASSERT_EQ(0, sign(Kcdsa(PKV_Dup_KCDSA(key.get())), 0, one["message"].octets(), made));
+  ASSERT_EQ(0, sign(Kcdsa(PKV_Dup_KCDSA(key)), 0, one["message"].octets(), made));
   EXPECT_EQ(0, verify(key, 0, one["message"].octets(), made));
 }
 
@@ -186,9 +186,9 @@ TEST(Kcdsa, VerifiesInTwoThreadsAndSurvivesExhaustedMemory) {
   }
   const Kcdsa source = key_of(one);
   const auto work = [&] {
-    const Kcdsa key(PKV_Dup_KCDSA(source.get()));
+    const Kcdsa key(PKV_Dup_KCDSA(source));
     if (!key) return int(PKV_ERR_NO_MEMORY);
-    if (int error = PKV_Generate_KCDSA(key.get())) return error;
+    if (int error = PKV_Generate_KCDSA(key)) return error;
     Signature made;
     return sign(key, 0, message, made);
   };
@@ -198,10 +198,10 @@ TEST(Kcdsa, VerifiesInTwoThreadsAndSurvivesExhaustedMemory) {
 TEST(Kcdsa, GeneratesParameters) {
   const Kcdsa key(PKV_New_KCDSA());
   const auto stop = [](int count, void *) { return count == 3 ? 1 : 0; };
-  EXPECT_EQ(PKV_ERR_UNSUPPORTED, PKV_Generate_KCDSA_Params(key.get(), 1024, 224, PKV_DIGEST_SHA224, nullptr, nullptr));
-  EXPECT_EQ(PKV_ERR_FAILED, PKV_Generate_KCDSA_Params(key.get(), 1024, 160, PKV_DIGEST_SHA1, stop, nullptr));
+  EXPECT_EQ(PKV_ERR_UNSUPPORTED, PKV_Generate_KCDSA_Params(key, 1024, 224, PKV_DIGEST_SHA224, nullptr, nullptr));
+  EXPECT_EQ(PKV_ERR_FAILED, PKV_Generate_KCDSA_Params(key, 1024, 160, PKV_DIGEST_SHA1, stop, nullptr));
 #ifdef VELPKI_SLOW_TESTS
-  ASSERT_EQ(0, PKV_Generate_KCDSA_Params(key.get(), 1024, 160, PKV_DIGEST_SHA1, nullptr, nullptr));
-  EXPECT_EQ(0, PKV_Check_KCDSA_Params(key.get(), 1, PKV_DIGEST_SHA1));
+  ASSERT_EQ(0, PKV_Generate_KCDSA_Params(key, 1024, 160, PKV_DIGEST_SHA1, nullptr, nullptr));
+  EXPECT_EQ(0, PKV_Check_KCDSA_Params(key, 1, PKV_DIGEST_SHA1));
 #endif
 }

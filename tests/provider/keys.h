@@ -10,22 +10,16 @@
 #include <vector>
 
 #include "support/json.h"
+#include "support/owned.h"
 
 namespace test {
 
-template <auto release>
-struct Releases {
-  template <class T>
-  void operator()(T *object) const {
-    release(object);
-  }
-};
-using Number = std::unique_ptr<BIGINT, Releases<PKV_Free_BIGINT>>;
-using Rsa = std::unique_ptr<RSA_UNIT, Releases<PKV_Free_RSA>>;
-using Kcdsa = std::unique_ptr<KCDSA_UNIT, Releases<PKV_Free_KCDSA>>;
-using Ecc = std::unique_ptr<ECC_UNIT, Releases<PKV_Free_ECC>>;
-using Curve = std::unique_ptr<ECURVE, Releases<PKV_Free_ECURVE>>;
-using Point = std::unique_ptr<ECC_POINT, Releases<PKV_Free_ECC_POINT>>;
+using Number = Owned<BIGINT>;
+using Rsa = Owned<RSA_UNIT>;
+using Kcdsa = Owned<KCDSA_UNIT>;
+using Ecc = Owned<ECC_UNIT>;
+using Curve = Owned<ECURVE>;
+using Point = Owned<ECC_POINT>;
 
 // Room for what a call writes; `length` is the capacity before it and what was written after it.
 struct Output {
@@ -40,9 +34,9 @@ template <class T>
 std::tuple<T> spread(T argument) {
   return {argument};
 }
-template <class T, class D>
-std::tuple<T *> spread(const std::unique_ptr<T, D> &owner) {
-  return {owner.get()};
+template <class T>
+std::tuple<T *> spread(const Owned<T> &owner) {
+  return {owner};
 }
 inline std::tuple<const uint8_t *, int> spread(const Bytes &octets) { return {octets.data(), int(octets.size())}; }
 inline std::tuple<uint8_t *, int *> spread(Output &out) { return {out.octets.data(), &out.length}; }
@@ -61,16 +55,6 @@ inline std::string digits_of(const BIGINT *n) {
   int length = 0;
   const unsigned char *octets = PKV_Get_BIGINT_Octets(n, &length);
   return to_hex(octets, size_t(length));
-}
-
-// Of the vectors' names; 0 for digests that the provider has not.
-inline int digest_id(const std::string &name) {
-  static const std::map<std::string, int> ids = {
-      {"SHA-1", PKV_DIGEST_SHA1},     {"SHA-224", PKV_DIGEST_SHA224}, {"SHA-256", PKV_DIGEST_SHA256},
-      {"SHA-384", PKV_DIGEST_SHA384}, {"SHA-512", PKV_DIGEST_SHA512}, {"has160", PKV_DIGEST_HAS160},
-      {"sha1", PKV_DIGEST_SHA1},      {"sha224", PKV_DIGEST_SHA224},  {"sha256", PKV_DIGEST_SHA256}};
-  const auto found = ids.find(name);
-  return found == ids.end() ? 0 : found->second;
 }
 
 // Every case of a file: `make` gives the key of a group (false when the group is none of the test's), and `check`

@@ -64,7 +64,7 @@ TEST(Rsa, VerifiesVectors) {
     ASSERT_EQ(PKV_DIGEST(digest, message.data(), int(message.size()), octets, &length), 0);
     for (const bool damaged : {false, true}) {
       octets[0] ^= damaged;
-      EXPECT_EQ(PKV_RSASSA_DIGEST_VERIFY(key.get(), digest, PKV_RSA_PSS, mgf, PKV_RSA_ANY_SALT, octets, length,
+      EXPECT_EQ(PKV_RSASSA_DIGEST_VERIFY(key, digest, PKV_RSA_PSS, mgf, PKV_RSA_ANY_SALT, octets, length,
                                          signature.data(), int(signature.size())),
                 damaged ? PKV_ERR_MISMATCH : 0);
     }
@@ -80,7 +80,7 @@ TEST(Rsa, SignsPkcs1Vectors) {
     each_vector(folder + "/rsa_pkcs1_" + bits + "_sig_gen_test.json", make,
                 [&](const Rsa &key, const Json &group, const Json &one) {
                   const int digest = digest_id(group["sha"].text);
-                  Output out(size_t(PKV_Get_RSA_Length(key.get())));
+                  Output out(size_t(PKV_Get_RSA_Length(key)));
                   ASSERT_EQ(call(PKV_RSASSA_SIGN, key, digest, PKV_RSA_PKCS1, one["msg"].octets(), out),
                             digest ? 0 : PKV_ERR_UNSUPPORTED);
                   if (digest) EXPECT_EQ(to_hex(out.written()), one["sig"].text);
@@ -100,7 +100,7 @@ TEST(Rsa, DecryptsVectors) {
   };
   const auto check = [](const Rsa &key, const Json &group, const Json &one) {
     const bool oaep = group.has("mgf");
-    ASSERT_EQ(0, PKV_Init_RSAES(key.get(), oaep ? PKV_RSA_OAEP : PKV_RSA_PKCS1_CRYPT, 0));
+    ASSERT_EQ(0, PKV_Init_RSAES(key, oaep ? PKV_RSA_OAEP : PKV_RSA_PKCS1_CRYPT, 0));
     ASSERT_EQ(oaep ? 0 : PKV_ERR_FAILED, call(PKV_Set_RSAES_OAEP, key, digest_id(group["sha"].text),
                                               digest_id(group["mgfSha"].text), one["label"].octets()));
     Output out(1024);
@@ -120,9 +120,9 @@ TEST(Rsa, SignsWithEveryDigestAndScheme) {
                            PKV_DIGEST_SHA512, PKV_DIGEST_HAS160, PKV_DIGEST_MDC2}) {
     for (const int scheme : {PKV_RSA_PKCS1, PKV_RSA_PSS}) {
       Output out(256);
-      ASSERT_EQ(0, PKV_Init_RSASSA(key.get(), digest, scheme, 1));
-      ASSERT_EQ(0, PKV_Update_RSASSA(key.get(), kMessage.data(), 3));
-      ASSERT_EQ(0, PKV_Update_RSASSA(key.get(), kMessage.data() + 3, 4));
+      ASSERT_EQ(0, PKV_Init_RSASSA(key, digest, scheme, 1));
+      ASSERT_EQ(0, PKV_Update_RSASSA(key, kMessage.data(), 3));
+      ASSERT_EQ(0, PKV_Update_RSASSA(key, kMessage.data() + 3, 4));
       ASSERT_EQ(0, call(PKV_Final_RSASSA, key, out));
       const auto verify = [&](int with) { return call(PKV_RSASSA_VERIFY, key, with, scheme, kMessage, out.octets); };
       EXPECT_EQ(0, verify(digest)) << digest;
@@ -131,7 +131,7 @@ TEST(Rsa, SignsWithEveryDigestAndScheme) {
       EXPECT_EQ(PKV_ERR_MISMATCH, verify(digest)) << digest;
     }
   }
-  EXPECT_EQ(PKV_ERR_UNSUPPORTED, PKV_Init_RSASSA(key.get(), PKV_HMAC_FLAG | PKV_DIGEST_SHA1, PKV_RSA_PKCS1, 1));
+  EXPECT_EQ(PKV_ERR_UNSUPPORTED, PKV_Init_RSASSA(key, PKV_HMAC_FLAG | PKV_DIGEST_SHA1, PKV_RSA_PKCS1, 1));
   EXPECT_EQ(PKV_ERR_FAILED, call(PKV_Update_RSASSA, key, kMessage)) << "no operation runs";
 }
 
@@ -144,12 +144,12 @@ TEST(Rsa, EncryptsForItself) {
       const Bytes in(length, 7);
       Output out(256), too_short(256), back(256);
       too_short.length = int(length) - 1, back.length = int(length);
-      ASSERT_EQ(0, PKV_Init_RSAES(key.get(), scheme, 1));
+      ASSERT_EQ(0, PKV_Init_RSAES(key, scheme, 1));
       choose_random(Bytes(256 - 11 - std::min(length, longest), 0));  // padding octets drawn as 0 are drawn again
       ASSERT_EQ(length > longest ? PKV_ERR_BAD_VALUE : 0, call(PKV_Encrypt_RSAES, key, in, out));
       choose_random({});
       if (length > longest) continue;
-      ASSERT_EQ(0, PKV_Init_RSAES(key.get(), scheme, 0));
+      ASSERT_EQ(0, PKV_Init_RSAES(key, scheme, 0));
       EXPECT_EQ(length ? PKV_ERR_FAILED : PKV_ERR_BAD_VALUE, call(PKV_Decrypt_RSAES, key, out.octets, too_short));
       ASSERT_EQ(0, call(PKV_Decrypt_RSAES, key, out.octets, back));
       EXPECT_EQ(back.written(), in);
@@ -178,7 +178,7 @@ TEST(Rsa, RefusesUnusableNumbers) {
 // A wrong private number gives no signature rather than a wrong one, and the check finds it.
 TEST(Rsa, KeepsBadSignaturesBack) {
   VELPKI_NEED_VECTORS("sigs", folder);
-  EXPECT_EQ(0, PKV_Check_RSA(key_of(private_key()).get()));
+  EXPECT_EQ(0, PKV_Check_RSA(key_of(private_key())));
   for (const char *name : {"privateExponent", "prime1", "prime2", "exponent1", "exponent2", "coefficient"}) {
     for (const bool whole : {true, false}) {
       Json wrong = private_key();
@@ -187,7 +187,7 @@ TEST(Rsa, KeepsBadSignaturesBack) {
       if (!whole && wrong[name].text.empty()) continue;
       const Rsa key = key_of(wrong);
       Output out(256);
-      EXPECT_NE(0, PKV_Check_RSA(key.get())) << name;
+      EXPECT_NE(0, PKV_Check_RSA(key)) << name;
       if (call(PKV_RSASSA_SIGN, key, PKV_DIGEST_SHA256, PKV_RSA_PKCS1, kMessage, out))
         EXPECT_EQ(out.octets, Bytes(256)) << name;
       else
@@ -209,19 +209,19 @@ TEST(Rsa, CopiesShareNumbersAndSigner) {
     return 0;
   };
   int calls = 0;
-  ASSERT_EQ(0, PKV_Set_RSA_Callback(key.get(), sign, &calls));
-  const Rsa copy(PKV_Dup_RSA(key.get()));
+  ASSERT_EQ(0, PKV_Set_RSA_Callback(key, sign, &calls));
+  const Rsa copy(PKV_Dup_RSA(key));
   key.reset();
-  EXPECT_EQ(digits_of(PKV_Get_RSA_Component(copy.get(), PKV_RSA_N)), to_hex(n.data() + (n[0] == 0), 256));
-  EXPECT_EQ(nullptr, PKV_Get_RSA_Component(copy.get(), PKV_RSA_D));
-  EXPECT_EQ(1, PKV_Is_RSA_Private(copy.get()));
+  EXPECT_EQ(digits_of(PKV_Get_RSA_Component(copy, PKV_RSA_N)), to_hex(n.data() + (n[0] == 0), 256));
+  EXPECT_EQ(nullptr, PKV_Get_RSA_Component(copy, PKV_RSA_D));
+  EXPECT_EQ(1, PKV_Is_RSA_Private(copy));
   EXPECT_EQ(0, call(PKV_Cmp_RSA, copy, key_of(private_key())));
   Output out(256);
   for (const int result : {0, int(PKV_ERR_FAILED)})  // the second signature is of the wrong length
     EXPECT_EQ(result, call(PKV_RSASSA_SIGN, copy, PKV_DIGEST_SHA1, PKV_RSA_PKCS1, kMessage, out));
   n.pop_back();
   ASSERT_EQ(0, call(PKV_Set_RSA_Public, copy, n, e));
-  EXPECT_EQ(0, PKV_Is_RSA_Private(copy.get())) << "another key's signer";
+  EXPECT_EQ(0, PKV_Is_RSA_Private(copy)) << "another key's signer";
   EXPECT_EQ(1, call(PKV_Cmp_RSA, copy, key_of(private_key())));
 }
 
@@ -242,19 +242,19 @@ TEST(Rsa, SurvivesExhaustedMemory) {
   VELPKI_NEED_VECTORS("sigs", folder);
   const Rsa source = key_of(private_key());
   const auto sign_and_verify = [&] {
-    const Rsa key(PKV_Dup_RSA(source.get()));
+    const Rsa key(PKV_Dup_RSA(source));
     Output out(256);
     if (!key) return int(PKV_ERR_NO_MEMORY);
-    if (int error = PKV_Init_RSASSA(key.get(), PKV_DIGEST_SHA256, PKV_RSA_PSS, 1)) return error;
+    if (int error = PKV_Init_RSASSA(key, PKV_DIGEST_SHA256, PKV_RSA_PSS, 1)) return error;
     if (int error = call(PKV_Final_RSASSA, key, out)) return error;
     return call(PKV_RSASSA_VERIFY, key, PKV_DIGEST_SHA256, PKV_RSA_PSS, Bytes(), out.octets);
   };
   EXPECT_GT(fail_each_allocation(sign_and_verify), 4);
   const auto encrypt_and_decrypt = [&] {
     Output out(256), back(256);
-    if (int error = PKV_Init_RSAES(source.get(), PKV_RSA_OAEP, 1)) return error;
+    if (int error = PKV_Init_RSAES(source, PKV_RSA_OAEP, 1)) return error;
     if (int error = call(PKV_Encrypt_RSAES, source, kMessage, out)) return error;
-    if (int error = PKV_Init_RSAES(source.get(), PKV_RSA_OAEP, 0)) return error;
+    if (int error = PKV_Init_RSAES(source, PKV_RSA_OAEP, 0)) return error;
     return call(PKV_Decrypt_RSAES, source, out.octets, back);
   };
   EXPECT_GT(fail_each_allocation(encrypt_and_decrypt), 4);
@@ -263,21 +263,21 @@ TEST(Rsa, SurvivesExhaustedMemory) {
 TEST(Rsa, GeneratesKeys) {
   const Rsa key(PKV_New_RSA());
   const auto stop = [](int, void *) { return 1; };
-  EXPECT_EQ(PKV_ERR_BAD_VALUE, PKV_Generate_RSA(key.get(), 1023, 0, nullptr, nullptr));
-  EXPECT_EQ(PKV_ERR_BAD_VALUE, PKV_Generate_RSA(key.get(), 1024, 4, nullptr, nullptr));
-  EXPECT_EQ(PKV_ERR_FAILED, PKV_Generate_RSA(key.get(), 1024, 0, stop, nullptr));
-  EXPECT_EQ(nullptr, PKV_Get_RSA_Component(key.get(), PKV_RSA_N));
+  EXPECT_EQ(PKV_ERR_BAD_VALUE, PKV_Generate_RSA(key, 1023, 0, nullptr, nullptr));
+  EXPECT_EQ(PKV_ERR_BAD_VALUE, PKV_Generate_RSA(key, 1024, 4, nullptr, nullptr));
+  EXPECT_EQ(PKV_ERR_FAILED, PKV_Generate_RSA(key, 1024, 0, stop, nullptr));
+  EXPECT_EQ(nullptr, PKV_Get_RSA_Component(key, PKV_RSA_N));
   const auto grows = [](int count, void *last) {
     return count > std::exchange(*static_cast<int *>(last), count) ? 0 : 1;
   };
   int last = 0;
-  ASSERT_EQ(0, PKV_Generate_RSA(key.get(), 1024, 3, grows, &last));
+  ASSERT_EQ(0, PKV_Generate_RSA(key, 1024, 3, grows, &last));
   EXPECT_GT(last, 1);
-  EXPECT_EQ(0, PKV_Check_RSA(key.get()));
-  EXPECT_EQ("03", digits_of(PKV_Get_RSA_Component(key.get(), PKV_RSA_E)));
+  EXPECT_EQ(0, PKV_Check_RSA(key));
+  EXPECT_EQ("03", digits_of(PKV_Get_RSA_Component(key, PKV_RSA_E)));
 #ifdef VELPKI_SLOW_TESTS
-  ASSERT_EQ(0, PKV_Generate_RSA(key.get(), 3072, 0, nullptr, nullptr));
-  EXPECT_EQ(384, PKV_Get_RSA_Length(key.get()));
-  EXPECT_EQ(0, PKV_Check_RSA(key.get()));
+  ASSERT_EQ(0, PKV_Generate_RSA(key, 3072, 0, nullptr, nullptr));
+  EXPECT_EQ(384, PKV_Get_RSA_Length(key));
+  EXPECT_EQ(0, PKV_Check_RSA(key));
 #endif
 }

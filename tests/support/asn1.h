@@ -4,39 +4,33 @@
 #include <velpki/asn1.h>
 #include <velpki/ber.h>
 #include <velpki/der.h>
+#include <velpki/pem.h>
 
-#include <memory>
-
+#include "support/owned.h"
 #include "support/support.h"
 
 namespace test {
 
-struct Release {
-  void operator()(ASN1_UNIT *p) const { free_ASN1_UNIT(p); }
-  void operator()(ASN1_STRING *p) const { free_ASN1_STRING(p); }
-  void operator()(ASN1_TIME *p) const { free_ASN1_TIME(p); }
-  void operator()(BIGINT *p) const { PKV_Free_BIGINT(p); }
-  void operator()(char *p) const { PKV_Free(p, __FILE__, __LINE__); }
-  void operator()(unsigned char *p) const { PKV_Free(p, __FILE__, __LINE__); }
-};
-using Unit = std::unique_ptr<ASN1_UNIT, Release>;
-using String = std::unique_ptr<ASN1_STRING, Release>;
-using Time = std::unique_ptr<ASN1_TIME, Release>;
-using Number = std::unique_ptr<BIGINT, Release>;
-using Block = std::unique_ptr<unsigned char, Release>;
+using Unit = Owned<ASN1_UNIT>;
+using String = Owned<ASN1_STRING>;
+using Time = Owned<ASN1_TIME>;
+using Number = Owned<BIGINT>;
+using Block = Owned<unsigned char>;
+using Text = Owned<char>;
+using Certificate = Owned<X509_CERT>;
+using Certificates = Owned<STACK, free_X509_CERTIFICATES>;
 
 inline Unit unit(const Bytes &octets) { return Unit(decodeToBERSequence_n(octets.data(), int(octets.size()))); }
 inline Unit unit(std::string_view hexadecimal) { return unit(hex(hexadecimal)); }
 // The flat octets of a unit in hex; "-" when there are none.
 inline std::string flat(const ASN1_UNIT *unit) {
-  unsigned char *out = nullptr;
+  Block out;
   const int length = ASN1_to_binary(unit, &out);
-  const Block owner(out);
   return length < 0 ? "-" : to_hex(out, size_t(length));
 }
 inline String string(int type, const Bytes &octets, int unused_bits = 0) {
   String made(new_ASN1_STRING());
-  set_ASN1_STRING_value(made.get(), type, octets.data(), int(octets.size()));
+  set_ASN1_STRING_value(made, type, octets.data(), int(octets.size()));
   made->unused_bits = unused_bits;
   return made;
 }
@@ -52,28 +46,75 @@ inline Number number(std::string_view hexadecimal) {
 }
 
 // The unit that an encoder makes of a record, in hex; "-" with a code.
-template <class Encode, class R>
-std::string hex_of(const Encode &encode, R *record) {
-  ASN1_UNIT *out = nullptr;
-  const int code = encode(record, &out);
-  const Unit owner(out);
-  return code ? "-" : flat(out);
-}
-// What a writer of octets gives; empty with a code.
-template <class Write, class R>
-Bytes octets_by(const Write &write, R *record) {
-  unsigned char *out = nullptr;
-  const int length = write(record, &out);
-  const Block owner(out);
-  return out ? Bytes(out, out + length) : Bytes();
-}
-// What a reader of octets makes; null with a code.
 template <class R>
-R *read_by(int (*read)(R **, const unsigned char *, int), const Bytes &octets, int *code = nullptr) {
-  R *record = nullptr;
+std::string hex_of(int (*encode)(R *, ASN1_UNIT **), const std::type_identity_t<R> *record, int *code = nullptr) {
+  Unit out;
+  const int result = encode(const_cast<R *>(record), &out);
+  if (code) *code = result;
+  return result ? "-" : flat(out);
+}
+// What a function gave that returns the number of octets.
+inline Bytes octets(const Block &block, int length) { return block ? Bytes(block.get(), block + length) : Bytes(); }
+// What a writer of octets gives; empty with a code.
+template <class R>
+Bytes octets_by(int (*write)(R *, unsigned char **), const std::type_identity_t<R> *record) {
+  Block out;
+  const int length = write(const_cast<R *>(record), &out);
+  return octets(out, length);
+}
+// The DER, and the label, of the first block of a PEM text that may begin with words.
+inline Bytes der_in(const Bytes &text, std::string *label = nullptr) {
+  Block der;
+  const char *name = nullptr;
+  int size = 0;
+  const int length = decode_PEM_ex(reinterpret_cast<const char *>(text.data()), int(text.size()), nullptr, &name, &size,
+                                   nullptr, &der);
+  if (label) label->assign(name ? name : "", size_t(size));
+  return octets(der, length);
+}
+// The same of the file of a row of a manifest.
+inline Bytes der_of(const std::string &folder, const Row &row, std::string *label = nullptr) {
+  const Bytes file = read_file(folder + "/" + row.at("file"));
+  return row.count("format") && row.at("format") == "PEM" ? der_in(file, label) : file;
+}
+inline Bytes from_base64(std::string text) {
+  text = "-----BEGIN X-----\n" + text + "\n-----END X-----\n";
+  return der_in(Bytes(text.begin(), text.end()));
+}
+inline Bytes digest(int id, const Bytes &content) {
+  Bytes out(PKV_MAX_DIGEST_LENGTH);
+  int length = 0;
+  if (PKV_DIGEST(id, content.data(), int(content.size()), out.data(), &length)) length = 0;
+  out.resize(size_t(length));
+  return out;
+}
+// What a reader of octets, or of a file, makes; null with a code.
+template <class R>
+Owned<R> read_by(int (*read)(R **, const unsigned char *, int), const Bytes &octets, int *code = nullptr) {
+  Owned<R> record;
   const int result = read(&record, octets.data(), int(octets.size()));
   if (code) *code = result;
   return record;
+}
+template <class R>
+Owned<R> read_by(int (*read)(R **, const char *), const std::string &path, int *code = nullptr) {
+  Owned<R> record;
+  const int result = read(&record, path.c_str());
+  if (code) *code = result;
+  return record;
+}
+// What a decoder of units makes; null with a code.
+template <class R>
+Owned<R> decoded(int (*decode)(ASN1_UNIT *, R **), const Bytes &octets, int *code = nullptr) {
+  Owned<R> record;
+  const int result = decode(unit(octets), &record);
+  if (code) *code = result;
+  return record;
+}
+// An element of a list.
+template <class T>
+T *item(const STACK *list, int index) {
+  return static_cast<T *>(get_STACK_value(list, index));
 }
 // Does `work` with the first allocation failing, then the second, and so on until it answers true. Nothing leaks.
 template <class Work>

@@ -2,17 +2,15 @@
 // n-th allocation may fail for every n. A test program lists its families and ends in INSTANTIATE_FAMILIES.
 #pragma once
 
-#include <functional>
-
-#include "support/asn1.h"
+#include "support/untyped.h"
 
 namespace test {
 
 struct Family {
   const char *name;
   Bytes sample;
-  std::function<int(ASN1_UNIT *, void **)> decode;
-  std::function<int(const void *, ASN1_UNIT **)> encode;
+  Read decode;
+  Write encode;
   std::function<void *(const void *)> copy;  // empty where the type has none
   std::function<void(void *)> release;
   bool appends = false;  // a list whose decoder adds to the one that it gets
@@ -21,17 +19,8 @@ struct Family {
 template <class R>
 Family family(const char *name, Bytes sample, int (*decode)(ASN1_UNIT *, R **), int (*encode)(const R *, ASN1_UNIT **),
               R *(*copy)(const R *), void (*release)(R *)) {
-  Family f{name,
-           std::move(sample),
-           [decode](ASN1_UNIT *unit, void **record) {
-             R *typed = record ? static_cast<R *>(*record) : nullptr;
-             const int code = decode(unit, record ? &typed : nullptr);
-             if (record) *record = typed;
-             return code;
-           },
-           [encode](const void *record, ASN1_UNIT **unit) { return encode(static_cast<const R *>(record), unit); },
-           nullptr,
-           [release](void *record) { release(static_cast<R *>(record)); }};
+  Family f{name,           std::move(sample), reader(decode),
+           writer(encode), nullptr,           [release](void *record) { release(static_cast<R *>(record)); }};
   if (copy) f.copy = [copy](const void *record) { return copy(static_cast<const R *>(record)); };
   return f;
 }
@@ -54,14 +43,13 @@ TEST_P(EveryFamily, ComesBackOctetForOctet) {
   const Family &f = GetParam();
   const Unit unit = test::unit(f.sample);
   void *record = nullptr, *copy = nullptr;
-  ASSERT_EQ(f.decode(unit.get(), &record), 0);
+  ASSERT_EQ(f.decode(unit, &record), 0);
   if (f.copy) copy = f.copy(record);
   const void *source = f.copy ? copy : record;
   ASSERT_NE(source, nullptr);
-  ASN1_UNIT *back = nullptr;
+  Unit back;
   EXPECT_EQ(f.encode(source, &back), 0);
   EXPECT_EQ(flat(back), to_hex(f.sample));
-  free_ASN1_UNIT(back);
   f.release(record);
   if (copy) f.release(copy);
   f.release(nullptr);
@@ -72,20 +60,19 @@ TEST_P(EveryFamily, RefusesNullAndKeepsAFilledRecord) {
   const Unit unit = test::unit(f.sample), bad = test::unit("3004 3003 0201");
   const Unit odd = test::unit("3003060180");
   void *record = nullptr;
-  ASN1_UNIT *out = nullptr;
+  Unit out;
   EXPECT_NE(f.decode(nullptr, &record), 0);
-  EXPECT_NE(f.decode(unit.get(), nullptr), 0);
+  EXPECT_NE(f.decode(unit, nullptr), 0);
   EXPECT_NE(f.encode(nullptr, &out), 0);
   EXPECT_EQ(out, nullptr);
-  ASSERT_EQ(f.decode(unit.get(), &record), 0);
+  ASSERT_EQ(f.decode(unit, &record), 0);
   void *const address = record;
   EXPECT_NE(f.encode(record, nullptr), 0);
-  EXPECT_NE(f.decode(odd.get(), &record), 0);
-  EXPECT_EQ(f.decode(unit.get(), &record), 0);
+  EXPECT_NE(f.decode(odd, &record), 0);
+  EXPECT_EQ(f.decode(unit, &record), 0);
   EXPECT_EQ(record, address);
   EXPECT_EQ(f.encode(record, &out), 0);
   EXPECT_EQ(flat(out), to_hex(f.appends ? twice(f.sample) : f.sample));
-  free_ASN1_UNIT(out);
   f.release(record);
 }
 
@@ -94,26 +81,20 @@ TEST_P(EveryFamily, RefusesNullAndKeepsAFilledRecord) {
 TEST_P(EveryFamily, SurvivesEachFailedAllocation) {
   const Family &f = GetParam();
   const Unit unit = test::unit(f.sample);
-  bool failed = true;
-  for (long n = 0; failed && n < 2000; ++n) {
-    const size_t before = live_blocks();
+  survive_each_failed_allocation([&] {
     void *record = nullptr, *copy = nullptr;
-    ASN1_UNIT *out = nullptr;
-    fail_allocation(n);
-    const int decoded = f.decode(unit.get(), &record);
+    Unit out;
+    const int decoded = f.decode(unit, &record);
     if (!decoded && f.copy) copy = f.copy(record);
     const int encoded = decoded ? decoded : f.encode(record, &out);
-    failed = encoded || (f.copy && !copy);
-    fail_allocation(-1);
-    EXPECT_EQ(decoded == 0, record != nullptr) << n;
-    EXPECT_EQ(encoded == 0, out != nullptr) << n;
-    if (decoded && decoded != 1) EXPECT_EQ(decoded & 0xFFFF, 0x3C) << n << " " << std::hex << decoded;
+    const bool done = !encoded && (copy || !f.copy);
+    EXPECT_EQ(decoded == 0, record != nullptr);
+    EXPECT_EQ(encoded == 0, out != nullptr);
+    if (decoded && decoded != 1) EXPECT_EQ(decoded & 0xFFFF, 0x3C) << std::hex << decoded;
     if (record) f.release(record);
     if (copy) f.release(copy);
-    free_ASN1_UNIT(out);
-    ASSERT_EQ(live_blocks(), before) << "allocation " << n;
-  }
-  EXPECT_FALSE(failed);
+    return done;
+  });
 }
 
 // One changed octet, one missing, at every place: no crash, and whatever decodes can be written and released.
@@ -124,22 +105,15 @@ TEST_P(EveryFamily, SurvivesDamage) {
     const uint8_t *at = guarded.place(octets.data(), octets.size());
     const Unit unit(decodeToBERSequence_n(at, int(octets.size())));
     void *record = nullptr;
-    ASN1_UNIT *out = nullptr;
-    if (!unit || f.decode(unit.get(), &record)) {
+    Unit out;
+    if (!unit || f.decode(unit, &record)) {
       EXPECT_EQ(record, nullptr);
       return;
     }
-    if (f.encode(record, &out) == 0) free_ASN1_UNIT(out);
+    f.encode(record, &out);
     f.release(record);
   };
-  for (size_t i = 0; i < f.sample.size(); ++i) {
-    for (const uint8_t change : {0x01, 0x20, 0x80, 0xFF}) {
-      Bytes damaged = f.sample;
-      damaged[i] ^= change;
-      run(damaged);
-    }
-    run(Bytes(f.sample.begin(), f.sample.begin() + long(i)));
-  }
+  each_damage(f.sample, run);
 }
 
 #define INSTANTIATE_FAMILIES(group, families)                                 \

@@ -90,4 +90,13 @@ class JsonReader {
 
 inline Json read_json(const std::string &path) { return JsonReader(read_file(path)).read(); }
 
+// A group of values that independent code made for the Korean scheme.
+inline const Json &korean(const char *group) {
+  static const Json all = read_json(vectors("../reference/korean_vectors.json"));
+  return all[group];
+}
+
 }  // namespace test
+
+#define VELPKI_NEED_KOREAN \
+  if (test::vectors("../reference/korean_vectors.json").empty()) GTEST_SKIP() << "no vectors here; set VELPKI_VECTORS"

@@ -120,6 +120,18 @@ std::vector<std::string> split(const std::string &list, char separator) {
   return parts;
 }
 
+int digest_id(const std::string &name) {
+  static const std::map<std::string, int> ids = {{"md5", PKV_DIGEST_MD5},       {"sha1", PKV_DIGEST_SHA1},
+                                                 {"sha224", PKV_DIGEST_SHA224}, {"sha256", PKV_DIGEST_SHA256},
+                                                 {"sha384", PKV_DIGEST_SHA384}, {"sha512", PKV_DIGEST_SHA512},
+                                                 {"has160", PKV_DIGEST_HAS160}};
+  std::string plain;
+  for (const char c : name)
+    if (c != '-') plain += char(std::tolower(c));
+  const auto found = ids.find(plain);
+  return found == ids.end() ? 0 : found->second;
+}
+
 std::string run(const std::string &command, int *status) {
   std::string out;
   FILE *pipe = popen(command.c_str(), "r");

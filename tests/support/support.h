@@ -33,6 +33,8 @@ std::vector<Row> read_tsv(const std::string &path);
 // The rows of a table of this project's own, tests/data/NAME.tsv; without any the program ends.
 std::vector<Row> table(const std::string &name);
 inline int number_in(const Row &row, const char *column) { return std::stoi(row.at(column)); }
+// The provider's number of a digest, by any spelling; 0 for one that it has not.
+int digest_id(const std::string &name);
 // A code in hexadecimal.
 inline int code_at(const Row &row, const char *column) { return int(std::stoul(row.at(column), nullptr, 16)); }
 
@@ -68,6 +70,8 @@ class GuardedBytes {
 
 }  // namespace test
 
+#define VELPKI_NEED_OPENSSL \
+  if (test::run("openssl version").empty()) GTEST_SKIP() << "no openssl command"
 #define VELPKI_NEED_VECTORS(folder, variable)         \
   const std::string variable = test::vectors(folder); \
   if (variable.empty()) GTEST_SKIP() << "no vectors here (" folder "); set VELPKI_VECTORS"

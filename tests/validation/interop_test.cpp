@@ -10,23 +10,15 @@ std::string in_pki(const std::string &command, int *status = nullptr) {
 }
 bool contains(const std::string &text, const std::string &part) { return text.find(part) != text.npos; }
 
-Response read_response(const std::string &path) {
-  OCSP_RESPONSE *response = nullptr;
-  EXPECT_EQ(readDER_OCSP_RESPONSE_from_File(&response, path.c_str()), 0);
-  return Response(response);
-}
-
 TEST(OcspInterop, OpensslAnswersWhatIsAskedHere) {
   VELPKI_NEED_OPENSSL;
   const Certificate ca = party_certificate("ca");
   const Bytes nonce = hex("00aa00bb00cc");
   const auto ask = [&](const X509_CERT *cert, int digest, bool sign) {
-    OCSP_REQUEST *request = nullptr;
-    EXPECT_EQ(generate_single_OCSP_REQUEST_strict(&request, cert, ca.get(), digest, nonce.data(), int(nonce.size())),
-              0);
-    const Request owner(request);
+    Owned<OCSP_REQUEST> request;
+    EXPECT_EQ(generate_single_OCSP_REQUEST_strict(&request, cert, ca, digest, nonce.data(), int(nonce.size())), 0);
     if (sign) {
-      EXPECT_EQ(sign_OCSP_REQUEST(request, party_key("good").get(), party_certificate("good").get()), 0);
+      EXPECT_EQ(sign_OCSP_REQUEST(request, party_key("good"), party_certificate("good")), 0);
     }
     EXPECT_GT(writeDER_OCSP_REQUEST_to_FILE(request, (pki() + "/ours.req").c_str()), 0);
   };
@@ -36,22 +28,21 @@ TEST(OcspInterop, OpensslAnswersWhatIsAskedHere) {
       for (const char *how :
            {"-rsigner ca.pem -rkey ca.p8", "-rsigner responder.pem -rkey responder.p8 -resp_key_id"}) {
         const Certificate cert = party_certificate(name);
-        ask(cert.get(), digest, digest == PKV_DIGEST_SHA1);
+        ask(cert, digest, digest == PKV_DIGEST_SHA1);
         const std::string said = in_pki(std::string("openssl ocsp -index index.txt -CA ca.pem -ndays 1 -reqin ours.req "
                                                     "-respout theirs.resp ") +
                                         how);
-        const Response response = read_response(pki() + "/theirs.resp");
-        const Basic basic = strict_basic(response.get());
+        const Response response = read_by(readDER_OCSP_RESPONSE_from_File, pki() + "/theirs.resp");
+        const Basic basic = strict_basic(response);
         ASSERT_NE(basic, nullptr) << said;
         const OCSP_SINGLE_RESPONSE *answer = nullptr;
-        EXPECT_EQ(verify_BASIC_OCSP_RESPONSE_strict(basic.get(), cert.get(), ca.get(), nonce.data(), int(nonce.size()),
-                                                    nullptr, 0, &answer),
-                  0)
+        EXPECT_EQ(
+            verify_BASIC_OCSP_RESPONSE_strict(basic, cert, ca, nonce.data(), int(nonce.size()), nullptr, 0, &answer), 0)
             << name << " " << how;
         ASSERT_NE(answer, nullptr);
         EXPECT_EQ(answer->certStatus->type, type) << name;
         if (type == OCSP_STATUS_REVOKED) EXPECT_EQ(answer->certStatus->revokedInfo->revocationReason, 1);
-        EXPECT_EQ(verify_BASIC_OCSP_RESPONSE(basic.get(), nullptr, nullptr, 0), 0);
+        EXPECT_EQ(verify_BASIC_OCSP_RESPONSE(basic, nullptr, nullptr, 0), 0);
       }
     }
   }
@@ -59,20 +50,18 @@ TEST(OcspInterop, OpensslAnswersWhatIsAskedHere) {
 
 TEST(OcspInterop, OpensslVerifiesASignedRequestsForm) {
   VELPKI_NEED_OPENSSL;
-  OCSP_REQUEST *request = nullptr;
+  Owned<OCSP_REQUEST> request;
   const Certificate cert = party_certificate("good"), ca = party_certificate("ca");
-  ASSERT_EQ(generate_single_OCSP_REQUEST(&request, cert.get(), ca.get(), nullptr, 0), 0);
-  const Request owner(request);
-  ASSERT_EQ(sign_OCSP_REQUEST_ex(request, party_key("good").get(), cert.get(), PKV_DIGEST_SHA256), 0);
+  ASSERT_EQ(generate_single_OCSP_REQUEST(&request, cert, ca, nullptr, 0), 0);
+  ASSERT_EQ(sign_OCSP_REQUEST_ex(request, party_key("good"), cert, PKV_DIGEST_SHA256), 0);
   ASSERT_GT(writeDER_OCSP_REQUEST_to_FILE(request, (pki() + "/signed.req").c_str()), 0);
   const std::string text = in_pki("openssl ocsp -reqin signed.req -req_text");
   for (const char *part : {"Serial Number: 1001", "sha256WithRSAEncryption", "CN = good", "OCSP Nonce"})
     EXPECT_TRUE(contains(text, part)) << part << "\n" << text;
-  const Bytes der = read_file(pki() + "/signed.req");
-  const Request back = decoded(Seq_to_OCSP_REQUEST, der);
-  EXPECT_EQ(verify_OCSP_REQUEST(back.get(), cert.get()), 0);
-  EXPECT_EQ(verify_OCSP_REQUEST_strict(back.get(), cert.get()), 0);
-  EXPECT_NE(verify_OCSP_REQUEST_strict(back.get(), ca.get()), 0);
+  const Request back = decoded(Seq_to_OCSP_REQUEST, read_file(pki() + "/signed.req"));
+  EXPECT_EQ(verify_OCSP_REQUEST(back, cert), 0);
+  EXPECT_EQ(verify_OCSP_REQUEST_strict(back, cert), 0);
+  EXPECT_NE(verify_OCSP_REQUEST_strict(back, ca), 0);
 }
 
 // Answers each certificate that is asked about: good, or revoked for the one called so.
@@ -84,26 +73,23 @@ Basic answer_of_ours(const OCSP_REQUEST *request, const std::string &signer, boo
   const Owned<OCSP_REVOKED_INFO> info(new_OCSP_REVOKED_INFO());
   info->revocationTime = text_string(TYPE_GENERALIZED_TIME, "20240102030405Z").release();
   info->revocationReason = 4;
-  STACK *list = nullptr;
+  Singles list;
   for (int i = 0; i < get_OCSP_REQUEST_list_count(request); ++i) {
-    const auto *single = static_cast<OCSP_SINGLE_REQUEST *>(get_STACK_value(get_OCSP_REQUEST_list(request), i));
-    const bool is_revoked = match_OCSP_CERT_ID(single->reqCert, revoked.get(), ca.get()) == 0;
+    const auto *single = item<OCSP_SINGLE_REQUEST>(get_OCSP_REQUEST_list(request), i);
+    const bool is_revoked = match_OCSP_CERT_ID(single->reqCert, revoked, ca) == 0;
     EXPECT_EQ(add_single_OCSP_RESPONSE(&list, single->reqCert, is_revoked ? OCSP_STATUS_REVOKED : OCSP_STATUS_GOOD,
-                                       info.get(), from.get(), until.get(), nullptr),
+                                       info, from, until, nullptr),
               0);
   }
   unsigned char nonce[64];
   const int length = get_OCSP_REQUEST_nonce_length(request);
   if (length) EXPECT_EQ(get_OCSP_REQUEST_nonce(request, nonce, sizeof nonce), 0);
-  OCSP_RESPONSE_DATA *data = nullptr;
-  EXPECT_EQ(generate_OCSP_RESPONSE_DATA(&data, responder.get(), by_key, list, nonce, length), 0);
-  BASIC_OCSP_RESPONSE *basic = nullptr;
-  EXPECT_EQ(generate_BASIC_OCSP_RESPONSE_strict(&basic, data, party_key(signer).get(), list_with(responder.get()).get(),
-                                                oid(algorithm).get()),
+  Owned<OCSP_RESPONSE_DATA> data;
+  EXPECT_EQ(generate_OCSP_RESPONSE_DATA(&data, responder, by_key, list, nonce, length), 0);
+  Basic basic;
+  EXPECT_EQ(generate_BASIC_OCSP_RESPONSE_strict(&basic, data, party_key(signer), list_with(responder), oid(algorithm)),
             0);
-  free_OCSP_RESPONSE_DATA(data);
-  free_STACK_values(list, [](void *each) { free_OCSP_SINGLE_RESPONSE(static_cast<OCSP_SINGLE_RESPONSE *>(each)); });
-  return Basic(basic);
+  return basic;
 }
 
 // The house form of an entry is no answer for others.
@@ -111,17 +97,16 @@ TEST(OcspInterop, OpensslDoesNotReadTheHouseForm) {
   VELPKI_NEED_OPENSSL;
   in_pki("openssl ocsp -issuer ca.pem -cert good.pem -reqout their.req");
   const Request request = decoded(Seq_to_OCSP_REQUEST, read_file(pki() + "/their.req"));
-  const Basic standard = answer_of_ours(request.get(), "ca", false, "1.2.840.113549.1.1.11");
-  BASIC_OCSP_RESPONSE *house = nullptr;
-  OCSP_RESPONSE *response = nullptr;
-  ASSERT_EQ(generate_BASIC_OCSP_RESPONSE(&house, standard->tbsResponseData, party_key("ca").get(), nullptr), 0);
+  const Basic standard = answer_of_ours(request, "ca", false, "1.2.840.113549.1.1.11");
+  Basic house;
+  Response response;
+  ASSERT_EQ(generate_BASIC_OCSP_RESPONSE(&house, standard->tbsResponseData, party_key("ca"), nullptr), 0);
   ASSERT_EQ(generate_OCSP_RESPONSE(&response, OCSP_SUCCESSFUL, house), 0);
   EXPECT_GT(writeDER_OCSP_RESPONSE_to_FILE(response, (pki() + "/house.resp").c_str()), 0);
   EXPECT_TRUE(contains(in_pki("openssl ocsp -respin house.resp -CAfile ca.pem"), "Error parsing response"));
   const Basic back(get_BASIC_OCSP_RESPONSE(response));
-  EXPECT_EQ(verify_BASIC_OCSP_RESPONSE(back.get(), party_certificate("ca").get(), nullptr, 0), 0);
+  EXPECT_EQ(verify_BASIC_OCSP_RESPONSE(back, party_certificate("ca"), nullptr, 0), 0);
   EXPECT_EQ(strict_basic(response), nullptr);
-  free_OCSP_RESPONSE(response), free_BASIC_OCSP_RESPONSE(house);
 }
 
 TEST(OcspInterop, OpensslTakesOurAnswers) {
@@ -132,12 +117,11 @@ TEST(OcspInterop, OpensslTakesOurAnswers) {
         in_pki(std::string("openssl ocsp -issuer ca.pem ") + (*request_options == '-' ? request_options : "") +
                " -cert good.pem -cert revoked.pem -reqout their.req");
         const Request request = decoded(Seq_to_OCSP_REQUEST, read_file(pki() + "/their.req"));
-        ASSERT_EQ(get_OCSP_REQUEST_list_count(request.get()), 2);
-        const Basic basic = answer_of_ours(request.get(), signer, *signer == 'r', algorithm);
-        OCSP_RESPONSE *response = nullptr;
-        ASSERT_EQ(generate_OCSP_RESPONSE(&response, OCSP_SUCCESSFUL, basic.get()), 0);
+        ASSERT_EQ(get_OCSP_REQUEST_list_count(request), 2);
+        const Basic basic = answer_of_ours(request, signer, *signer == 'r', algorithm);
+        Owned<OCSP_RESPONSE> response;
+        ASSERT_EQ(generate_OCSP_RESPONSE(&response, OCSP_SUCCESSFUL, basic), 0);
         EXPECT_GT(writeDER_OCSP_RESPONSE_to_FILE(response, (pki() + "/our.resp").c_str()), 0);
-        free_OCSP_RESPONSE(response);
         const std::string said = in_pki("openssl ocsp -reqin their.req -respin our.resp -CAfile ca.pem -resp_text");
         EXPECT_TRUE(contains(said, "Response verify OK")) << signer << algorithm << said;
         EXPECT_TRUE(contains(said, "Cert Status: good") && contains(said, "Cert Status: revoked")) << said;

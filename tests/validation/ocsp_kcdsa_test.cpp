@@ -10,17 +10,13 @@ struct Signer {
   Certificate cert{new_X509_CERT()};
   Owned<ASYMMETRIC_KEY> key;
   explicit Signer(const Json &v) {
-    KCDSA_UNIT *unit = PKV_New_KCDSA();
-    EXPECT_EQ(PKV_Set_KCDSA_Params(unit, number(v["p"].text).get(), number(v["q"].text).get(),
-                                   number(v["g"].text).get(), nullptr, nullptr, nullptr, 0, 0),
+    const Owned<KCDSA_UNIT> unit(PKV_New_KCDSA());
+    EXPECT_EQ(PKV_Set_KCDSA_Params(unit, number(v["p"].text), number(v["q"].text), number(v["g"].text), nullptr,
+                                   nullptr, nullptr, 0, 0),
               0);
-    EXPECT_EQ(PKV_Set_KCDSA_Private(unit, number(v["x"].text).get()), 0);
+    EXPECT_EQ(PKV_Set_KCDSA_Private(unit, number(v["x"].text)), 0);
     key.reset(KCDSA_UNIT_to_ASYMMETRIC_KEY(unit));
-    X509_PUBKEY *pubkey = new_X509_PUBKEY();
-    EXPECT_EQ(set_X509_PUBKEY_kcdsa(pubkey, unit), 0);
-    EXPECT_EQ(set_X509_pub_key(cert.get(), pubkey), 0);
-    free_X509_PUBKEY(pubkey);
-    PKV_Free_KCDSA(unit);
+    EXPECT_EQ(set_X509_pub_key(cert, public_half(key)), 0);
   }
 };
 
@@ -31,25 +27,25 @@ const Bytes kRequest =
 Bytes signature_of(const Bytes &r, const Bytes &s) { return TLV(0x30, TLV(0x03, Bytes{0} + r) + TLV(0x02, s)); }
 
 TEST(OcspKcdsa, RecordsAnRsaAlgorithmAndVerifiesAllTheSame) {
-  VELPKI_NEED_VECTORS("../reference/korean_vectors.json", file);
-  const Signer signer(read_json(file)["kcdsa_keys"].items[0]);
+  VELPKI_NEED_KOREAN;
+  const Signer signer(korean("kcdsa_keys").items[0]);
   const Request request = decoded(Seq_to_OCSP_REQUEST, kRequest);
-  ASSERT_EQ(sign_OCSP_REQUEST(request.get(), signer.key.get(), nullptr), 0);
+  ASSERT_EQ(sign_OCSP_REQUEST(request, signer.key, nullptr), 0);
   EXPECT_EQ(text_of(request->optionalSignature->signatureAlgorithm->algorithm), "1.2.840.113549.1.1.5");
-  EXPECT_EQ(verify_OCSP_REQUEST(request.get(), signer.cert.get()), 0);
-  EXPECT_EQ(verify_OCSP_REQUEST_strict(request.get(), signer.cert.get()), kOcsp | ERR_ALGORITHM_MISMATCH);
+  EXPECT_EQ(verify_OCSP_REQUEST(request, signer.cert), 0);
+  EXPECT_EQ(verify_OCSP_REQUEST_strict(request, signer.cert), kOcsp | ERR_ALGORITHM_MISMATCH);
   for (const char *algorithm : {"1.2.410.200004.1.22", "1.2.410.200004.1.23"}) {
-    ASSERT_EQ(sign_OCSP_REQUEST_strict(request.get(), signer.key.get(), nullptr, oid(algorithm).get()), 0) << algorithm;
+    ASSERT_EQ(sign_OCSP_REQUEST_strict(request, signer.key, nullptr, oid(algorithm)), 0) << algorithm;
     EXPECT_EQ(text_of(request->optionalSignature->signatureAlgorithm->algorithm), algorithm);
-    EXPECT_EQ(verify_OCSP_REQUEST_strict(request.get(), signer.cert.get()), 0) << algorithm;
+    EXPECT_EQ(verify_OCSP_REQUEST_strict(request, signer.cert), 0) << algorithm;
   }
 }
 
 TEST(OcspKcdsa, RefusesSignaturesOfAnotherSize) {
-  VELPKI_NEED_VECTORS("../reference/korean_vectors.json", file);
-  const Signer signer(read_json(file)["kcdsa_keys"].items[0]);
+  VELPKI_NEED_KOREAN;
+  const Signer signer(korean("kcdsa_keys").items[0]);
   const Request request = decoded(Seq_to_OCSP_REQUEST, kRequest);
-  ASSERT_EQ(sign_OCSP_REQUEST(request.get(), signer.key.get(), nullptr), 0);
+  ASSERT_EQ(sign_OCSP_REQUEST(request, signer.key, nullptr), 0);
   const Bytes r20(20, 0x81), s20 = Bytes{0} + Bytes(20, 0x81);
   for (const auto &[r, s] : {std::pair(r20, s20),
                              {Bytes(21, 0x81), s20},
@@ -57,15 +53,14 @@ TEST(OcspKcdsa, RefusesSignaturesOfAnotherSize) {
                              {Bytes(), s20},
                              {Bytes(4000, 0x81), s20},
                              {r20, Bytes{0x7F} + Bytes(4000, 0x81)}}) {
-    const Bytes value = signature_of(r, s);
     ASN1_STRING *&place = request->optionalSignature->signature;
     free_ASN1_STRING(place);
-    place = string(TYPE_BIT_STRING, value).release();
-    EXPECT_NE(verify_OCSP_REQUEST(request.get(), signer.cert.get()), 0) << r.size() << " " << s.size();
+    place = string(TYPE_BIT_STRING, signature_of(r, s)).release();
+    EXPECT_NE(verify_OCSP_REQUEST(request, signer.cert), 0) << r.size() << " " << s.size();
   }
   free_ASN1_STRING(request->optionalSignature->signature);
   request->optionalSignature->signature = string(TYPE_BIT_STRING, hex("3005")).release();
-  EXPECT_EQ(verify_OCSP_REQUEST(request.get(), signer.cert.get()), kOcsp | ERR_ASN1_DECODING);
+  EXPECT_EQ(verify_OCSP_REQUEST(request, signer.cert), kOcsp | ERR_ASN1_DECODING);
 }
 
 }  // namespace

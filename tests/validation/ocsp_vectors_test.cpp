@@ -1,19 +1,10 @@
 // OCSP messages that others made, against their manifest.
-#include <set>
-#include <sstream>
-
 #include "samples.h"
 
 using namespace test;
 
 namespace {
 
-std::vector<std::string> parts(const std::string &text) {
-  std::vector<std::string> out;
-  std::istringstream in(text);
-  for (std::string part; std::getline(in, part, ',');) out.push_back(part);
-  return out;
-}
 std::string status_text(const OCSP_CERT_STATUS *status) {
   if (status->type != OCSP_STATUS_REVOKED) return status->type == OCSP_STATUS_GOOD ? "good" : "unknown";
   const OCSP_REVOKED_INFO *info = status->revokedInfo;
@@ -51,16 +42,14 @@ bool differs(const std::string &file) { return kDiffer.count(file.substr(6, file
 
 void check_request(const Row &row, const Bytes &der) {
   const std::string &file = row.at("file");
-  OCSP_REQUEST *request = nullptr;
-  const int code = readDER_OCSP_REQUEST_from_Binary(&request, der.data(), int(der.size()));
-  const Request owner(request);
-  ASSERT_EQ(code, 0) << file;
+  const auto request = read_by(readDER_OCSP_REQUEST_from_Binary, der);
+  ASSERT_TRUE(request) << file;
   // The one that openssl does not read has a number that is not written like that again.
   EXPECT_EQ(encoded(OCSP_REQUEST_to_Seq, request) == der, row.at("openssl_decodes") == "yes") << file;
-  const auto serials = parts(row.at("serials"));
+  const auto serials = split(row.at("serials"));
   ASSERT_EQ(get_OCSP_REQUEST_list_count(request), number_in(row, "entries")) << file;
   for (size_t i = 0; i < serials.size(); ++i) {
-    const auto *single = static_cast<OCSP_SINGLE_REQUEST *>(get_STACK_value(get_OCSP_REQUEST_list(request), int(i)));
+    const auto *single = item<OCSP_SINGLE_REQUEST>(get_OCSP_REQUEST_list(request), int(i));
     EXPECT_EQ(serial_text(single->reqCert), without_zeros(serials[i])) << file;
     if (i == 0) EXPECT_EQ(hash_oid(single->reqCert), row.at("first_hash_algorithm")) << file;
   }
@@ -81,9 +70,9 @@ void check_basic(const Row &row, const BASIC_OCSP_RESPONSE *basic) {
   EXPECT_EQ(extension_list(data->responseExtensions), row.at("extensions")) << file;
   EXPECT_EQ(basic->certs ? basic->certs->count : 0, number_in(row, "certificates_inside")) << file;
   ASSERT_EQ(get_CERT_STATUS_count_from_OCSP_RESPONSE(basic), number_in(row, "entries")) << file;
-  const auto statuses = parts(row.at("statuses")), serials = parts(row.at("serials"));
+  const auto statuses = split(row.at("statuses")), serials = split(row.at("serials"));
   for (size_t i = 0; i < statuses.size(); ++i) {
-    const auto *single = static_cast<OCSP_SINGLE_RESPONSE *>(get_STACK_value(data->responses, int(i)));
+    const auto *single = item<OCSP_SINGLE_RESPONSE>(data->responses, int(i));
     EXPECT_EQ(status_text(get_CERT_STATUS_from_OCSP_RESPONSE_index(basic, int(i))), statuses[i]) << file;
     EXPECT_EQ(serial_text(single->certID), without_zeros(serials[i])) << file;
     if (i > 0) continue;
@@ -96,35 +85,32 @@ void check_basic(const Row &row, const BASIC_OCSP_RESPONSE *basic) {
 // A certificate of the issuer with the serial number of the first entry.
 Certificate asked_about(const X509_CERT *issuer, const BASIC_OCSP_RESPONSE *basic) {
   Certificate cert(new_X509_CERT());
-  const auto *single = static_cast<OCSP_SINGLE_RESPONSE *>(get_STACK_value(basic->tbsResponseData->responses, 0));
-  if (single) set_X509_serial(cert.get(), single->certID->serialNumber);
-  set_X509_issuer(cert.get(), get_X509_subject(issuer));
+  const auto *single = item<OCSP_SINGLE_RESPONSE>(basic->tbsResponseData->responses, 0);
+  if (single) set_X509_serial(cert, single->certID->serialNumber);
+  set_X509_issuer(cert, get_X509_subject(issuer));
   return cert;
 }
 
 int verify(const Row &row, const BASIC_OCSP_RESPONSE *basic, const std::string &folder) {
-  const Bytes der = read_file(folder + "/" + row.at("issuer_file"));
-  X509_CERT *read = nullptr;
-  EXPECT_EQ(readDER_X509_CERT_from_Binary_RFC5280(&read, der.data(), int(der.size())), 0) << row.at("issuer_file");
-  const Certificate issuer(read), cert = asked_about(read, basic);
+  const auto issuer = read_by(readDER_X509_CERT_from_Binary_RFC5280, read_file(folder + "/" + row.at("issuer_file")));
+  EXPECT_TRUE(issuer) << row.at("issuer_file");
+  const Certificate cert = asked_about(issuer, basic);
   const auto time = time_of(row.at("this_update").empty() ? row.at("produced_at") : row.at("this_update"));
   const OCSP_SINGLE_RESPONSE *answer = nullptr;
-  const int code = verify_BASIC_OCSP_RESPONSE_strict(basic, cert.get(), issuer.get(), nullptr, 0, time.get(),
-                                                     OCSP_ALLOW_NO_NEXT_UPDATE, &answer);
+  const int code =
+      verify_BASIC_OCSP_RESPONSE_strict(basic, cert, issuer, nullptr, 0, time, OCSP_ALLOW_NO_NEXT_UPDATE, &answer);
   EXPECT_EQ(code == 0, answer != nullptr);
   return code;
 }
 
 void check_response(const Row &row, const Bytes &der, const std::string &folder) {
   const std::string &file = row.at("file");
-  OCSP_RESPONSE *response = nullptr;
-  const int code = readDER_OCSP_RESPONSE_from_Binary(&response, der.data(), int(der.size()));
-  const Response owner(response);
+  const auto response = read_by(readDER_OCSP_RESPONSE_from_Binary, der);
   if (row.at("response_status").empty()) {
-    EXPECT_TRUE(code != 0 || !Basic(get_BASIC_OCSP_RESPONSE(response))) << file;
+    EXPECT_TRUE(!response || !Basic(get_BASIC_OCSP_RESPONSE(response))) << file;
     return;
   }
-  ASSERT_EQ(code, 0) << file;
+  ASSERT_TRUE(response) << file;
   EXPECT_EQ(to_hex(encoded(OCSP_RESPONSE_to_Seq, response)), to_hex(der)) << file;
   EXPECT_EQ(response->responseStatus, number_in(row, "response_status")) << file;
   const Basic basic(get_BASIC_OCSP_RESPONSE(response)), strict = strict_basic(response);
@@ -132,11 +118,11 @@ void check_response(const Row &row, const Bytes &der, const std::string &folder)
                          row.at("notes").find("not basic") == std::string::npos;
   ASSERT_EQ(basic != nullptr, has_basic) << file;
   if (!has_basic) return;
-  check_basic(row, basic.get());
+  check_basic(row, basic);
   ASSERT_NE(strict, nullptr) << file;
-  check_basic(row, strict.get());
+  check_basic(row, strict);
   if (row.at("verifies").empty()) return;
-  const int verified = verify(row, strict.get(), folder);
+  const int verified = verify(row, strict, folder);
   EXPECT_EQ(verified == 0, (row.at("verifies") == "ok") != differs(file)) << file << " " << std::hex << verified;
 }
 

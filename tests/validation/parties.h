@@ -5,10 +5,6 @@
 
 namespace test {
 
-inline bool has_openssl() { return !run("openssl version").empty(); }
-#define VELPKI_NEED_OPENSSL \
-  if (!test::has_openssl()) GTEST_SKIP() << "no openssl command"
-
 inline std::string pki() {
   static const std::string folder = [] {
     const std::string path = temporary_path("pki");
@@ -31,20 +27,14 @@ printf 'V\t401231235959Z\t\t1001\tunknown\t/CN=good\nR\t401231235959Z\t240102030
 }
 
 inline Certificate party_certificate(const std::string &name) {
-  X509_CERT *cert = nullptr;
-  EXPECT_EQ(readPEM_X509_CERT_from_File(&cert, (pki() + "/" + name + ".pem").c_str()), 0) << name;
-  return Certificate(cert);
+  Certificate cert = read_by(readPEM_X509_CERT_from_File, pki() + "/" + name + ".pem");
+  EXPECT_TRUE(cert) << name;
+  return cert;
 }
-inline Owned<ASYMMETRIC_KEY> party_key(const std::string &name) {
-  PKCS1_RSA_PRIVATE_KEY *record = nullptr;
-  EXPECT_EQ(readPEM_PKCS1_RSA_PRIVATE_KEY_from_File(&record, (pki() + "/" + name + ".key").c_str()), 0) << name;
-  const Owned<RSA_UNIT> rsa(get_RSA_UNIT_from_PRIV_KEY(record));
-  free_PKCS1_RSA_PRIVATE_KEY(record);
-  return Owned<ASYMMETRIC_KEY>(RSA_UNIT_to_ASYMMETRIC_KEY(rsa.get()));
-}
-inline Owned<STACK> list_with(const X509_CERT *cert) {
-  Owned<STACK> list(new_X509_CERTIFICATES());
-  EXPECT_EQ(add_X509_CERTIFICATES(list.get(), cert), 0);
+inline Owned<ASYMMETRIC_KEY> party_key(const std::string &name) { return rsa_key_at(pki() + "/" + name + ".key"); }
+inline Certificates list_with(const X509_CERT *cert) {
+  Certificates list(new_X509_CERTIFICATES());
+  EXPECT_EQ(add_X509_CERTIFICATES(list, cert), 0);
   return list;
 }
 

@@ -7,17 +7,17 @@ using namespace test;
 
 namespace {
 
-class PathBuilding : public WithKeys {
+class PathBuilding : public WithThreeKeys {
  protected:
   void SetUp() override {
-    WithKeys::SetUp();
+    WithThreeKeys::SetUp();
     pool.reset(new_X509_CERTIFICATES());
-    anchors.reset(new_X509_CERTIFICATES());
+    anchors.reset(new_TRUST_ANCHORS());
   }
   void TearDown() override {
-    free_TRUST_ANCHORS(anchors.release());
+    anchors.reset();
     pool.reset();
-    WithKeys::TearDown();
+    WithThreeKeys::TearDown();
   }
 
   static Bytes of_authority(const std::string &key_id = "") {
@@ -29,30 +29,29 @@ class PathBuilding : public WithKeys {
 
   X509_CERT *add(const Made &made) {
     X509_CERT *cert = make_certificate(made).release();
-    push_STACK_value(pool.get(), cert);
+    push_STACK_value(pool, cert);
     return cert;
   }
   void trust(const X509_CERT *cert) {
     const TRUST_ANCHOR anchor{get_X509_subject(cert), get_X509_SPKI(cert)};
-    EXPECT_EQ(add_TRUST_ANCHORS(anchors.get(), &anchor), 0);
+    EXPECT_EQ(add_TRUST_ANCHORS(anchors, &anchor), 0);
   }
   // The code, and the common names of the path.
   int build(const X509_CERT *cert, std::string *names = nullptr) {
-    STACK *path = nullptr;
-    const int code = build_certPath(&path, const_cast<X509_CERT *>(cert), pool.get(), anchors.get());
+    Certificates path;
+    const int code = build_certPath(&path, const_cast<X509_CERT *>(cert), pool, anchors);
     EXPECT_EQ(code == 0, path != nullptr);
-    const Path owner(path);
     for (int i = 0; names && i < get_STACK_count(path); ++i) {
-      const auto *each = static_cast<X509_CERT *>(get_STACK_value(path, i));
+      const auto *each = item<X509_CERT>(path, i);
       *names += (i ? " " : "") + text_of(get_X509_NAME_CHILD_data(get_X509_NAME_CHILD(get_X509_subject(each), 0)));
     }
-    node_LIST *tree = nullptr;
+    Tree tree;
     if (path) EXPECT_EQ(validate_certpath(path, nullptr, &tree), 0);
-    free_node_LIST(tree);
     return code;
   }
 
-  Path pool, anchors;
+  Certificates pool;
+  Owned<STACK, free_TRUST_ANCHORS> anchors;
 };
 
 TEST_F(PathBuilding, ThePathEndsAtAnAnchor) {
@@ -60,11 +59,11 @@ TEST_F(PathBuilding, ThePathEndsAtAnAnchor) {
   add({"ca", "root", 1, 0, of_authority()});
   const Certificate end = make_certificate({"end", "ca", 2, 1, {}, false});
   const Certificate orphan = make_certificate({"end", "nobody", 2, 1, {}, false});
-  EXPECT_EQ(build(end.get()), F_BUILD_CERTPATH | ERR_INVALID_TRUST_ANCHOR);
-  EXPECT_EQ(build(orphan.get()), F_BUILD_CERTPATH | ERR_NOT_FOUNDED);
+  EXPECT_EQ(build(end), F_BUILD_CERTPATH | ERR_INVALID_TRUST_ANCHOR);
+  EXPECT_EQ(build(orphan), F_BUILD_CERTPATH | ERR_NOT_FOUNDED);
   trust(root);
   std::string names;
-  EXPECT_EQ(build(end.get(), &names), 0);
+  EXPECT_EQ(build(end, &names), 0);
   EXPECT_EQ(names, "end ca root");
   EXPECT_EQ(build(root, &(names = "")), 0);
   EXPECT_EQ(names, "root");
@@ -73,16 +72,16 @@ TEST_F(PathBuilding, ThePathEndsAtAnAnchor) {
   add({"root", "root", 1, 1, of_authority()});
   add({"ca", "root", 2, 1, of_authority()});
   const Certificate other = make_certificate({"end", "ca", 0, 2, {}, false});
-  EXPECT_EQ(build(other.get()), F_BUILD_CERTPATH | ERR_INVALID_TRUST_ANCHOR);
+  EXPECT_EQ(build(other), F_BUILD_CERTPATH | ERR_INVALID_TRUST_ANCHOR);
   STACK *path = nullptr;
-  EXPECT_EQ(build_certPath(&path, nullptr, pool.get(), anchors.get()), F_BUILD_CERTPATH | 0x49);
-  EXPECT_EQ(build_certPath(&path, other.get(), pool.get(), nullptr), F_BUILD_CERTPATH | 0x49);
+  EXPECT_EQ(build_certPath(&path, nullptr, pool, anchors), F_BUILD_CERTPATH | 0x49);
+  EXPECT_EQ(build_certPath(&path, other, pool, nullptr), F_BUILD_CERTPATH | 0x49);
 }
 
 // Of several certificates of one name and key, the one that validation takes; cross-certificates and loops lead on.
 TEST_F(PathBuilding, TheBetterIssuerIsTakenFirst) {
   add({"root", "root", 0, 0, of_authority()});
-  trust(static_cast<X509_CERT *>(get_STACK_value(pool.get(), 0)));
+  trust(item<X509_CERT>(pool, 0));
   add({"ca", "root", 1, 0, {}, true, "3031303130313030303030305a"});
   add({"ca", "root", 1, 0, of_authority("aa"), true, "3031303130313030303030305a"});
   add({"ca", "root", 1, 0, extension("551d0f", hex("030206c0")) + of_authority("aa")});
@@ -93,7 +92,7 @@ TEST_F(PathBuilding, TheBetterIssuerIsTakenFirst) {
   add({"other", "other", 2, 2, of_authority()});
   const Certificate end = make_certificate({"end", "ca", 2, 1, of_issuer("aa")});
   std::string names;
-  EXPECT_EQ(build(end.get(), &names), 0);
+  EXPECT_EQ(build(end, &names), 0);
   EXPECT_EQ(names, "end ca root");
 }
 
@@ -102,7 +101,7 @@ TEST_F(PathBuilding, LoopsEnd) {
     for (int j = 0; j < 3; ++j)
       if (i != j) add({"c" + std::to_string(i), "c" + std::to_string(j), i, j, of_authority()});
   const Certificate end = make_certificate({"end", "c0", 2, 0, {}, false});
-  EXPECT_EQ(build(end.get()), F_BUILD_CERTPATH | ERR_NOT_FOUNDED);
+  EXPECT_EQ(build(end), F_BUILD_CERTPATH | ERR_NOT_FOUNDED);
 }
 
 // A large pool, with many of one name of which none is the issuer, and then with the issuer behind them.
@@ -111,14 +110,14 @@ TEST_F(PathBuilding, WorkIsBounded) {
   trust(root);
   const Certificate one = make_certificate({"many", "root", 1, 0, of_authority("aa")});
   const Certificate far = make_certificate({"far", "root", 1, 0, of_authority("aa")});
-  for (int i = 0; i < 1000; ++i) add_X509_CERTIFICATES(pool.get(), one.get());
-  for (int i = 0; i < 9000; ++i) add_X509_CERTIFICATES(pool.get(), far.get());
+  for (int i = 0; i < 1000; ++i) add_X509_CERTIFICATES(pool, one);
+  for (int i = 0; i < 9000; ++i) add_X509_CERTIFICATES(pool, far);
   const Certificate end = make_certificate({"end", "many", 2, 2, {}, false});
   const auto start = std::chrono::steady_clock::now();
-  EXPECT_EQ(build(end.get()), F_BUILD_CERTPATH | ERR_INVALID_MAX_PATH_LENGTH);
+  EXPECT_EQ(build(end), F_BUILD_CERTPATH | ERR_INVALID_MAX_PATH_LENGTH);
   const Certificate good = make_certificate({"end", "many", 2, 1, {}, false});
   std::string names;
-  EXPECT_EQ(build(good.get(), &names), 0);
+  EXPECT_EQ(build(good, &names), 0);
   EXPECT_EQ(names, "end many root");
   const std::chrono::duration<double, std::milli> spent = std::chrono::steady_clock::now() - start;
   std::printf("two searches among 10,001 certificates: %.1f ms\n", spent.count());
@@ -130,26 +129,21 @@ TEST_F(PathBuilding, WorkIsBounded) {
   }
   const Certificate deep = make_certificate({"end", "d13", 2, 13 % 3, {}, false});
   const Certificate deeper = make_certificate({"end", "d14", 2, 14 % 3, {}, false});
-  EXPECT_EQ(build(deep.get()), 0);
-  EXPECT_EQ(build(deeper.get()), F_BUILD_CERTPATH | ERR_INVALID_MAX_PATH_LENGTH);
+  EXPECT_EQ(build(deep), 0);
+  EXPECT_EQ(build(deeper), F_BUILD_CERTPATH | ERR_INVALID_MAX_PATH_LENGTH);
 }
 
 TEST_F(PathBuilding, EachAllocationMayFail) {
   trust(add({"root", "root", 0, 0, of_authority("aa")}));
   add({"ca", "root", 1, 0, of_authority("bb")});
   const Certificate end = make_certificate({"end", "ca", 2, 1, of_issuer("bb")});
-  ASSERT_EQ(build(end.get()), 0);
-  int code = 1;
-  for (long n = 0; code && n < 2000; ++n) {
-    const size_t before = live_blocks();
-    STACK *path = nullptr;
-    fail_allocation(n);
-    code = build_certPath(&path, end.get(), pool.get(), anchors.get());
-    fail_allocation(-1);
-    if (code) EXPECT_TRUE(!path && live_blocks() == before) << n;
-    free_X509_CERTIFICATES(path);
-  }
-  EXPECT_EQ(code, 0);
+  ASSERT_EQ(build(end), 0);
+  survive_each_failed_allocation([&] {
+    Certificates path;
+    const int code = build_certPath(&path, end, pool, anchors);
+    EXPECT_EQ(code != 0, path == nullptr);
+    return code == 0;
+  });
 }
 
 }  // namespace

@@ -73,13 +73,13 @@ Certificate certificate_of(const std::string &text, int depth, bool end) {
 }
 
 // The end entity stands first.
-Path path_of(const std::string &text) {
-  Path path(new_X509_CERTIFICATES());
+Certificates path_of(const std::string &text) {
+  Certificates path(new_X509_CERTIFICATES());
   const std::vector<std::string> certificates = split(text, ';');
   for (int depth = 0; depth < int(certificates.size()); ++depth) {
     const bool end =
         depth + 1 == int(certificates.size()) && certificates[size_t(depth)].find("bc=") == std::string::npos;
-    insert_STACK_value(path.get(), certificate_of(certificates[size_t(depth)], depth, end && depth).release(), 0);
+    insert_STACK_value(path, certificate_of(certificates[size_t(depth)], depth, end && depth).release(), 0);
   }
   return path;
 }
@@ -93,7 +93,7 @@ std::string text_of(const node_LIST *tree) {
   std::string out;
   for (; tree; tree = tree->next) {
     for (int i = 0; i < get_STACK_count(tree->nodes); ++i)
-      out += (i ? " " : "") + short_name(static_cast<VALID_POLICY_NODE *>(get_STACK_value(tree->nodes, i)));
+      out += (i ? " " : "") + short_name(item<VALID_POLICY_NODE>(tree->nodes, i));
     if (tree->next) out += "/";
   }
   return out.empty() ? "-" : out;
@@ -107,19 +107,18 @@ Policies user_of(const std::string &text) {
   return policies_of(dotted);
 }
 
-class CertPath : public WithKeys {};
+class CertPath : public WithThreeKeys {};
 
 TEST_F(CertPath, EveryRowOfTheTable) {
   for (const Row &row : table("certpath")) {
     SCOPED_TRACE(row.at("path") + " | " + row.at("user") + " | " + row.at("explicit"));
-    const Path path = path_of(row.at("path"));
+    const Certificates path = path_of(row.at("path"));
     const Policies user = user_of(row.at("user"));
     const int policies = user ? user->count : 0;
     const Settings settings(number_in(row, "explicit"), 0);
-    node_LIST *tree = nullptr;
-    const int code = validate_certpath(path.get(), user.get(), &tree);
-    const Tree owner(tree);
-    EXPECT_EQ(code, int(std::stoul(row.at("code"), nullptr, 16))) << std::hex << code;
+    Tree tree;
+    const int code = validate_certpath(path, user, &tree);
+    EXPECT_EQ(code, code_at(row, "code")) << std::hex << code;
     EXPECT_EQ(text_of(tree), row.at("tree"));
     const bool walked = code == 0 || code == (F_VALIDATE_CERTPATH | ERR_INVALID_VALID_POLICY_TREE);
     if (user) EXPECT_EQ(user->count, walked ? 0 : policies);
@@ -133,63 +132,61 @@ TEST_F(CertPath, Settings) {
   EXPECT_EQ(get_max_certificatePath_length(), 3);
   EXPECT_EQ(set_max_certificatePath_length(1), 0);
   EXPECT_EQ(get_max_certificatePath_length(), 1);
-  node_LIST *tree = nullptr;
-  EXPECT_EQ(validate_certpath(path_of("-;-;-;-").get(), nullptr, &tree), 0);  // the length ends nothing
+  Tree tree;
+  EXPECT_EQ(validate_certpath(path_of("-;-;-;-"), nullptr, &tree), 0);  // the length ends nothing
   EXPECT_EQ(set_max_certificatePath_length(3), 0);
   set_initial_policy_mapping_inhibit(1);
   EXPECT_EQ(get_initial_policy_mapping_inhibit(), 0);
   EXPECT_EQ(get_initial_explicit_policy() + get_initial_any_policy_inhibit(), 0);
   EXPECT_EQ(validate_certpath(nullptr, nullptr, &tree), F_VALIDATE_CERTPATH | 0x49);
-  EXPECT_EQ(validate_certpath(path_of("").get(), nullptr, nullptr), F_VALIDATE_CERTPATH | 0x49);
-  const Path hollow(new_X509_CERTIFICATES());
-  EXPECT_EQ(validate_certpath(hollow.get(), nullptr, &tree), 0);
-  const Tree owner(tree);
+  EXPECT_EQ(validate_certpath(path_of(""), nullptr, nullptr), F_VALIDATE_CERTPATH | 0x49);
+  const Certificates hollow(new_X509_CERTIFICATES());
+  EXPECT_EQ(validate_certpath(hollow, nullptr, &tree), 0);
   EXPECT_EQ(text_of(tree), "any");
-  push_STACK_value(hollow.get(), nullptr);
-  EXPECT_EQ(validate_certpath(hollow.get(), nullptr, &tree), F_VALIDATE_CERTPATH | 0x49);
+  push_STACK_value(hollow, nullptr);
+  EXPECT_EQ(validate_certpath(hollow, nullptr, &tree), F_VALIDATE_CERTPATH | 0x49);
   EXPECT_EQ(is_selfSigned(nullptr), 1);
 }
 
 // A tree of the caller's grows, and a deeper one lets a self-issued certificate in the middle pass.
 TEST_F(CertPath, ATreeThatIsPassedIn) {
-  const Path path = path_of("-;p;p"), middle = path_of("-;selfissued own;p");
-  node_LIST *tree = nullptr;
-  ASSERT_EQ(validate_certpath(path.get(), nullptr, &tree), 0);
+  const Certificates path = path_of("-;p;p"), middle = path_of("-;selfissued own;p");
+  Tree tree;
+  ASSERT_EQ(validate_certpath(path, nullptr, &tree), 0);
   EXPECT_EQ(text_of(tree), "any/p/p");
-  EXPECT_EQ(validate_certpath(path.get(), nullptr, &tree), 0);
+  EXPECT_EQ(validate_certpath(path, nullptr, &tree), 0);
   EXPECT_EQ(text_of(tree), "any/p p/p p p");
-  node_LIST *none = nullptr;
-  EXPECT_EQ(validate_certpath(middle.get(), nullptr, &none), F_PROCESS_BASIC_CERTIFICATE | 0x49);
+  Tree none;
+  EXPECT_EQ(validate_certpath(middle, nullptr, &none), F_PROCESS_BASIC_CERTIFICATE | 0x49);
   EXPECT_EQ(none, nullptr);
-  EXPECT_EQ(validate_certpath(middle.get(), nullptr, &tree), 0);
+  EXPECT_EQ(validate_certpath(middle, nullptr, &tree), 0);
   const Policies nothing = policies_of({});
-  EXPECT_EQ(validate_certpath(path.get(), nothing.get(), &tree), 0);
+  EXPECT_EQ(validate_certpath(path, nothing, &tree), 0);
   EXPECT_EQ(tree, nullptr);
 }
 
 TEST_F(CertPath, TheTreeIsBounded) {
   std::string many;
   for (int i = 0; i < 100; ++i) many += " p";
-  const Path path = path_of("-;" + many + ";" + many + ";" + many);
-  node_LIST *tree = nullptr;
+  const Certificates path = path_of("-;" + many + ";" + many + ";" + many);
+  Tree tree;
   const auto start = std::chrono::steady_clock::now();
-  EXPECT_EQ(validate_certpath(path.get(), nullptr, &tree),
-            F_ADD_VALID_POLICY_TREE_LIST | ERR_INVALID_VALID_POLICY_TREE);
+  EXPECT_EQ(validate_certpath(path, nullptr, &tree), F_ADD_VALID_POLICY_TREE_LIST | ERR_INVALID_VALID_POLICY_TREE);
   EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(2));
   EXPECT_EQ(tree, nullptr);
 }
 
 TEST_F(CertPath, EachAllocationMayFail) {
-  const Path path = path_of("-;p q pc=3003800102 iap=020101;p ku=030206c0");
-  node_LIST *tree = nullptr;
-  ASSERT_EQ(validate_certpath(path.get(), nullptr, &tree), 0);
-  free_node_LIST(std::exchange(tree, nullptr));
+  const Certificates path = path_of("-;p q pc=3003800102 iap=020101;p ku=030206c0");
+  Tree tree;
+  ASSERT_EQ(validate_certpath(path, nullptr, &tree), 0);
+  tree.reset();
   int code = 1;
   for (long n = 0; code && n < 5000; ++n) {
     const Policies user = policies_of({"1.2.3.4", "1.2.3.5", "1.2.3.6"});
     const size_t before = live_blocks();
     fail_allocation(n);
-    code = validate_certpath(path.get(), user.get(), &tree);
+    code = validate_certpath(path, user, &tree);
     fail_allocation(-1);
     if (!code) break;
     const bool of_dates = (code & ~0xFFFF) == F_VERIFY_X509_VALIDITY;  // which cannot tell
@@ -198,17 +195,15 @@ TEST_F(CertPath, EachAllocationMayFail) {
   }
   EXPECT_EQ(code, 0);
   EXPECT_EQ(text_of(tree), "any/p/p");
-  const Tree owner(tree);
 }
 
 TEST_F(CertPath, ThreadsValidateAtTheSameTime) {
   const auto run = [] {
-    const Path path = path_of("-;p;p");
+    const Certificates path = path_of("-;p;p");
     for (int i = 0; i < 50; ++i) {
-      node_LIST *tree = nullptr;
-      EXPECT_EQ(validate_certpath(path.get(), nullptr, &tree), 0);
+      Tree tree;
+      EXPECT_EQ(validate_certpath(path, nullptr, &tree), 0);
       EXPECT_EQ(text_of(tree), "any/p/p");
-      free_node_LIST(tree);
     }
   };
   std::thread first(run);

@@ -9,26 +9,16 @@
 
 namespace test {
 
-struct ReleasePath {
-  void operator()(STACK *p) const { free_X509_CERTIFICATES(p); }
-};
-using Path = std::unique_ptr<STACK, ReleasePath>;
-
 // A user's policies, and the levels of a tree.
-struct ReleasePolicies {
-  void operator()(STACK *p) const {
-    free_STACK_values(p, [](void *oid) { free_OBJECT_IDENTIFIER(static_cast<OBJECT_IDENTIFIER *>(oid)); });
-  }
-};
-using Policies = std::unique_ptr<STACK, ReleasePolicies>;
-struct ReleaseTree {
-  void operator()(node_LIST *p) const { free_node_LIST(p); }
-};
-using Tree = std::unique_ptr<node_LIST, ReleaseTree>;
+inline void free_policies(STACK *p) {
+  free_STACK_values(p, [](void *oid) { free_OBJECT_IDENTIFIER(static_cast<OBJECT_IDENTIFIER *>(oid)); });
+}
+using Policies = Owned<STACK, free_policies>;
+using Tree = Owned<node_LIST>;
 
 inline Policies policies_of(const std::vector<std::string> &dotted) {
   Policies out(new_STACK());
-  for (const std::string &each : dotted) push_STACK_value(out.get(), oid(each).release());
+  for (const std::string &each : dotted) push_STACK_value(out, oid(each).release());
   return out;
 }
 
@@ -46,15 +36,11 @@ struct Settings {
 
 // Tests over certificates that are made for them: three keys, for the time of one test.
 inline std::vector<Owned<ASYMMETRIC_KEY>> test_keys;
-inline ASYMMETRIC_KEY *test_key(int index) { return test_keys[size_t(index)].get(); }
-class WithKeys : public testing::Test {
+inline ASYMMETRIC_KEY *test_key(int index) { return test_keys[size_t(index)]; }
+class WithThreeKeys : public testing::Test {
  protected:
   void SetUp() override {
-    for (int i = 0; i < 3; ++i) {
-      const Owned<RSA_UNIT> rsa(PKV_New_RSA());
-      EXPECT_EQ(PKV_Generate_RSA(rsa.get(), 1024, 65537, nullptr, nullptr), 0);
-      test_keys.emplace_back(RSA_UNIT_to_ASYMMETRIC_KEY(rsa.get()));
-    }
+    for (int i = 0; i < 3; ++i) test_keys.push_back(new_rsa());
   }
   void TearDown() override { test_keys.clear(); }
 };
@@ -84,14 +70,12 @@ inline Certificate make_certificate(const Made &made) {
   const Bytes tbs = TLV(0x30, TLV(0xA0, "020102") + TLV(0x02, number) + algorithm + name_of(made.issuer) + dates +
                                   name_of(made.subject) + spki + tail);
   const Bytes der = TLV(0x30, tbs + algorithm + TLV(0x03, "00aa"));
-  X509_CERT *cert = nullptr;
-  EXPECT_EQ(readDER_X509_CERT_from_Binary(&cert, der.data(), int(der.size())), 0);
-  X509_PUBKEY *key = new_X509_PUBKEY();
-  set_X509_PUBKEY_rsa(key, ASYMMETRIC_KEY_to_RSA_UNIT(test_key(made.key)));
+  Certificate cert = read_by(readDER_X509_CERT_from_Binary, der);
+  EXPECT_TRUE(cert);
+  const Owned<X509_PUBKEY> key = public_half(test_key(made.key));
   set_X509_pub_key(cert, key);
-  free_X509_PUBKEY(key);
   EXPECT_EQ(gen_SIG_X509_Cert(cert, test_key(made.signer)), 0);
-  return Certificate(cert);
+  return cert;
 }
 
 }  // namespace test

@@ -1,7 +1,6 @@
 // The path suite of NIST through validate_certpath. tests/data/pkits_differences.tsv says where the answer is another,
 // and by which rule.
 #include <cstdio>
-#include <sstream>
 
 #include "paths.h"
 
@@ -9,24 +8,9 @@ using namespace test;
 
 namespace {
 
-std::vector<std::string> parts(const std::string &text) {
-  std::vector<std::string> out;
-  std::istringstream in(text);
-  for (std::string part; std::getline(in, part, ',');) out.push_back(part);
-  return out;
-}
-
-// False when a certificate cannot be read.
-bool add_file(STACK *path, const std::string &file) {
-  const Bytes der = read_file(file);
-  X509_CERT *cert = nullptr;
-  if (readDER_X509_CERT_from_Binary(&cert, der.data(), int(der.size()))) return false;
-  return push_STACK_value(path, cert);
-}
-
 bool issued(const STACK *path, int cert, int issuer) {
-  const X509_PUBKEY *key = get_X509_SPKI(static_cast<X509_CERT *>(get_STACK_value(path, issuer)));
-  return key && verify_SIG_X509_CERT(static_cast<X509_CERT *>(get_STACK_value(path, cert)), key->key) == 0;
+  const X509_PUBKEY *key = get_X509_SPKI(item<X509_CERT>(path, issuer));
+  return key && verify_SIG_X509_CERT(item<X509_CERT>(path, cert), key->key) == 0;
 }
 
 // Takes out what stands between a certificate and its issuer: the certificates of those who sign revocation lists only.
@@ -41,19 +25,20 @@ void drop_bystanders(STACK *path) {
 
 // The code of a row; -1 for a path that cannot be read.
 int validate(const Row &row, const std::string &folder) {
-  const Path path(new_X509_CERTIFICATES());
-  std::vector<std::string> files = parts(row.at("intermediates"));
+  const Certificates path(new_X509_CERTIFICATES());
+  std::vector<std::string> files = split(row.at("intermediates"));
   files.insert(files.begin(), row.at("trust_anchor"));
   files.push_back(row.at("end_entity"));
   for (auto file = files.rbegin(); file != files.rend(); ++file)
-    if (!add_file(path.get(), folder + "/" + *file)) return -1;
-  drop_bystanders(path.get());
+    if (Certificate cert = read_by(readDER_X509_CERT_from_Binary, read_file(folder + "/" + *file)))
+      push_STACK_value(path, cert.release());
+    else
+      return -1;
+  drop_bystanders(path);
   const Settings settings(number_in(row, "initial_explicit_policy"), number_in(row, "initial_inhibit_any_policy"));
-  const Policies user = policies_of(parts(row.at("initial_policy_set")));
-  node_LIST *tree = nullptr;
-  const int code = validate_certpath(path.get(), user.get(), &tree);
-  free_node_LIST(tree);
-  return code;
+  const Policies user = policies_of(split(row.at("initial_policy_set")));
+  Owned<node_LIST> tree;
+  return validate_certpath(path, user, &tree);
 }
 
 TEST(Pkits, EveryDifferenceHasItsRule) {

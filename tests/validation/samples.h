@@ -6,52 +6,34 @@
 #include <velpki/ocsp.h>
 #include <velpki/pkcs1.h>
 
-#include "support/asn1.h"
+#include "support/keys.h"
 
 namespace test {
 
-struct ReleaseOcsp {
-  void operator()(OCSP_REQUEST *p) const { free_OCSP_REQUEST(p); }
-  void operator()(OCSP_RESPONSE *p) const { free_OCSP_RESPONSE(p); }
-  void operator()(BASIC_OCSP_RESPONSE *p) const { free_BASIC_OCSP_RESPONSE(p); }
-  void operator()(OCSP_RESPONSE_DATA *p) const { free_OCSP_RESPONSE_DATA(p); }
-  void operator()(OCSP_SINGLE_RESPONSE *p) const { free_OCSP_SINGLE_RESPONSE(p); }
-  void operator()(OCSP_REVOKED_INFO *p) const { free_OCSP_REVOKED_INFO(p); }
-  void operator()(X509_CERT *p) const { free_X509_CERT(p); }
-  void operator()(X509_TIME *p) const { free_X509_TIME(p); }
-  void operator()(ASYMMETRIC_KEY *p) const { free_ASYMMETRIC_KEY(p); }
-  void operator()(RSA_UNIT *p) const { PKV_Free_RSA(p); }
-  void operator()(STACK *p) const { free_X509_CERTIFICATES(p); }
-};
-template <class T>
-using Owned = std::unique_ptr<T, ReleaseOcsp>;
-using Certificate = Owned<X509_CERT>;
 using Request = Owned<OCSP_REQUEST>;
 using Response = Owned<OCSP_RESPONSE>;
 using Basic = Owned<BASIC_OCSP_RESPONSE>;
 
+inline void free_singles(STACK *list) {
+  free_STACK_values(list, [](void *each) { free_OCSP_SINGLE_RESPONSE(static_cast<OCSP_SINGLE_RESPONSE *>(each)); });
+}
+using Singles = Owned<STACK, free_singles>;
+
 constexpr int kOcsp = 0x50000000;
 
 template <class T>
-Owned<T> decoded(int (*from)(ASN1_UNIT *, T **), const Bytes &der, int *code = nullptr) {
-  T *record = nullptr;
-  const int result = from(unit(der).get(), &record);
-  if (code) *code = result;
-  return Owned<T>(record);
-}
-template <class T>
-Bytes encoded(int (*to)(const T *, ASN1_UNIT **), const T *record) {
-  ASN1_UNIT *out = nullptr;
-  EXPECT_EQ(to(record, &out), 0);
-  const Unit owner(out);
-  return out ? hex(flat(out)) : Bytes();
+Bytes encoded(int (*to)(const T *, ASN1_UNIT **), const std::type_identity_t<T> *record) {
+  int code = 0;
+  const std::string octets = hex_of(to, record, &code);
+  EXPECT_EQ(code, 0);
+  return code ? Bytes() : hex(octets);
 }
 
 inline Basic strict_basic(const OCSP_RESPONSE *response, int *code = nullptr) {
-  BASIC_OCSP_RESPONSE *basic = nullptr;
+  Basic basic;
   const int result = get_BASIC_OCSP_RESPONSE_strict(response, &basic);
   if (code) *code = result;
-  return Basic(basic);
+  return basic;
 }
 
 inline Owned<X509_TIME> time_of(std::string_view generalized) {

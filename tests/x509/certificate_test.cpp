@@ -1,7 +1,8 @@
 // Certificates: codec, codes, signatures, dates, digests, and openssl as the other side.
 #include <algorithm>
 
-#include "keys.h"
+#include "samples.h"
+#include "support/keys.h"
 
 using namespace test;
 
@@ -11,7 +12,7 @@ using Certificates = WithKeys;
 
 Owned<X509_TIME> time(const char *text) {
   const Time made(charToASN1_TIME(text));
-  return Owned<X509_TIME>(asn1TimeToX509_TIME_RFC5280(made.get()));
+  return Owned<X509_TIME>(asn1TimeToX509_TIME_RFC5280(made));
 }
 
 // A certificate with everything but a signature.
@@ -20,16 +21,15 @@ Certificate unsigned_certificate(int signature_row, bool with_kcdsa) {
   const String algorithm(index_to_OBJECT_IDENTIFIER(signature_row));
   const Owned<X509_PUBKEY> pubkey(new_X509_PUBKEY());
   const Name subject(new_X509_NAME());
-  add_X509_NAME_child_OID_index(subject.get(), 13, 12, reinterpret_cast<const unsigned char *>("velPKI"), -1, -1);
-  EXPECT_EQ(
-      with_kcdsa ? set_X509_PUBKEY_kcdsa(pubkey.get(), kcdsa_key()) : set_X509_PUBKEY_rsa(pubkey.get(), rsa_key()), 0);
-  EXPECT_EQ(set_X509_serial(cert.get(), number("80").get()), 0);
-  EXPECT_EQ(set_X509_signature(cert.get(), algorithm.get()), 0);
-  EXPECT_EQ(set_X509_issuer(cert.get(), subject.get()), 0);
-  EXPECT_EQ(set_X509_subject(cert.get(), subject.get()), 0);
-  EXPECT_EQ(set_X509_notBefore(cert.get(), time("2020-01-01,00:00:00").get()), 0);
-  EXPECT_EQ(set_X509_notAfter(cert.get(), time("2050-01-01,00:00:00").get()), 0);
-  EXPECT_EQ(set_X509_pub_key(cert.get(), pubkey.get()), 0);
+  add_X509_NAME_child_OID_index(subject, 13, 12, reinterpret_cast<const unsigned char *>("velPKI"), -1, -1);
+  EXPECT_EQ(with_kcdsa ? set_X509_PUBKEY_kcdsa(pubkey, kcdsa_key()) : set_X509_PUBKEY_rsa(pubkey, rsa_key()), 0);
+  EXPECT_EQ(set_X509_serial(cert, number("80")), 0);
+  EXPECT_EQ(set_X509_signature(cert, algorithm), 0);
+  EXPECT_EQ(set_X509_issuer(cert, subject), 0);
+  EXPECT_EQ(set_X509_subject(cert, subject), 0);
+  EXPECT_EQ(set_X509_notBefore(cert, time("2020-01-01,00:00:00")), 0);
+  EXPECT_EQ(set_X509_notAfter(cert, time("2050-01-01,00:00:00")), 0);
+  EXPECT_EQ(set_X509_pub_key(cert, pubkey), 0);
   return cert;
 }
 
@@ -39,14 +39,14 @@ TEST_F(Certificates, SignAndVerifyByKeyAndAlgorithm) {
     const bool with_kcdsa = each.at("key") == "kcdsa";
     const Certificate cert = unsigned_certificate(row, with_kcdsa);
     const Owned<ASYMMETRIC_KEY> key = with_kcdsa ? kcdsa() : rsa();
-    EXPECT_EQ(gen_SIG_X509_Cert(cert.get(), key.get()), code) << row;
+    EXPECT_EQ(gen_SIG_X509_Cert(cert, key), code) << row;
     if (code) continue;
-    EXPECT_EQ(verify_SIG_X509_CERT(cert.get(), key.get()), 0) << row;
-    const Certificate back = read_certificate(hex(written(cert.get())));
+    EXPECT_EQ(verify_SIG_X509_CERT(cert, key), 0) << row;
+    const Certificate back = read_certificate(hex(written(cert)));
     ASSERT_TRUE(back) << row;
-    EXPECT_EQ(verify_SIG_X509_CERT(back.get(), get_X509_SPKI(back.get())->key), 0) << row;
+    EXPECT_EQ(verify_SIG_X509_CERT(back, get_X509_SPKI(back)->key), 0) << row;
     back->sig_value->data[back->sig_value->length - 1] ^= 1;
-    EXPECT_EQ(verify_SIG_X509_CERT(back.get(), key.get()), PKV_ERR_MISMATCH) << row;
+    EXPECT_EQ(verify_SIG_X509_CERT(back, key), PKV_ERR_MISMATCH) << row;
   }
 }
 
@@ -58,16 +58,16 @@ TEST_F(Certificates, StandardSigningUsesTheAlgorithmsDigest) {
     const std::string name = algorithm;
     const bool ec = name.find("10045") != name.npos, kc = name.find("410") != name.npos;
     const Certificate cert = unsigned_certificate(668, kc);
-    set_X509_signature(cert.get(), test::oid(name).get());
-    if (ec) set_X509_pub_key(cert.get(), public_half(ec_key.get()).get());
-    ASYMMETRIC_KEY *const key = ec ? ec_key.get() : kc ? kcdsa_private.get() : rsa_private.get();
-    ASSERT_EQ(gen_SIG_X509_Cert_RFC5280_ex(cert.get(), key, PKV_DIGEST_SHA384), 0) << name;
-    EXPECT_EQ(verify_SIG_X509_CERT_RFC5280(cert.get(), get_X509_SPKI(cert.get())), 0) << name;
-    EXPECT_EQ(gen_SIG_X509_Cert_RFC5280(cert.get(), (ec ? rsa_private : ec_key).get()),
+    set_X509_signature(cert, test::oid(name));
+    if (ec) set_X509_pub_key(cert, public_half(ec_key));
+    ASYMMETRIC_KEY *const key = ec ? ec_key : kc ? kcdsa_private : rsa_private;
+    ASSERT_EQ(gen_SIG_X509_Cert_RFC5280_ex(cert, key, PKV_DIGEST_SHA384), 0) << name;
+    EXPECT_EQ(verify_SIG_X509_CERT_RFC5280(cert, get_X509_SPKI(cert)), 0) << name;
+    EXPECT_EQ(gen_SIG_X509_Cert_RFC5280(cert, (ec ? rsa_private : ec_key)),
               F_GEN_RSASIGN_TBS_CERT | ERR_ALGORITHM_MISMATCH);
     if (kc) continue;
     int length = 0;
-    const unsigned char *der = get_X509_received(cert.get(), 0, &length);
+    const unsigned char *der = get_X509_received(cert, 0, &length);
     ASSERT_TRUE(write_file(temporary_path("signed.der"), der, size_t(length)));
     const std::string verify = "openssl x509 -inform DER -in " + temporary_path("signed.der") + " -out " +
                                temporary_path("signed.pem") + " && openssl verify -check_ss_sig -CAfile " +
@@ -79,14 +79,14 @@ TEST_F(Certificates, StandardSigningUsesTheAlgorithmsDigest) {
 TEST_F(Certificates, OtherKeysFailPlainly) {
   const Certificate cert = unsigned_certificate(840, false);
   const Owned<ASYMMETRIC_KEY> empty(new_ASYMMETRIC_KEY());
-  EXPECT_EQ(gen_SIG_X509_Cert(cert.get(), empty.get()), 1);
-  EXPECT_EQ(gen_SIG_X509_Cert(cert.get(), nullptr), 1);
-  EXPECT_EQ(verify_SIG_X509_CERT(cert.get(), empty.get()), 1);
-  EXPECT_EQ(verify_RSA_SIG_X509_CERT(cert.get(), nullptr), F_VERIFY_RSASIGN_TBS_CERT | 0x49);
+  EXPECT_EQ(gen_SIG_X509_Cert(cert, empty), 1);
+  EXPECT_EQ(gen_SIG_X509_Cert(cert, nullptr), 1);
+  EXPECT_EQ(verify_SIG_X509_CERT(cert, empty), 1);
+  EXPECT_EQ(verify_RSA_SIG_X509_CERT(cert, nullptr), F_VERIFY_RSASIGN_TBS_CERT | 0x49);
   EXPECT_EQ(verify_KCDSA_SIG_X509_CERT(nullptr, kcdsa_key()), F_VERIFY_KCDSASIGN_TBS_CERT | 0x49);
-  EXPECT_EQ(check_X509_keypair(cert.get(), rsa().get()), 0);
-  EXPECT_EQ(check_X509_keypair(cert.get(), kcdsa().get()), 1);
-  EXPECT_EQ(check_X509_keypair(cert.get(), nullptr), 1);
+  EXPECT_EQ(check_X509_keypair(cert, rsa()), 0);
+  EXPECT_EQ(check_X509_keypair(cert, kcdsa()), 1);
+  EXPECT_EQ(check_X509_keypair(cert, nullptr), 1);
 }
 
 TEST_F(Certificates, MissingFieldsHaveTheirCodes) {
@@ -97,30 +97,30 @@ TEST_F(Certificates, MissingFieldsHaveTheirCodes) {
   const Certificate cert(new_X509_CERT()), whole = unsigned_certificate(668, false);
   X509_TBS_CERT &tbs = *cert->tbs;
   const int f = F_X509_TBS_CERT_TO_SEQ;
-  EXPECT_EQ(code(cert.get()), f | ERR_TBS_CERT_SERIAL);
+  EXPECT_EQ(code(cert), f | ERR_TBS_CERT_SERIAL);
   tbs.serialNumber = PKV_Dup_BIGINT(whole->tbs->serialNumber);
-  EXPECT_EQ(code(cert.get()), f | ERR_TBS_CERT_SIGNATURE);
+  EXPECT_EQ(code(cert), f | ERR_TBS_CERT_SIGNATURE);
   tbs.signature = dup_ASN1_STRING(whole->tbs->signature);
-  EXPECT_EQ(code(cert.get()), f | ERR_TBS_CERT_ISSUER);
+  EXPECT_EQ(code(cert), f | ERR_TBS_CERT_ISSUER);
   tbs.issuer = dup_X509_NAME(whole->tbs->issuer);
-  EXPECT_EQ(code(cert.get()), f | ERR_TBS_CERT_VALIDITY);
+  EXPECT_EQ(code(cert), f | ERR_TBS_CERT_VALIDITY);
   tbs.notBefore = dup_X509_TIME(whole->tbs->notBefore);
   tbs.notAfter = dup_X509_TIME(whole->tbs->notAfter);
-  EXPECT_EQ(code(cert.get()), f | ERR_TBS_CERT_SUBJECT);
+  EXPECT_EQ(code(cert), f | ERR_TBS_CERT_SUBJECT);
   tbs.subject = dup_X509_NAME(whole->tbs->subject);
-  EXPECT_EQ(code(cert.get()), f | ERR_TBS_CERT_SPKI);
+  EXPECT_EQ(code(cert), f | ERR_TBS_CERT_SPKI);
   tbs.subjectPublicKeyInfo = dup_X509_PUBKEY(whole->tbs->subjectPublicKeyInfo);
-  EXPECT_EQ(code(cert.get()), F_X509_CERT_TO_SEQ | ERR_ASN1_ENCODING);
+  EXPECT_EQ(code(cert), F_X509_CERT_TO_SEQ | ERR_ASN1_ENCODING);
   tbs.notAfter->type = 7;
-  EXPECT_EQ(code(cert.get()), f | ERR_ASN1_ENCODING);
+  EXPECT_EQ(code(cert), f | ERR_ASN1_ENCODING);
   tbs.notAfter->type = X509_TIME_UTC;
   set_ASN1_STRING_value(tbs.signature, 6, reinterpret_cast<const unsigned char *>("1.2."), 4);
-  EXPECT_EQ(code(cert.get()), f | 0x3C);
-  EXPECT_EQ(set_X509_version(cert.get(), 3), F_SET_X509_VERSION | 0x2B);
-  EXPECT_EQ(set_X509_notAfter(cert.get(), nullptr), F_SET_X509_NOTAFTER | 0x49);
-  clean_X509_CERT(cert.get());
-  EXPECT_EQ(set_X509_version(cert.get(), 1), 0);
-  EXPECT_EQ(get_X509_version(cert.get()), 1);
+  EXPECT_EQ(code(cert), f | 0x3C);
+  EXPECT_EQ(set_X509_version(cert, 3), F_SET_X509_VERSION | 0x2B);
+  EXPECT_EQ(set_X509_notAfter(cert, nullptr), F_SET_X509_NOTAFTER | 0x49);
+  clean_X509_CERT(cert);
+  EXPECT_EQ(set_X509_version(cert, 1), 0);
+  EXPECT_EQ(get_X509_version(cert), 1);
 }
 
 TEST(CertificateCodec, WhatIsReadAndWhatIsRefused) {
@@ -132,25 +132,25 @@ TEST(CertificateCodec, WhatIsReadAndWhatIsRefused) {
     const Bytes der = parts.der();
     const Certificate house = read_certificate(der, &code);
     EXPECT_EQ(code, code_at(row, "house")) << why;
-    if (house) EXPECT_EQ(written(house.get()) == to_hex(der), row.at("same") == "yes") << why;
+    if (house) EXPECT_EQ(written(house) == to_hex(der), row.at("same") == "yes") << why;
     const Certificate standard = read_certificate_RFC5280(der, &code);
     EXPECT_EQ(code, code_at(row, "standard")) << why;
-    if (standard) EXPECT_EQ(hex_of(X509_CERT_to_Seq_RFC5280, standard.get()), to_hex(der)) << why;
+    if (standard) EXPECT_EQ(hex_of(X509_CERT_to_Seq_RFC5280, standard), to_hex(der)) << why;
   }
-  EXPECT_EQ(Seq_to_X509_TBS_CERT(unit("0400").get(), std::make_unique<X509_TBS_CERT *>().get()),
+  EXPECT_EQ(Seq_to_X509_TBS_CERT(unit("0400"), std::make_unique<X509_TBS_CERT *>().get()),
             F_SEQ_TO_X509_TBS_CERT | 0x2B);
 }
 
 // Octets that were never signed: the house verification does not see them, the standard one does.
 TEST_F(Certificates, UnsignedChangesAndBothVerifications) {
   const Certificate cert = unsigned_certificate(668, false);
-  ASSERT_EQ(gen_SIG_X509_Cert(cert.get(), rsa().get()), 0);
-  const Bytes der = hex(written(cert.get()));
+  ASSERT_EQ(gen_SIG_X509_Cert(cert, rsa()), 0);
+  const Bytes der = hex(written(cert));
   const auto verify_both = [&](const Bytes &octets) {
     const Certificate house = read_certificate(octets), standard = read_certificate_RFC5280(octets);
-    const Owned<X509_PUBKEY> issuer(dup_X509_PUBKEY(get_X509_SPKI(cert.get())));
-    return std::pair(house ? verify_SIG_X509_CERT(house.get(), rsa().get()) : -1,
-                     standard ? verify_SIG_X509_CERT_RFC5280(standard.get(), issuer.get()) : -1);
+    const Owned<X509_PUBKEY> issuer(dup_X509_PUBKEY(get_X509_SPKI(cert)));
+    return std::pair(house ? verify_SIG_X509_CERT(house, rsa()) : -1,
+                     standard ? verify_SIG_X509_CERT_RFC5280(standard, issuer) : -1);
   };
   EXPECT_EQ(verify_both(der), std::pair(0, 0));
   Bytes serial = der;  // the serial number's identifier stands behind the version
@@ -171,13 +171,13 @@ TEST_F(Certificates, UnsignedChangesAndBothVerifications) {
 TEST_F(Certificates, SettersDropWhatWasReceived) {
   const Certificate cert = read_certificate(CertificateParts().der());
   int length = 0;
-  ASSERT_TRUE(get_X509_received(cert.get(), 1, &length));
-  EXPECT_EQ(to_hex(get_X509_received(cert.get(), 1, nullptr), size_t(length)), to_hex(CertificateParts().tbs()));
-  const Certificate copy(dup_X509_CERT(cert.get()));
-  EXPECT_EQ(set_X509_serial(cert.get(), get_X509_serial(cert.get())), 0);  // a member may be set to itself
-  EXPECT_EQ(get_X509_received(cert.get(), 0, &length), nullptr);
+  ASSERT_TRUE(get_X509_received(cert, 1, &length));
+  EXPECT_EQ(to_hex(get_X509_received(cert, 1, nullptr), size_t(length)), to_hex(CertificateParts().tbs()));
+  const Certificate copy(dup_X509_CERT(cert));
+  EXPECT_EQ(set_X509_serial(cert, get_X509_serial(cert)), 0);  // a member may be set to itself
+  EXPECT_EQ(get_X509_received(cert, 0, &length), nullptr);
   EXPECT_EQ(length, 0);
-  EXPECT_TRUE(get_X509_received(copy.get(), 0, &length));
+  EXPECT_TRUE(get_X509_received(copy, 0, &length));
 }
 
 TEST(CertificateValidity, BoundsByBothRules) {
@@ -188,29 +188,28 @@ TEST(CertificateValidity, BoundsByBothRules) {
     for (const Row &row : table("certificate_validity")) {
       const std::string &now = row.at("now");
       const Certificate cert = read_certificate(parts.der());
-      EXPECT_EQ(verify_X509_validity(cert.get(), time(now.c_str()).get()), code_at(row, "house")) << zone << now;
-      EXPECT_EQ(verify_X509_validity_RFC5280(cert.get(), time(now.c_str()).get()), code_at(row, "standard"))
-          << zone << now;
-      EXPECT_EQ(verify_X509_validity(cert.get(), nullptr), 0);
+      EXPECT_EQ(verify_X509_validity(cert, time(now.c_str())), code_at(row, "house")) << zone << now;
+      EXPECT_EQ(verify_X509_validity_RFC5280(cert, time(now.c_str())), code_at(row, "standard")) << zone << now;
+      EXPECT_EQ(verify_X509_validity(cert, nullptr), 0);
     }
   }
   unsetenv("TZ");
   const Certificate cert = read_certificate(parts.der());
   X509_TIME odd{7, nullptr};
-  EXPECT_EQ(verify_X509_validity(cert.get(), &odd), f | ERR_INVALID_X509_TIME_TYPE);
+  EXPECT_EQ(verify_X509_validity(cert, &odd), f | ERR_INVALID_X509_TIME_TYPE);
   EXPECT_EQ(verify_X509_validity(nullptr, nullptr), f | 0x49);
   free_X509_TIME(cert->tbs->notBefore);
   cert->tbs->notBefore = nullptr;
-  EXPECT_EQ(verify_X509_validity(cert.get(), nullptr), 0);
-  EXPECT_EQ(verify_X509_validity_RFC5280(cert.get(), nullptr), f | ERR_CERT_NOT_BEFORE);
+  EXPECT_EQ(verify_X509_validity(cert, nullptr), 0);
+  EXPECT_EQ(verify_X509_validity_RFC5280(cert, nullptr), f | ERR_CERT_NOT_BEFORE);
 }
 
 TEST_F(Certificates, OpensslTakesThem) {
   const Certificate cert = unsigned_certificate(668, false);
-  set_X509_version(cert.get(), 2);
-  ASSERT_EQ(gen_SIG_X509_Cert(cert.get(), rsa().get()), 0);
+  set_X509_version(cert, 2);
+  ASSERT_EQ(gen_SIG_X509_Cert(cert, rsa()), 0);
   const std::string path = temporary_path("own.pem"), key = temporary_path("own.key");
-  ASSERT_GT(writePEM_X509_CERT_to_FILE(cert.get(), path.c_str()), 1);
+  ASSERT_GT(writePEM_X509_CERT_to_FILE(cert, path.c_str()), 1);
   const std::string shown =
       run("openssl x509 -in " + path + " -noout -subject -serial -dates -fingerprint -sha256 2>&1");
   for (const char *part : {"CN = velPKI", "serial=80", "notAfter=Jan  1 00:00:00 2050 GMT", "sha256 Fingerprint="})
@@ -219,16 +218,14 @@ TEST_F(Certificates, OpensslTakesThem) {
   // And the other way: a certificate and its public key file by openssl.
   run("openssl req -x509 -newkey rsa:1024 -nodes -keyout " + key + " -out " + path +
       " -subj /O=peer/CN=other -days 3 2>&1");
-  X509_CERT *peer = nullptr;
+  Certificate peer;
   ASSERT_EQ(readPEM_X509_CERT_from_File(&peer, path.c_str()), 0);
-  const Certificate owner(peer);
   EXPECT_EQ(verify_SIG_X509_CERT(peer, get_X509_SPKI(peer)->key), 0);
   const String subject(dup_ASN1_STRING(get_X509_NAME_CHILD_data(get_X509_NAME_CHILD(get_X509_subject(peer), 1))));
-  EXPECT_EQ(text_of(subject.get()), "other");
-  char *pem = nullptr;
+  EXPECT_EQ(text_of(subject), "other");
+  Owned<char> pem;
   ASSERT_GT(writePEM_X509_PUBKEY_to_Binary(get_X509_SPKI(peer), &pem), 1);
   EXPECT_EQ(std::string(pem), run("openssl rsa -in " + key + " -pubout 2>/dev/null"));
-  PKV_Free(pem, __FILE__, __LINE__);
 }
 
 TEST(CertificateLists, SearchAndPair) {
@@ -236,19 +233,18 @@ TEST(CertificateLists, SearchAndPair) {
   CertificateParts other;
   other.serial = TLV(0x02, "06");
   const Certificate a = read_certificate(CertificateParts().der()), b = read_certificate(other.der());
-  EXPECT_EQ(add_X509_CERTIFICATES(list, a.get()), 0);
-  EXPECT_EQ(get_X509_CERTS_index_by_X509_CERT(list, b.get()), -1);
-  EXPECT_EQ(add_X509_CERTIFICATES(list, b.get()), 0);
-  EXPECT_EQ(get_X509_CERTS_index_by_X509_CERT(list, b.get()), 1);
-  EXPECT_EQ(add_X509_CERTIFICATES(nullptr, b.get()), 1);
-  ISSUER_AND_SERIAL_NUMBER *wanted = nullptr;
-  ASSERT_EQ(Seq_to_ISSUER_AND_SERIAL_NUMBER(unit(TLV(0x30, other.issuer + other.serial)).get(), &wanted), 0);
+  EXPECT_EQ(add_X509_CERTIFICATES(list, a), 0);
+  EXPECT_EQ(get_X509_CERTS_index_by_X509_CERT(list, b), -1);
+  EXPECT_EQ(add_X509_CERTIFICATES(list, b), 0);
+  EXPECT_EQ(get_X509_CERTS_index_by_X509_CERT(list, b), 1);
+  EXPECT_EQ(add_X509_CERTIFICATES(nullptr, b), 1);
+  Owned<ISSUER_AND_SERIAL_NUMBER> wanted;
+  ASSERT_EQ(Seq_to_ISSUER_AND_SERIAL_NUMBER(unit(TLV(0x30, other.issuer + other.serial)), &wanted), 0);
   EXPECT_EQ(find_X509_CERT_by_IssuerAndSerialNumber(list, wanted), get_STACK_value(list, 1));
-  EXPECT_EQ(cmp_ISSUER_AND_SERIAL_NUMBER(a.get(), wanted), -1);
+  EXPECT_EQ(cmp_ISSUER_AND_SERIAL_NUMBER(a, wanted), -1);
   EXPECT_EQ(find_X509_CERT_by_IssuerAndSerialNumber(list, nullptr), nullptr);
   X509_CERT_PAIR *pair = nullptr;
-  EXPECT_EQ(Seq_to_X509_CERT_PAIR(unit("3000").get(), &pair), F_SEQ_TO_X509_CERT_PAIR | ERR_ASN1_DECODING);
-  free_ISSUER_AND_SERIAL_NUMBER(wanted);
+  EXPECT_EQ(Seq_to_X509_CERT_PAIR(unit("3000"), &pair), F_SEQ_TO_X509_CERT_PAIR | ERR_ASN1_DECODING);
   free_X509_CERTIFICATES(list);
 }
 
@@ -256,7 +252,7 @@ TEST(CertificatePrinting, ShowsHostileTextAsOctets) {
   CertificateParts parts;
   parts.subject = TLV(0x30, TLV(0x31, TLV(0x30, TLV(0x06, "550403") + TLV(0x0C, "411b5b324a0a25730a"))));
   const Certificate cert = read_certificate(parts.der());
-  const std::string out = captured_stdout([&] { print_X509(cert.get()); });
+  const std::string out = captured_stdout([&] { print_X509(cert); });
   EXPECT_NE(out.find("  - CN=A\\x1B[2J\\x0A%s\\x0A\n"), out.npos) << out;
   EXPECT_EQ(out.find('\x1b'), out.npos);
   for (const char *line : {"+ Version : 02\n+ Serial : 05\n", "+ Validity\n  -  notBefore : 260101000000Z\n",

@@ -3,7 +3,8 @@
 #include <functional>
 #include <thread>
 
-#include "keys.h"
+#include "samples.h"
+#include "support/keys.h"
 
 using namespace test;
 
@@ -11,7 +12,7 @@ namespace {
 
 Number serial(unsigned value) {
   Number n(PKV_New_BIGINT());
-  PKV_Set_BIGINT_Word(n.get(), value);
+  PKV_Set_BIGINT_Word(n, value);
   return n;
 }
 Owned<X509_TIME> time_of(std::string_view text) {
@@ -22,8 +23,8 @@ Owned<X509_TIME> time_of(std::string_view text) {
 }
 Owned<X509_REVOKED> new_entry(unsigned number, std::string_view date = "250101000000Z") {
   Owned<X509_REVOKED> entry(new_X509_REVOKED());
-  EXPECT_EQ(set_X509_REVOKED_userCert(entry.get(), serial(number).get()), 0);
-  EXPECT_EQ(set_X509_REVOKED_revocationDate(entry.get(), time_of(date).get()), 0);
+  EXPECT_EQ(set_X509_REVOKED_userCert(entry, serial(number)), 0);
+  EXPECT_EQ(set_X509_REVOKED_revocationDate(entry, time_of(date)), 0);
   return entry;
 }
 // A list of `count` entries with the numbers 0, 3, 6 ... by `decode`, and then 3 again.
@@ -39,7 +40,7 @@ Bytes long_list(unsigned count) {
   parts.revoked = TLV(0x30, parts.entries);
   return parts.der();
 }
-X509_REVOKED *at(const Crl &crl, int index) { return get_X509_REVOKED(get_X509_CRL_revoked(crl.get()), index); }
+X509_REVOKED *at(const Crl &crl, int index) { return get_X509_REVOKED(get_X509_CRL_revoked(crl), index); }
 unsigned number_of(const X509_REVOKED *entry) { return PKV_Get_BIGINT_Word(get_X509_REVOKED_userCert(entry)); }
 
 TEST(Crl, BothFormsOfEachPart) {
@@ -50,8 +51,8 @@ TEST(Crl, BothFormsOfEachPart) {
     const Crl plain = read_crl(parts.der(), &house_code), crl = read_crl_RFC5280(parts.der(), &code);
     EXPECT_EQ(house_code, code_at(row, "house")) << row.at("what");
     EXPECT_EQ(code, code_at(row, "standard")) << row.at("what");
-    if (plain) EXPECT_EQ(get_X509_CRL_ext_count(plain.get()), number_in(row, "house_extensions")) << row.at("what");
-    if (crl) EXPECT_EQ(get_X509_CRL_ext_count(crl.get()), number_in(row, "standard_extensions")) << row.at("what");
+    if (plain) EXPECT_EQ(get_X509_CRL_ext_count(plain), number_in(row, "house_extensions")) << row.at("what");
+    if (crl) EXPECT_EQ(get_X509_CRL_ext_count(crl), number_in(row, "standard_extensions")) << row.at("what");
     for (const Crl *each : {&plain, &crl}) {
       const STACK *list = get_X509_CRL_revoked(each->get());
       if (*each) EXPECT_EQ(list ? get_X509_REVOKED_count(list) : 0, number_in(row, "entries")) << row.at("what");
@@ -65,11 +66,11 @@ TEST(Crl, SerialNumbersInBothForms) {
   const Crl plain = read_crl(parts.der()), crl = read_crl_RFC5280(parts.der());
   const char *const magnitudes[][2] = {{"80", "80"}, {"80", "80"}, {"ff7f", "81"}, {"", ""}};
   for (int i = 0; i < 4; ++i) {
-    EXPECT_EQ(PKV_Cmp_BIGINT(at(plain, i)->userCertificate, number(magnitudes[i][0]).get()), 0) << i;
+    EXPECT_EQ(PKV_Cmp_BIGINT(at(plain, i)->userCertificate, number(magnitudes[i][0])), 0) << i;
     const Number expected = number(magnitudes[i][1]);
-    PKV_Set_BIGINT_Negative(expected.get(), i == 0 || i == 2);
-    EXPECT_EQ(PKV_Cmp_BIGINT(at(crl, i)->userCertificate, expected.get()), 0) << i;
-    EXPECT_EQ(find_X509_CRL_revoked(crl.get(), expected.get()), at(crl, i));
+    PKV_Set_BIGINT_Negative(expected, i == 0 || i == 2);
+    EXPECT_EQ(PKV_Cmp_BIGINT(at(crl, i)->userCertificate, expected), 0) << i;
+    EXPECT_EQ(find_X509_CRL_revoked(crl, expected), at(crl, i));
   }
 }
 
@@ -78,7 +79,7 @@ TEST(Crl, EncodersRefuseWhatIsMissing) {
   constexpr int kInfo = F_X509_CRLINFO_TO_SEQ | ERR_ASN1_ENCODING, kEntry = F_X509_REVOKED_TO_SEQ | ERR_ASN1_ENCODING;
   const Crl whole = read_crl(CrlParts().der());
   X509_CRL_INFO *tbs = whole->tbs;
-  ASN1_UNIT *out = nullptr;
+  Unit out;
   const auto without = [&](auto *X509_CRL_INFO::*member) {
     const auto held = std::exchange(tbs->*member, nullptr);
     const int code = X509_CRL_INFO_to_Seq(tbs, &out);
@@ -92,49 +93,46 @@ TEST(Crl, EncodersRefuseWhatIsMissing) {
   EXPECT_EQ(X509_CRL_INFO_to_Seq(nullptr, &out), F_X509_CRLINFO_TO_SEQ | 0x49);
   for (const int choice : {2, -1}) {
     at(whole, 1)->revocationDate->type = choice;
-    EXPECT_EQ(X509_CRL_to_Seq(whole.get(), &out), kEntry);
+    EXPECT_EQ(X509_CRL_to_Seq(whole, &out), kEntry);
     at(whole, 1)->revocationDate->type = 0;
   }
   clean_X509_REVOKED(at(whole, 0));
-  EXPECT_EQ(X509_CRL_to_Seq(whole.get(), &out), kEntry);
+  EXPECT_EQ(X509_CRL_to_Seq(whole, &out), kEntry);
   const Crl fresh(new_X509_CRL());
-  EXPECT_EQ(X509_CRL_to_Seq(fresh.get(), &out), kInfo);
-  STACK *none = new_STACK();
+  EXPECT_EQ(X509_CRL_to_Seq(fresh, &out), kInfo);
+  const Owned<STACK, free_X509_CRLS> none(new_STACK());
   EXPECT_EQ(X509_REVOKED_to_Seq(none, &out), F_X509_REVOKED_TO_SEQ | 0x2B);
   EXPECT_EQ(X509_CRLS_to_Seq(none, &out), 0);
   EXPECT_EQ(flat(out), "3000");
-  free_X509_CRLS(none);
-  X509_CRLS *read = nullptr;
+  Owned<STACK, free_X509_CRLS> read;
   EXPECT_EQ(Seq_to_X509_CRLS(out, &read), 0);
   EXPECT_EQ(get_STACK_count(read), 0);
-  free_X509_CRLS(read);
-  free_ASN1_UNIT(out);
 }
 
 // A list that is built: its octets in house form, v1 with its version, and in standard form without.
 TEST(Crl, BuiltByTheFunctions) {
   const CrlParts parts;
   const Crl model = read_crl(parts.der()), crl(new_X509_CRL());
-  EXPECT_EQ(set_X509_CRL_signature(crl.get(), model->tbs->signature), 0);
-  EXPECT_EQ(set_X509_CRL_issuer(crl.get(), model->tbs->issuer), 0);
-  EXPECT_EQ(set_X509_CRL_thisUpdate(crl.get(), model->tbs->thisUpdate), 0);
-  EXPECT_EQ(set_X509_CRL_nextUpdate(crl.get(), model->tbs->nextUpdate), 0);
-  EXPECT_EQ(set_X509_CRL_sig_alg(crl.get(), model->sig_alg), 0);
-  EXPECT_EQ(set_X509_CRL_sig_value(crl.get(), model->sig_value), 0);
-  for (int i = 0; i < 3; ++i) EXPECT_EQ(add_X509_CRL_revoked(crl.get(), at(model, i)), 0);
-  EXPECT_EQ(add_X509_CRL_ext(crl.get(), get_X509_CRL_ext(model.get(), 0), -1), 0);
+  EXPECT_EQ(set_X509_CRL_signature(crl, model->tbs->signature), 0);
+  EXPECT_EQ(set_X509_CRL_issuer(crl, model->tbs->issuer), 0);
+  EXPECT_EQ(set_X509_CRL_thisUpdate(crl, model->tbs->thisUpdate), 0);
+  EXPECT_EQ(set_X509_CRL_nextUpdate(crl, model->tbs->nextUpdate), 0);
+  EXPECT_EQ(set_X509_CRL_sig_alg(crl, model->sig_alg), 0);
+  EXPECT_EQ(set_X509_CRL_sig_value(crl, model->sig_value), 0);
+  for (int i = 0; i < 3; ++i) EXPECT_EQ(add_X509_CRL_revoked(crl, at(model, i)), 0);
+  EXPECT_EQ(add_X509_CRL_ext(crl, get_X509_CRL_ext(model, 0), -1), 0);
   CrlParts v1 = parts;
   for (const bool named : {true, false}) {
     v1.version = named ? TLV(0x02, "00") : Bytes();
-    EXPECT_EQ(hex_of(named ? X509_CRL_to_Seq : X509_CRL_to_Seq_RFC5280, crl.get()), to_hex(v1.der()));
+    EXPECT_EQ(hex_of(named ? X509_CRL_to_Seq : X509_CRL_to_Seq_RFC5280, crl), to_hex(v1.der()));
   }
-  EXPECT_EQ(set_X509_CRL_version(crl.get(), 1), 0);
-  EXPECT_EQ(hex_of(X509_CRL_to_Seq_RFC5280, crl.get()), to_hex(parts.der()));
-  EXPECT_EQ(set_X509_CRL_version(crl.get(), 2), 1);
+  EXPECT_EQ(set_X509_CRL_version(crl, 1), 0);
+  EXPECT_EQ(hex_of(X509_CRL_to_Seq_RFC5280, crl), to_hex(parts.der()));
+  EXPECT_EQ(set_X509_CRL_version(crl, 2), 1);
   EXPECT_EQ(get_X509_CRL_version(nullptr), -1);
   EXPECT_EQ(get_X509_CRL_ext_count(nullptr), -1);
   EXPECT_EQ(sort_X509_CRL_revoked(nullptr), 1);
-  EXPECT_EQ(sort_X509_CRL_revoked(crl.get()), 0);
+  EXPECT_EQ(sort_X509_CRL_revoked(crl), 0);
   for (int i = 0; i < 3; ++i) EXPECT_EQ(at(crl, i)->sequence, i);
   EXPECT_EQ(number_of(at(crl, 0)), 0u);
   EXPECT_EQ(number_of(at(crl, 2)), 0x80u);
@@ -145,7 +143,7 @@ TEST(Crl, ChangesDropWhatIsKept) {
   const Bytes der = long_list(40);
   const Owned<X509_REVOKED> entry = new_entry(1);
   const Crl other = read_crl_RFC5280(CrlParts().der());
-  const X509_EXTENSION *extension = get_X509_CRL_ext(other.get(), 0);
+  const X509_EXTENSION *extension = get_X509_CRL_ext(other, 0);
   const std::function<void(X509_CRL *, X509_REVOKED *)> changes[] = {
       [](X509_CRL *c, X509_REVOKED *) { set_X509_CRL_version(c, 0); },
       [&](X509_CRL *c, X509_REVOKED *) { set_X509_CRL_issuer(c, other->tbs->issuer); },
@@ -153,12 +151,12 @@ TEST(Crl, ChangesDropWhatIsKept) {
       [&](X509_CRL *c, X509_REVOKED *) { set_X509_CRL_sig_value(c, other->sig_value); },
       [&](X509_CRL *c, X509_REVOKED *) { add_X509_CRL_ext(c, extension, 0); },
       [](X509_CRL *c, X509_REVOKED *) { remove_X509_CRL_ext(c, 0); },
-      [&](X509_CRL *c, X509_REVOKED *) { add_X509_CRL_revoked(c, entry.get()); },
-      [&](X509_CRL *c, X509_REVOKED *) { add_X509_REVOKED_child(&c->tbs->revoked, entry.get(), 2); },
+      [&](X509_CRL *c, X509_REVOKED *) { add_X509_CRL_revoked(c, entry); },
+      [&](X509_CRL *c, X509_REVOKED *) { add_X509_REVOKED_child(&c->tbs->revoked, entry, 2); },
       [](X509_CRL *c, X509_REVOKED *) { remove_X509_CRL_revoked(c, 5); },
       [](X509_CRL *c, X509_REVOKED *) { sort_X509_CRL_revoked(c); },
-      [](X509_CRL *, X509_REVOKED *e) { set_X509_REVOKED_userCert(e, serial(1).get()); },
-      [](X509_CRL *, X509_REVOKED *e) { set_X509_REVOKED_revocationDate(e, time_of("260101000000Z").get()); },
+      [](X509_CRL *, X509_REVOKED *e) { set_X509_REVOKED_userCert(e, serial(1)); },
+      [](X509_CRL *, X509_REVOKED *e) { set_X509_REVOKED_revocationDate(e, time_of("260101000000Z")); },
       [&](X509_CRL *, X509_REVOKED *e) { add_X509_REVOKED_ext(e, extension, 0); },
       [](X509_CRL *, X509_REVOKED *e) { remove_X509_REVOKED_ext(e, 0); },
       [](X509_CRL *, X509_REVOKED *e) { clean_X509_REVOKED(e); },
@@ -167,22 +165,22 @@ TEST(Crl, ChangesDropWhatIsKept) {
   for (const auto &change : changes) {
     for (const bool copied : {false, true}) {
       Crl crl = read_crl_RFC5280(der);
-      if (copied) crl.reset(dup_X509_CRL(crl.get()));
+      if (copied) crl.reset(dup_X509_CRL(crl));
       int length = 0;
-      EXPECT_EQ(find_X509_CRL_revoked(crl.get(), serial(9).get()), at(crl, 3));
-      EXPECT_EQ(find_X509_CRL_revoked(crl.get(), serial(1).get()), nullptr);
-      EXPECT_NE(get_X509_CRL_received(crl.get(), 0, &length), nullptr);
+      EXPECT_EQ(find_X509_CRL_revoked(crl, serial(9)), at(crl, 3));
+      EXPECT_EQ(find_X509_CRL_revoked(crl, serial(1)), nullptr);
+      EXPECT_NE(get_X509_CRL_received(crl, 0, &length), nullptr);
       EXPECT_EQ(size_t(length), der.size());
-      change(crl.get(), at(crl, 3));
-      EXPECT_EQ(get_X509_CRL_received(crl.get(), 0, &length), nullptr) << which;
+      change(crl, at(crl, 3));
+      EXPECT_EQ(get_X509_CRL_received(crl, 0, &length), nullptr) << which;
       // The answer is that of a walk.
       const auto walked = [&](unsigned n) {
         for (int i = 0; i < get_X509_REVOKED_count(crl->tbs->revoked); ++i)
-          if (PKV_Cmp_BIGINT(get_X509_REVOKED_userCert(at(crl, i)), serial(n).get()) == 0) return at(crl, i);
+          if (PKV_Cmp_BIGINT(get_X509_REVOKED_userCert(at(crl, i)), serial(n)) == 0) return at(crl, i);
         return static_cast<X509_REVOKED *>(nullptr);
       };
       for (const unsigned n : {0, 1, 3, 9, 15, 117, 118})
-        EXPECT_EQ(find_X509_CRL_revoked(crl.get(), serial(n).get()), walked(n)) << which << " " << n;
+        EXPECT_EQ(find_X509_CRL_revoked(crl, serial(n)), walked(n)) << which << " " << n;
     }
     ++which;
   }
@@ -200,7 +198,7 @@ TEST(Crl, EntriesOfOneBlockAreIndependent) {
   EXPECT_EQ(get_X509_REVOKED_ext_count(at(crl, 11)), 1);
   // Dates longer than usual, set to themselves, and back.
   for (const char *date : {"2501010000+0900", "20250101000000.123456Z", "250101000000Z"}) {
-    EXPECT_EQ(set_X509_REVOKED_revocationDate(at(crl, 2), time_of(date).get()), 0);
+    EXPECT_EQ(set_X509_REVOKED_revocationDate(at(crl, 2), time_of(date)), 0);
     EXPECT_EQ(set_X509_REVOKED_revocationDate(at(crl, 2), at(crl, 2)->revocationDate), 0);
     EXPECT_EQ(text_of(at(crl, 2)->revocationDate->time), date);
   }
@@ -209,13 +207,13 @@ TEST(Crl, EntriesOfOneBlockAreIndependent) {
   // One is taken out and outlives the rest.
   Owned<X509_REVOKED> out(static_cast<X509_REVOKED *>(remove_STACK_value(crl->tbs->revoked, 9)));
   crl.reset();
-  EXPECT_EQ(number_of(out.get()), 27u);
+  EXPECT_EQ(number_of(out), 27u);
   EXPECT_EQ(text_of(out->revocationDate->time), "250101000000Z");
-  EXPECT_EQ(get_X509_REVOKED_CRLreason_strict(out.get()), 4);
-  const Owned<X509_REVOKED> copy(dup_X509_REVOKED(out.get()));
+  EXPECT_EQ(get_X509_REVOKED_CRLreason_strict(out), 4);
+  const Owned<X509_REVOKED> copy(dup_X509_REVOKED(out));
   out.reset();
-  EXPECT_EQ(number_of(copy.get()), 27u);
-  EXPECT_EQ(get_X509_REVOKED_CRLreason_strict(copy.get()), 4);
+  EXPECT_EQ(number_of(copy), 27u);
+  EXPECT_EQ(get_X509_REVOKED_CRLreason_strict(copy), 4);
 }
 
 TEST(Crl, ReasonCodes) {
@@ -223,14 +221,14 @@ TEST(Crl, ReasonCodes) {
     const std::string &octets = row.at("value");
     const Owned<X509_REVOKED> entry = new_entry(1);
     const String value = string(TYPE_OCTET_STRING, hex(octets)), kind = oid("2.5.29.21"), other = oid("2.5.29.24");
-    const Owned<X509_EXTENSION> extension(create_X509_EXTENSION_by_OID(nullptr, kind.get(), 0, value.get())),
-        before(create_X509_EXTENSION_by_OID(nullptr, other.get(), 0, value.get()));
-    EXPECT_EQ(get_X509_REVOKED_CRLreason_strict(entry.get()), -1);
-    EXPECT_EQ(add_X509_REVOKED_ext(entry.get(), before.get(), -1), 0);
-    EXPECT_EQ(add_X509_REVOKED_ext(entry.get(), extension.get(), -1), 0);
-    EXPECT_EQ(get_X509_REVOKED_CRLreason(entry.get(), 1), number_in(row, "plain")) << octets;
-    EXPECT_EQ(get_X509_REVOKED_CRLreason_strict(entry.get()), number_in(row, "strict")) << octets;
-    for (const int elsewhere : {-1, 0, 2}) EXPECT_EQ(get_X509_REVOKED_CRLreason(entry.get(), elsewhere), 0);
+    const Owned<X509_EXTENSION> extension(create_X509_EXTENSION_by_OID(nullptr, kind, 0, value)),
+        before(create_X509_EXTENSION_by_OID(nullptr, other, 0, value));
+    EXPECT_EQ(get_X509_REVOKED_CRLreason_strict(entry), -1);
+    EXPECT_EQ(add_X509_REVOKED_ext(entry, before, -1), 0);
+    EXPECT_EQ(add_X509_REVOKED_ext(entry, extension, -1), 0);
+    EXPECT_EQ(get_X509_REVOKED_CRLreason(entry, 1), number_in(row, "plain")) << octets;
+    EXPECT_EQ(get_X509_REVOKED_CRLreason_strict(entry), number_in(row, "strict")) << octets;
+    for (const int elsewhere : {-1, 0, 2}) EXPECT_EQ(get_X509_REVOKED_CRLreason(entry, elsewhere), 0);
   }
 }
 
@@ -239,7 +237,7 @@ TEST(Crl, LookUps) {
   const Crl crl = read_crl_RFC5280(long_list(kEntries));
   // Without memory for the index the list is walked, and nothing is missed.
   fail_allocation(0);
-  EXPECT_EQ(number_of(find_X509_CRL_revoked(crl.get(), at(crl, 900)->userCertificate)), 2700u);
+  EXPECT_EQ(number_of(find_X509_CRL_revoked(crl, at(crl, 900)->userCertificate)), 2700u);
   fail_allocation(-1);
   // The first look-ups at the same time.
   std::vector<std::thread> threads;
@@ -247,7 +245,7 @@ TEST(Crl, LookUps) {
   for (int t = 0; t < 4; ++t) {
     threads.emplace_back([&, t] {
       for (unsigned n = 0; n < 3 * kEntries; ++n) {
-        const X509_REVOKED *found = find_X509_CRL_revoked(crl.get(), serial(n).get());
+        const X509_REVOKED *found = find_X509_CRL_revoked(crl, serial(n));
         wrong[size_t(t)] += n % 3 ? found != nullptr : found != at(crl, int(n / 3));
       }
     });
@@ -256,29 +254,29 @@ TEST(Crl, LookUps) {
   EXPECT_EQ(wrong, std::vector<int>(4));
   const Certificate cert = read_certificate(CertificateParts().der());
   const auto verify = [&](unsigned n) {
-    EXPECT_EQ(set_X509_serial(cert.get(), serial(n).get()), 0);
-    return verify_CRL_X509_CERT(crl.get(), cert.get());
+    EXPECT_EQ(set_X509_serial(cert, serial(n)), 0);
+    return verify_CRL_X509_CERT(crl, cert);
   };
   EXPECT_EQ(verify(0), 0);
   EXPECT_EQ(verify(1), 0) << "not listed";
   EXPECT_EQ(verify(3), 1);
   EXPECT_EQ(verify(3 * kEntries - 3), int(kEntries) - 1);
-  EXPECT_EQ(verify_CRL_X509_CERT(nullptr, cert.get()), -1);
-  clean_X509_CERT(cert.get());
-  EXPECT_EQ(verify_CRL_X509_CERT(crl.get(), cert.get()), -1);
-  EXPECT_EQ(find_X509_CRL_revoked(nullptr, serial(1).get()), nullptr);
-  EXPECT_EQ(find_X509_CRL_revoked(crl.get(), nullptr), nullptr);
+  EXPECT_EQ(verify_CRL_X509_CERT(nullptr, cert), -1);
+  clean_X509_CERT(cert);
+  EXPECT_EQ(verify_CRL_X509_CERT(crl, cert), -1);
+  EXPECT_EQ(find_X509_CRL_revoked(nullptr, serial(1)), nullptr);
+  EXPECT_EQ(find_X509_CRL_revoked(crl, nullptr), nullptr);
   // A change by the functions of stack.h is noticed.
   Owned<X509_REVOKED> entry = new_entry(1);
-  push_STACK_value(crl->tbs->revoked, entry.get());
-  EXPECT_EQ(find_X509_CRL_revoked(crl.get(), serial(1).get()), entry.release());
+  push_STACK_value(crl->tbs->revoked, entry);
+  EXPECT_EQ(find_X509_CRL_revoked(crl, serial(1)), entry.release());
 }
 
 TEST(Crl, IsPrinted) {
   CrlParts parts;
   parts.issuer = TLV(0x30, TLV(0x31, TLV(0x30, TLV(0x06, "550403") + TLV(0x0C, "431b5b41"))));
   const Crl crl = read_crl(parts.der());
-  const std::string text = captured_stdout([&] { print_X509_CRL(crl.get()); });
+  const std::string text = captured_stdout([&] { print_X509_CRL(crl); });
   for (const char *words :
        {"C\\x1B[A", "+ Next Update : 20300101000000Z", "+ Revoked : 3", "serial : 80", "reason : 1", "crlNumber"})
     EXPECT_NE(text.find(words), std::string::npos) << words << text;
@@ -290,31 +288,31 @@ TEST_F(CrlSignatures, OfTheHouseForm) {
   const Bytes der = CrlParts().der();
   const Owned<ASYMMETRIC_KEY> rsa_private = rsa(), kcdsa_private = kcdsa(), ec = new_ec("prime256v1");
   Crl crl = read_crl(der);
-  RSA_UNIT *key = ASYMMETRIC_KEY_to_RSA_UNIT(rsa_private.get());
+  RSA_UNIT *key = ASYMMETRIC_KEY_to_RSA_UNIT(rsa_private);
   EXPECT_EQ(gen_RSA_SIG_X509_CRL(nullptr, key), F_GEN_RSASIGN | 0x49);
-  EXPECT_EQ(gen_RSA_SIG_X509_CRL(crl.get(), key), 0);
-  EXPECT_EQ(verify_SIG_X509_CRL(crl.get(), rsa_private.get()), 0);
-  EXPECT_EQ(verify_SIG_X509_CRL(crl.get(), kcdsa_private.get()), F_VERIFY_KCDSASIGN | ERR_ASN1_DECODING);
-  EXPECT_EQ(verify_SIG_X509_CRL(crl.get(), ec.get()), 1);
-  EXPECT_EQ(verify_SIG_X509_CRL(nullptr, rsa_private.get()), 1);
-  find_X509_CRL_revoked(crl.get(), serial(1).get());
-  EXPECT_EQ(verify_SIG_X509_CRL(crl.get(), rsa_private.get()), 0);
-  EXPECT_EQ(sort_X509_CRL_revoked(crl.get()), 0);
-  EXPECT_EQ(verify_SIG_X509_CRL(crl.get(), rsa_private.get()), PKV_ERR_MISMATCH);
-  EXPECT_EQ(set_X509_CRL_signature(crl.get(), oid("1.2.410.200004.1.23").get()), 0);
-  EXPECT_EQ(gen_KCDSA_SIG_X509_CRL(crl.get(), ASYMMETRIC_KEY_to_KCDSA_UNIT(kcdsa_private.get())), 0);
+  EXPECT_EQ(gen_RSA_SIG_X509_CRL(crl, key), 0);
+  EXPECT_EQ(verify_SIG_X509_CRL(crl, rsa_private), 0);
+  EXPECT_EQ(verify_SIG_X509_CRL(crl, kcdsa_private), F_VERIFY_KCDSASIGN | ERR_ASN1_DECODING);
+  EXPECT_EQ(verify_SIG_X509_CRL(crl, ec), 1);
+  EXPECT_EQ(verify_SIG_X509_CRL(nullptr, rsa_private), 1);
+  find_X509_CRL_revoked(crl, serial(1));
+  EXPECT_EQ(verify_SIG_X509_CRL(crl, rsa_private), 0);
+  EXPECT_EQ(sort_X509_CRL_revoked(crl), 0);
+  EXPECT_EQ(verify_SIG_X509_CRL(crl, rsa_private), PKV_ERR_MISMATCH);
+  EXPECT_EQ(set_X509_CRL_signature(crl, oid("1.2.410.200004.1.23")), 0);
+  EXPECT_EQ(gen_KCDSA_SIG_X509_CRL(crl, ASYMMETRIC_KEY_to_KCDSA_UNIT(kcdsa_private)), 0);
   EXPECT_EQ(text_of(crl->sig_alg), "1.2.410.200004.1.23");
-  EXPECT_EQ(verify_SIG_X509_CRL(crl.get(), kcdsa_private.get()), 0);
-  EXPECT_EQ(set_X509_CRL_sig_alg(crl.get(), oid("1.2.3").get()), 0);
-  EXPECT_EQ(verify_SIG_X509_CRL(crl.get(), kcdsa_private.get()), F_VERIFY_KCDSASIGN | 0x2B);
-  EXPECT_EQ(verify_SIG_X509_CRL(crl.get(), rsa_private.get()), F_VERIFY_RSASIGN | 0x2B);
+  EXPECT_EQ(verify_SIG_X509_CRL(crl, kcdsa_private), 0);
+  EXPECT_EQ(set_X509_CRL_sig_alg(crl, oid("1.2.3")), 0);
+  EXPECT_EQ(verify_SIG_X509_CRL(crl, kcdsa_private), F_VERIFY_KCDSASIGN | 0x2B);
+  EXPECT_EQ(verify_SIG_X509_CRL(crl, rsa_private), F_VERIFY_RSASIGN | 0x2B);
 }
 
 // An issuer's certificate for a key; it is no subject of these tests, so nobody signed it.
 Certificate issuer_of(const ASYMMETRIC_KEY *key, const Bytes &tail = {}) {
   CertificateParts parts;
   parts.tail = tail;
-  parts.spki = hex(hex_of(X509_PUBKEY_to_Seq_RFC5280, public_half(key).get()));
+  parts.spki = hex(hex_of(X509_PUBKEY_to_Seq_RFC5280, public_half(key)));
   return read_certificate_RFC5280(parts.der());
 }
 
@@ -326,26 +324,26 @@ TEST_F(CrlSignatures, AreAcceptedByOpenssl) {
     const ASYMMETRIC_KEY *key;
     const char *algorithm;
     bool standard;
-  } const cases[] = {{rsa_private.get(), "1.2.840.113549.1.1.11", false},
-                     {rsa_private.get(), "1.2.840.113549.1.1.11", true},
-                     {rsa_private.get(), "1.2.840.113549.1.1.10", true},
-                     {ec.get(), "1.2.840.10045.4.3.2", true}};
+  } const cases[] = {{rsa_private, "1.2.840.113549.1.1.11", false},
+                     {rsa_private, "1.2.840.113549.1.1.11", true},
+                     {rsa_private, "1.2.840.113549.1.1.10", true},
+                     {ec, "1.2.840.10045.4.3.2", true}};
   for (const auto &c : cases) {
-    const Bytes issuer_octets = hex(hex_of(X509_CERT_to_Seq_RFC5280, issuer_of(c.key).get()));
+    const Bytes issuer_octets = hex(hex_of(X509_CERT_to_Seq_RFC5280, issuer_of(c.key)));
     write_file(der, issuer_octets.data(), issuer_octets.size());
     run("openssl x509 -inform DER -in " + der + " -out " + ca);
     const Crl crl = read_crl_RFC5280(CrlParts().der());
-    EXPECT_EQ(set_X509_CRL_signature(crl.get(), oid(c.algorithm).get()), 0);
-    EXPECT_EQ(c.standard ? gen_SIG_X509_CRL_RFC5280(crl.get(), c.key)
-                         : gen_RSA_SIG_X509_CRL(crl.get(), ASYMMETRIC_KEY_to_RSA_UNIT(c.key)),
+    EXPECT_EQ(set_X509_CRL_signature(crl, oid(c.algorithm)), 0);
+    EXPECT_EQ(c.standard ? gen_SIG_X509_CRL_RFC5280(crl, c.key)
+                         : gen_RSA_SIG_X509_CRL(crl, ASYMMETRIC_KEY_to_RSA_UNIT(c.key)),
               0);
-    const Bytes octets = hex(hex_of(c.standard ? X509_CRL_to_Seq_RFC5280 : X509_CRL_to_Seq, crl.get()));
+    const Bytes octets = hex(hex_of(c.standard ? X509_CRL_to_Seq_RFC5280 : X509_CRL_to_Seq, crl));
     write_file(file, octets.data(), octets.size());
     const std::string said =
         run("openssl crl -inform DER -in " + file + " -CAfile " + ca + " -noout -text -verify 2>&1");
     for (const char *words : {"verify OK", "Serial Number: 80", "Key Compromise"})
       EXPECT_NE(said.find(words), std::string::npos) << said;
-    EXPECT_EQ(verify_SIG_X509_CRL_RFC5280(read_crl_RFC5280(octets).get(), public_half(c.key).get()), 0);
+    EXPECT_EQ(verify_SIG_X509_CRL_RFC5280(read_crl_RFC5280(octets), public_half(c.key)), 0);
   }
 }
 
@@ -358,15 +356,14 @@ TEST_F(CrlSignatures, StrictCheck) {
     change(parts, row.at("list"));
     const Crl crl = read_crl_RFC5280(parts.der());
     ASSERT_TRUE(crl) << what;
-    ASSERT_EQ(gen_SIG_X509_CRL_RFC5280(crl.get(), key.get()), 0) << what;
+    ASSERT_EQ(gen_SIG_X509_CRL_RFC5280(crl, key), 0) << what;
     CertificateParts certificate;
     certificate.tail = hex(row.at("certificate_tail"));
-    const Certificate cert = read_certificate(certificate.der()),
-                      issuer = issuer_of(key.get(), hex(row.at("issuer_tail")));
+    const Certificate cert = read_certificate(certificate.der()), issuer = issuer_of(key, hex(row.at("issuer_tail")));
     const Owned<X509_TIME> time = time_of(row.at("time"));
     const int reason = code_at(row, "reason");
     X509_REVOKED *entry = nullptr;
-    const int code = check_X509_CRL_revocation_strict(crl.get(), cert.get(), issuer.get(), time.get(), &entry);
+    const int code = check_X509_CRL_revocation_strict(crl, cert, issuer, time, &entry);
     EXPECT_EQ(code, reason ? 0x48000000 | reason : 0) << what << std::hex << " " << code;
     EXPECT_EQ(entry != nullptr, reason == ERR_CERT_REVOKED) << what;
   }
@@ -375,26 +372,26 @@ TEST_F(CrlSignatures, StrictCheck) {
 // What the check needs besides: a list in standard form, the issuer's key, and the sign of a serial number.
 TEST_F(CrlSignatures, StrictCheckOfOtherKinds) {
   const Owned<ASYMMETRIC_KEY> key = rsa(), other = kcdsa();
-  const Certificate cert = read_certificate(CertificateParts().der()), issuer = issuer_of(key.get());
+  const Certificate cert = read_certificate(CertificateParts().der()), issuer = issuer_of(key);
   const Owned<X509_TIME> time = time_of("260601000000Z");
   const auto check = [&](const X509_CRL *crl, const X509_CERT *by) {
-    return check_X509_CRL_revocation_strict(crl, cert.get(), by, time.get(), nullptr);
+    return check_X509_CRL_revocation_strict(crl, cert, by, time, nullptr);
   };
   const Crl crl = read_crl_RFC5280(CrlParts().der());
-  EXPECT_EQ(check(crl.get(), issuer.get()), PKV_ERR_MISMATCH);
-  EXPECT_EQ(gen_SIG_X509_CRL_RFC5280(crl.get(), key.get()), 0);
-  EXPECT_EQ(check(crl.get(), issuer.get()), 0);
-  EXPECT_EQ(check(crl.get(), issuer_of(other.get()).get()), F_VERIFY_RSASIGN | ERR_ALGORITHM_MISMATCH);
-  EXPECT_EQ(check(nullptr, issuer.get()), 0x48000049);
-  EXPECT_EQ(check(read_crl(hex(hex_of(X509_CRL_to_Seq_RFC5280, crl.get()))).get(), issuer.get()), 0x4800002B);
+  EXPECT_EQ(check(crl, issuer), PKV_ERR_MISMATCH);
+  EXPECT_EQ(gen_SIG_X509_CRL_RFC5280(crl, key), 0);
+  EXPECT_EQ(check(crl, issuer), 0);
+  EXPECT_EQ(check(crl, issuer_of(other)), F_VERIFY_RSASIGN | ERR_ALGORITHM_MISMATCH);
+  EXPECT_EQ(check(nullptr, issuer), 0x48000049);
+  EXPECT_EQ(check(read_crl(hex(hex_of(X509_CRL_to_Seq_RFC5280, crl))), issuer), 0x4800002B);
   CrlParts negative;
   negative.revoked = TLV(0x30, negative.entry("ff"));
   const Crl listed = read_crl_RFC5280(negative.der());
-  EXPECT_EQ(gen_SIG_X509_CRL_RFC5280(listed.get(), key.get()), 0);
+  EXPECT_EQ(gen_SIG_X509_CRL_RFC5280(listed, key), 0);
   CertificateParts parts;
   parts.serial = TLV(0x02, "ff");
   const Certificate read_as_255 = read_certificate(parts.der());
-  EXPECT_EQ(check_X509_CRL_revocation_strict(listed.get(), read_as_255.get(), issuer.get(), time.get(), nullptr),
+  EXPECT_EQ(check_X509_CRL_revocation_strict(listed, read_as_255, issuer, time, nullptr),
             0x48000000 | ERR_CERT_REVOKED);
 }
 

@@ -93,15 +93,15 @@ TEST(CrlVectors, AgreeWithTheirManifest) {
     standard += crl != nullptr;
     house += plain != nullptr;
     if (peer_reads) EXPECT_TRUE(crl) << row.at("file") << std::hex << " " << code;
-    if (crl) EXPECT_EQ(standard_octets(crl.get()), der) << row.at("file");
-    if (crl && peer_reads) compare(row, crl.get());
+    if (crl) EXPECT_EQ(standard_octets(crl), der) << row.at("file");
+    if (crl && peer_reads) compare(row, crl);
     if (!crl) ++refused[code];
     if (!plain) ++refused_house[house_code];
     if (!plain) continue;
-    const Bytes once = house_octets(plain.get());
+    const Bytes once = house_octets(plain);
     same += once == der;
     const Crl again = read_crl(once, &code);
-    if (!once.empty()) EXPECT_TRUE(again && house_octets(again.get()) == once) << row.at("file");
+    if (!once.empty()) EXPECT_TRUE(again && house_octets(again) == once) << row.at("file");
   }
   std::printf("CRLs: openssl reads %d, standard form %d, house form %d, of which %d come back to their own octets\n",
               peer, standard, house, same);
@@ -124,7 +124,7 @@ TEST(CrlVectors, VerifyAsTheManifestSays) {
     if (!crl || !issuer) continue;
     const bool good = row.at("verifies") == "ok";
     peer += good;
-    code = verify_SIG_X509_CRL_RFC5280(crl.get(), get_X509_SPKI(issuer.get()));
+    code = verify_SIG_X509_CRL_RFC5280(crl, get_X509_SPKI(issuer));
     EXPECT_TRUE(good || code != 0) << row.at("file");
     verified += code == 0;
     if (good && code) {
@@ -134,11 +134,9 @@ TEST(CrlVectors, VerifyAsTheManifestSays) {
       EXPECT_EQ(code, F_VERIFY_RSASIGN | (mismatch ? ERR_ALGORITHM_MISMATCH : 0x48)) << row.at("file");
       others += mismatch ? "" : row.at("signature_algorithm") + " ";
     }
-    if (good)
-      EXPECT_EQ(cmp_X509_NAME_RFC5280(get_X509_CRL_issuer(crl.get()), get_X509_subject(issuer.get())), 0)
-          << row.at("file");
+    if (good) EXPECT_EQ(cmp_X509_NAME_RFC5280(get_X509_CRL_issuer(crl), get_X509_subject(issuer)), 0) << row.at("file");
     if (!plain) continue;
-    code = verify_SIG_X509_CRL(plain.get(), get_X509_SPKI(issuer.get())->key);
+    code = verify_SIG_X509_CRL(plain, get_X509_SPKI(issuer)->key);
     EXPECT_TRUE(good || code != 0) << row.at("file");
     verified_house += code == 0;
     if (good && code) ++codes_house[code];
@@ -171,7 +169,7 @@ TEST(CrlVectors, DamagedInputs) {
       ++taken;
       house_octets(crl);
       standard_octets(crl);
-      find_X509_CRL_revoked(crl, number("01").get());
+      find_X509_CRL_revoked(crl, number("01"));
     }
   }
   std::printf("damaged inputs: %d taken as revocation lists\n", taken);

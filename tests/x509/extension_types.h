@@ -3,14 +3,10 @@
 
 #include <velpki/x509v3.h>
 
-#include <functional>
-
 #include "samples.h"
+#include "support/untyped.h"
 
 namespace test {
-
-using Read = std::function<int(ASN1_UNIT *, void **)>;
-using Write = std::function<int(const void *, ASN1_UNIT **)>;
 
 // One type over an untyped record.
 struct Type {
@@ -20,19 +16,6 @@ struct Type {
   std::function<void(void *)> release;
 };
 
-template <class R>
-Read reader(int (*decode)(ASN1_UNIT *, R **)) {
-  return [decode](ASN1_UNIT *unit, void **record) {
-    R *typed = nullptr;
-    const int code = decode(unit, &typed);
-    *record = typed;
-    return code;
-  };
-}
-template <class R>
-Write writer(int (*encode)(const R *, ASN1_UNIT **)) {
-  return [encode](const void *record, ASN1_UNIT **unit) { return encode(static_cast<const R *>(record), unit); };
-}
 template <class R>
 Type type(int (*read)(ASN1_UNIT *, R **), int (*read_standard)(ASN1_UNIT *, R **),
           int (*write)(const R *, ASN1_UNIT **), int (*write_standard)(const R *, ASN1_UNIT **), void (*release)(R *),
@@ -77,9 +60,8 @@ inline std::string passed_through(ASN1_UNIT *in, const Type &type, const Read &r
   void *record = nullptr;
   if (const int code = read(in, &record)) return record ? "a record and a code" : hex_code(code);
   void *copy = type.copy ? type.copy(record) : record;
-  ASN1_UNIT *out = nullptr;
+  Unit out;
   const int code = copy ? write(copy, &out) : 0x3C;
-  const Unit owner(out);
   if (copy && copy != record) type.release(copy);
   type.release(record);
   return code ? hex_code(code) : flat(out);

@@ -8,22 +8,19 @@ namespace {
 TEST(PublicKeys, AcceptedAndRefused) {
   for (const Row &row : table("public_keys")) {
     const std::string &why = row.at("why"), &der = row.at("der");
-    X509_PUBKEY *key = nullptr, *standard = nullptr;
-    EXPECT_EQ(Seq_to_X509_PUBKEY(unit(der).get(), &key), code_at(row, "plain")) << why;
+    Owned<X509_PUBKEY> key, standard;
+    EXPECT_EQ(Seq_to_X509_PUBKEY(unit(der), &key), code_at(row, "plain")) << why;
     if (key && why.find("KCDSA") == 0) EXPECT_EQ(hex_of(X509_PUBKEY_to_Seq, key), der) << why;
-    EXPECT_EQ(Seq_to_X509_PUBKEY_RFC5280(unit(der).get(), &standard), 0) << why;
+    EXPECT_EQ(Seq_to_X509_PUBKEY_RFC5280(unit(der), &standard), 0) << why;
     EXPECT_EQ(hex_of(X509_PUBKEY_to_Seq_RFC5280, standard), der) << why;
-    free_X509_PUBKEY(key);
-    free_X509_PUBKEY(standard);
   }
 }
 
 TEST(PublicKeys, FailureClearsTheCallersRecord) {
-  X509_PUBKEY *key = nullptr;
-  ASSERT_EQ(Seq_to_X509_PUBKEY(unit(CertificateParts().spki).get(), &key), 0);
-  EXPECT_NE(Seq_to_X509_PUBKEY(unit("3000").get(), &key), 0);
+  Owned<X509_PUBKEY> key;
+  ASSERT_EQ(Seq_to_X509_PUBKEY(unit(CertificateParts().spki), &key), 0);
+  EXPECT_NE(Seq_to_X509_PUBKEY(unit("3000"), &key), 0);
   EXPECT_EQ(key->algorithm, nullptr);
-  free_X509_PUBKEY(key);
 }
 
 TEST(RsaOctets, ByNumberOfElements) {
@@ -36,30 +33,27 @@ TEST(RsaOctets, ByNumberOfElements) {
     const int count = number_in(row, "elements");
     const String bits = string(3, elements(count));
     RSA_UNIT *plain = nullptr, *strict = nullptr, *seq = nullptr;
-    EXPECT_EQ(BITSTRING_to_RSA_KEY(bits.get(), &plain), code_at(row, "plain")) << count;
-    EXPECT_EQ(BITSTRING_to_RSA_KEY_strict(bits.get(), &strict), code_at(row, "strict")) << count;
-    const int from_unit = Seq_to_RSA_KEY_strict(unit(elements(count)).get(), &seq);
+    EXPECT_EQ(BITSTRING_to_RSA_KEY(bits, &plain), code_at(row, "plain")) << count;
+    EXPECT_EQ(BITSTRING_to_RSA_KEY_strict(bits, &strict), code_at(row, "strict")) << count;
+    const int from_unit = Seq_to_RSA_KEY_strict(unit(elements(count)), &seq);
     EXPECT_EQ(from_unit == 0, row.at("unit") == "yes") << count;
     const Owned<RSA_UNIT> owners[] = {Owned<RSA_UNIT>(plain), Owned<RSA_UNIT>(strict), Owned<RSA_UNIT>(seq)};
     if (!plain) continue;
     EXPECT_EQ(PKV_Is_RSA_Private(plain), number_in(row, "private"));
-    ASN1_STRING *back = nullptr, *published = nullptr;
+    String back, published;
     ASSERT_EQ(RSA_KEY_to_BITSTRING(plain, &back), 0);
     ASSERT_EQ(RSA_KEY_to_BITSTRING_strict(plain, &published), 0);
     if (count < 9) EXPECT_EQ(octets_hex(back), to_hex(elements(count)));
     EXPECT_EQ(octets_hex(published), to_hex(elements(2)));
-    free_ASN1_STRING(back);
-    free_ASN1_STRING(published);
   }
 }
 
 // One key in 128 has a coordinate that begins with 00.
 TEST(EccOctets, LeadingZerosAreLeftOut) {
   const Bytes point = hex("04") + hex("00" + std::string(62, '1') + std::string(64, '2'));
-  ECC_UNIT *key = nullptr;
-  ASSERT_EQ(BITSTRING_to_ECC_KEY(string(3, point).get(), &key), 0);
-  const Owned<ECC_UNIT> owner(key);
-  ASN1_STRING *shorter = nullptr, *whole = nullptr;
+  Owned<ECC_UNIT> key;
+  ASSERT_EQ(BITSTRING_to_ECC_KEY(string(3, point), &key), 0);
+  String shorter, whole;
   ASSERT_EQ(ECC_KEY_to_BITSTRING(key, &shorter), 0);
   ASSERT_EQ(ECC_KEY_to_BITSTRING_RFC5280(key, &whole), 0);
   EXPECT_EQ(shorter->length, 64);
@@ -70,26 +64,22 @@ TEST(EccOctets, LeadingZerosAreLeftOut) {
             F_BITSTRING_TO_ECC_KEY | ERR_ASN1_DECODING);  // not on the curve
   // A whole SubjectPublicKeyInfo has the form that was asked for.
   const Owned<X509_PUBKEY> pubkey(new_X509_PUBKEY());
-  ASSERT_EQ(set_X509_PUBKEY_ecc(pubkey.get(), key), 0);
-  EXPECT_TRUE(hex_of(X509_PUBKEY_to_Seq, pubkey.get()).ends_with("034100" + octets_hex(shorter)));
-  EXPECT_TRUE(hex_of(X509_PUBKEY_to_Seq_RFC5280, pubkey.get()).ends_with("034200" + to_hex(point)));
-  free_ASN1_STRING(shorter);
-  free_ASN1_STRING(whole);
+  ASSERT_EQ(set_X509_PUBKEY_ecc(pubkey, key), 0);
+  EXPECT_TRUE(hex_of(X509_PUBKEY_to_Seq, pubkey).ends_with("034100" + octets_hex(shorter)));
+  EXPECT_TRUE(hex_of(X509_PUBKEY_to_Seq_RFC5280, pubkey).ends_with("034200" + to_hex(point)));
 }
 
 TEST(Curves, TheList) {
-  ECURVE *curve = nullptr;
+  Owned<ECURVE> curve;
   EXPECT_EQ(set_ECURVE_from_list(&curve, 715), 1);
   EXPECT_EQ(curve, nullptr);
   ASSERT_EQ(set_ECURVE_from_list(&curve, 415), 0);
   EXPECT_STREQ(PKV_Get_ECURVE_Name(curve), "prime256v1");
-  OBJECT_IDENTIFIER *oid = nullptr;
+  Owned<OBJECT_IDENTIFIER> oid;
   EXPECT_EQ(get_ECURVE_OID_from_name(&oid, "secp384r1"), 1);
   EXPECT_EQ(get_ECURVE_OID_from_name(&oid, "prime256v1"), 0);
   EXPECT_EQ(get_ECURVE_OID_from_name(&oid, "prime256v1"), 0);
   EXPECT_EQ(text_of(oid), "1.2.840.10045.3.1.7");
-  free_OBJECT_IDENTIFIER(oid);
-  PKV_Free_ECURVE(curve);
 }
 
 TEST(SignatureValues, Halves) {
@@ -98,7 +88,7 @@ TEST(SignatureValues, Halves) {
   };
   for (const Case &c : {Case{"00aabb", "7f", "7f"}, {"aa", "80", "0080"}, {"aa", "00", "00"}, {"aa", "000001", "01"}}) {
     const Bytes r = hex(c.r), s = hex(c.s);
-    ASN1_STRING *value = nullptr;
+    String value;
     ASSERT_EQ(encode_KCDSASignatrueValue(r.data(), int(r.size()), s.data(), int(s.size()), &value), 0);
     unsigned char r_out[64], s_out[64];
     int r_length = -1, s_length = -1;
@@ -107,21 +97,18 @@ TEST(SignatureValues, Halves) {
     EXPECT_EQ(to_hex(s_out, size_t(s_length)), c.s_read);
     r_length = int(r.size()) - 1, s_length = 64;
     EXPECT_EQ(decode_KCDSASignatureValue_n(r_out, &r_length, s_out, &s_length, value), 1);
-    free_ASN1_STRING(value);
   }
   const Bytes big(4096, 0x11);
-  ASN1_STRING *value = nullptr;
+  String value;
   unsigned char out[128];
   int r_length = 0, s_length = 0;
   ASSERT_EQ(encode_KCDSASignatureValue(big.data(), 4096, big.data(), 4096, &value), 0);
   EXPECT_EQ(decode_KCDSASignatureValue(out, &r_length, out + 64, &s_length, value), 1);
-  free_ASN1_STRING(value);
   for (const auto &[der, code] : {std::pair{"3006020101020102", 0},
                                   {"3006020101020182", F_DECODE_ECDSA_SIGNATURE_VALUE | ERR_ASN1_DECODING},
                                   {"30080201010201020500", F_DECODE_ECDSA_SIGNATURE_VALUE | ERR_ASN1_DECODING}}) {
     r_length = s_length = 64;
-    EXPECT_EQ(decode_ECDSA_SIGNATURE_VALUE(out, &r_length, out + 64, &s_length, string(3, hex(der)).get()), code)
-        << der;
+    EXPECT_EQ(decode_ECDSA_SIGNATURE_VALUE(out, &r_length, out + 64, &s_length, string(3, hex(der))), code) << der;
   }
 }
 

@@ -12,27 +12,8 @@
 
 namespace test {
 
-struct ReleaseX509 {
-  void operator()(X509_CERT *p) const { free_X509_CERT(p); }
-  void operator()(X509_CRL *p) const { free_X509_CRL(p); }
-  void operator()(X509_REVOKED *p) const { free_X509_REVOKED(p); }
-  void operator()(PKCS10_X509_REQ *p) const { free_PKCS10_X509_REQ(p); }
-  void operator()(STACK *p) const { free_X509_NAME(p); }
-  void operator()(X509_PUBKEY *p) const { free_X509_PUBKEY(p); }
-  void operator()(ASYMMETRIC_KEY *p) const { free_ASYMMETRIC_KEY(p); }
-  void operator()(X509_TIME *p) const { free_X509_TIME(p); }
-  void operator()(X509_EXTENSION *p) const { free_X509_EXTENSION(p); }
-  void operator()(X509_ATTRIBUTE *p) const { free_X509_ATTRIBUTE(p); }
-  void operator()(X509_ALGO_IDENTIFIER *p) const { free_X509_ALGO_IDENTIFIER(p); }
-  void operator()(RSA_UNIT *p) const { PKV_Free_RSA(p); }
-  void operator()(KCDSA_UNIT *p) const { PKV_Free_KCDSA(p); }
-  void operator()(ECC_UNIT *p) const { PKV_Free_ECC(p); }
-};
-template <class T>
-using Owned = std::unique_ptr<T, ReleaseX509>;
-using Certificate = Owned<X509_CERT>;
 using Crl = Owned<X509_CRL>;
-using Name = Owned<STACK>;
+using Name = Owned<STACK, free_X509_NAME>;
 
 // The pieces of a small certificate, each of which a test may replace.
 struct CertificateParts {
@@ -105,10 +86,7 @@ inline std::string written(X509_CERT *cert) {
   return octets.empty() ? "-" : to_hex(octets);
 }
 
-// The DER of a file in either format.
-Bytes der_of(const std::string &path, const std::string &format);
 // The OIDs of a list, each critical one with "!".
 std::string extension_list(const X509_EXTENSIONS *extensions);
-std::string digest_hex(const Bytes &octets);
 
 }  // namespace test

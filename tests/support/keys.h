@@ -1,17 +1,32 @@
-// Keys that the tests of this folder sign with.
+// Keys that tests sign with.
 #pragma once
 
-#include "samples.h"
+#include <gtest/gtest.h>
+
+#include "support/asn1.h"
 
 namespace test {
 
+inline Owned<RSA_UNIT> generated_rsa() {
+  Owned<RSA_UNIT> made(PKV_New_RSA());
+  EXPECT_EQ(PKV_Generate_RSA(made, 1024, 0, nullptr, nullptr), 0);
+  return made;
+}
+inline Owned<ASYMMETRIC_KEY> new_rsa() { return Owned<ASYMMETRIC_KEY>(RSA_UNIT_to_ASYMMETRIC_KEY(generated_rsa())); }
+
+// From a file in PKCS#1 form, in DER or PEM.
+inline Owned<ASYMMETRIC_KEY> rsa_key_of(const PKCS1_RSA_PRIVATE_KEY *record) {
+  return Owned<ASYMMETRIC_KEY>(RSA_UNIT_to_ASYMMETRIC_KEY(Owned<RSA_UNIT>(get_RSA_UNIT_from_PRIV_KEY(record))));
+}
+inline Owned<ASYMMETRIC_KEY> rsa_key_at(const std::string &path) {
+  const auto record = read_by(readPEM_PKCS1_RSA_PRIVATE_KEY_from_File, path);
+  EXPECT_TRUE(record) << path;
+  return rsa_key_of(record);
+}
+
 // One RSA and one KCDSA key for the whole program; the domain is the published 1024/160 one.
 inline RSA_UNIT *rsa_key() {
-  static RSA_UNIT *const key = [] {
-    RSA_UNIT *made = PKV_New_RSA();
-    EXPECT_EQ(PKV_Generate_RSA(made, 1024, 0, nullptr, nullptr), 0);
-    return made;
-  }();
+  static RSA_UNIT *const key = generated_rsa().release();
   return key;
 }
 
@@ -29,8 +44,8 @@ inline KCDSA_UNIT *kcdsa_key() {
   static KCDSA_UNIT *const key = [] {
     KCDSA_UNIT *made = PKV_New_KCDSA();
     const Bytes seed = hex("68adb0d1b6aef144a950f3e784c9893d3604090e");
-    EXPECT_EQ(PKV_Set_KCDSA_Params(made, number(kP).get(), number(kQ).get(), number(kG).get(), nullptr, nullptr,
-                                   seed.data(), int(seed.size()), 5189),
+    EXPECT_EQ(PKV_Set_KCDSA_Params(made, number(kP), number(kQ), number(kG), nullptr, nullptr, seed.data(),
+                                   int(seed.size()), 5189),
               0);
     EXPECT_EQ(PKV_Generate_KCDSA(made), 0);
     return made;
@@ -48,19 +63,19 @@ class WithKeys : public testing::Test {
 inline Owned<ASYMMETRIC_KEY> rsa() {
   const Owned<RSA_UNIT> own(PKV_New_RSA());
   const auto part = [](PKV_RSA_COMPONENT which) { return PKV_Get_RSA_Component(rsa_key(), which); };
-  EXPECT_EQ(PKV_Set_RSA_Params(own.get(), part(PKV_RSA_N), part(PKV_RSA_E), part(PKV_RSA_D), part(PKV_RSA_P),
-                               part(PKV_RSA_Q), part(PKV_RSA_DP), part(PKV_RSA_DQ), part(PKV_RSA_QINV)),
+  EXPECT_EQ(PKV_Set_RSA_Params(own, part(PKV_RSA_N), part(PKV_RSA_E), part(PKV_RSA_D), part(PKV_RSA_P), part(PKV_RSA_Q),
+                               part(PKV_RSA_DP), part(PKV_RSA_DQ), part(PKV_RSA_QINV)),
             0);
-  return Owned<ASYMMETRIC_KEY>(RSA_UNIT_to_ASYMMETRIC_KEY(own.get()));
+  return Owned<ASYMMETRIC_KEY>(RSA_UNIT_to_ASYMMETRIC_KEY(own));
 }
 inline Owned<ASYMMETRIC_KEY> kcdsa() {
   const Owned<KCDSA_UNIT> own(PKV_New_KCDSA());
   const auto part = [](PKV_KCDSA_COMPONENT which) { return PKV_Get_KCDSA_Component(kcdsa_key(), which); };
-  EXPECT_EQ(PKV_Set_KCDSA_Params(own.get(), part(PKV_KCDSA_P), part(PKV_KCDSA_Q), part(PKV_KCDSA_G), nullptr,
+  EXPECT_EQ(PKV_Set_KCDSA_Params(own, part(PKV_KCDSA_P), part(PKV_KCDSA_Q), part(PKV_KCDSA_G), nullptr,
                                  part(PKV_KCDSA_Y), nullptr, 0, 0),
             0);
-  EXPECT_EQ(PKV_Set_KCDSA_Private(own.get(), part(PKV_KCDSA_X)), 0);
-  return Owned<ASYMMETRIC_KEY>(KCDSA_UNIT_to_ASYMMETRIC_KEY(own.get()));
+  EXPECT_EQ(PKV_Set_KCDSA_Private(own, part(PKV_KCDSA_X)), 0);
+  return Owned<ASYMMETRIC_KEY>(KCDSA_UNIT_to_ASYMMETRIC_KEY(own));
 }
 
 // A new key on a curve, by the provider's name.
@@ -68,18 +83,18 @@ inline Owned<ASYMMETRIC_KEY> new_ec(const char *curve_name) {
   const Owned<ECC_UNIT> key(PKV_New_ECC());
   ECURVE *curve = PKV_New_ECURVE();
   EXPECT_EQ(PKV_Set_ECURVE_Named(curve, curve_name), 0);
-  EXPECT_EQ(PKV_Set_ECC_Curve(key.get(), curve), 0);
-  EXPECT_EQ(PKV_Generate_ECC(key.get()), 0);
+  EXPECT_EQ(PKV_Set_ECC_Curve(key, curve), 0);
+  EXPECT_EQ(PKV_Generate_ECC(key), 0);
   PKV_Free_ECURVE(curve);
-  return Owned<ASYMMETRIC_KEY>(ECC_UNIT_to_ASYMMETRIC_KEY(key.get()));
+  return Owned<ASYMMETRIC_KEY>(ECC_UNIT_to_ASYMMETRIC_KEY(key));
 }
 
 // The public half of a key of any kind.
 inline Owned<X509_PUBKEY> public_half(const ASYMMETRIC_KEY *key) {
   Owned<X509_PUBKEY> made(new_X509_PUBKEY());
-  const int codes[] = {set_X509_PUBKEY_rsa(made.get(), ASYMMETRIC_KEY_to_RSA_UNIT(key)),
-                       set_X509_PUBKEY_kcdsa(made.get(), ASYMMETRIC_KEY_to_KCDSA_UNIT(key)),
-                       set_X509_PUBKEY_ecc(made.get(), ASYMMETRIC_KEY_to_ECC_UNIT(key))};
+  const int codes[] = {set_X509_PUBKEY_rsa(made, ASYMMETRIC_KEY_to_RSA_UNIT(key)),
+                       set_X509_PUBKEY_kcdsa(made, ASYMMETRIC_KEY_to_KCDSA_UNIT(key)),
+                       set_X509_PUBKEY_ecc(made, ASYMMETRIC_KEY_to_ECC_UNIT(key))};
   EXPECT_EQ(codes[key->type - 1], 0);
   return made;
 }
