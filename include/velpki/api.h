@@ -1,6 +1,8 @@
-/* velpki/api.h: how the names of both libraries are declared.
+/** @file velpki/api.h
+ * How the names of both libraries are declared; every other header includes it.
  *
- * What holds for every function (null, failure, ownership, threads) is said once in docs/conventions.md. */
+ * What holds for every function (null, failure, ownership, threads) is said once in docs/conventions.md. Read asn1.h
+ * next. */
 #ifndef VELPKI_API_H
 #define VELPKI_API_H
 
@@ -11,8 +13,15 @@
 #error "velPKI is written for Linux"
 #endif
 
+/** An exported name. */
 #define VELPKI_API __attribute__((visibility("default")))
 
+/** @def VELPKI_BEGIN
+ * Begins the declarations of a header, which have C linkage. */
+/** @def VELPKI_END
+ * Ends them. */
+/** @def VELPKI_NOEXCEPT
+ * No function throws. */
 #ifdef __cplusplus
 #define VELPKI_BEGIN extern "C" {
 #define VELPKI_END }
