@@ -11,7 +11,7 @@
 namespace {
 
 void units(const uint8_t *data, int size) {
-  ASN1_UNIT *unit = decodeToBERSequence_n(data, size);
+  const Owned<ASN1_UNIT> unit(decodeToBERSequence_n(data, size));
   if (unit) {
     const Flat flat(unit);
     require(flat.length > 0, "a decoded unit can be flattened");
@@ -20,44 +20,36 @@ void units(const uint8_t *data, int size) {
     int cursor = 0;
     for (int i = 0; void *child = getBERChildOffset(unit, i, TYPE_ASN1_STRING, &cursor); ++i)
       free_ASN1_STRING(static_cast<ASN1_STRING *>(child));
-    ASN1_UNIT *copy = dup_ASN1_UNIT(unit), *faithful = dup_ASN1_UNIT_strict(unit);
+    const Owned<ASN1_UNIT> copy(dup_ASN1_UNIT(unit)), faithful(dup_ASN1_UNIT_strict(unit));
     require(faithful && Flat(faithful) == flat, "a faithful copy");
     if (copy) Flat{copy};
-    free_ASN1_UNIT(copy);
-    free_ASN1_UNIT(faithful);
   }
-  free_ASN1_UNIT(unit);
-  ASN1_UNIT *strict = decodeToDERSequence_strict(data, size);
+  const Owned<ASN1_UNIT> strict(decodeToDERSequence_strict(data, size));
   if (strict) require(Flat(strict).length == size, "DER comes back octet for octet");
-  free_ASN1_UNIT(strict);
   free_ASN1_UNIT(decodeToBERSequence_strict(data, size));
 }
 
 void strings(const uint8_t *data, int size) {
-  ASN1_STRING *value = decodeToBERASN1String_n(data, size);
-  ASN1_UNIT *unit = nullptr;
+  const Owned<ASN1_STRING> value(decodeToBERASN1String_n(data, size));
+  Owned<ASN1_UNIT> unit;
   if (value && ASN1_STRING_to_Seq(value, &unit) == 0) require(Flat(unit).length >= 2, "an encoding");
-  free_ASN1_UNIT(unit);
-  free_ASN1_STRING(value);
   free_ASN1_STRING(decodeToBERBitString_n(data, size));
   PKV_Free_BIGINT(decodeToBERInteger_n(data, size));
 }
 
 void oids(const uint8_t *data, int size) {
-  OBJECT_IDENTIFIER *oid = decodeToBERObjectIdentifier_n(data, size);
+  const Owned<ASN1_STRING> oid(decodeToBERObjectIdentifier_n(data, size));
   if (oid) {
     require(oid->length < 100, "bounded text");
     get_DigestID_from_OID(oid);
     get_AlgorType_from_OID(oid);
   }
-  free_OBJECT_IDENTIFIER(oid);
   free_OBJECT_IDENTIFIER(decodeToBERObjectIdentifier_RFC5280(data, size));
   free_OBJECT_IDENTIFIER(new_OBJECT_IDENTIFIER(reinterpret_cast<const char *>(data), size));
   ASN1_STRING raw{TYPE_OBJECT_IDENTIFIER, const_cast<uint8_t *>(data), size, 0};
-  ASN1_UNIT *unit = new_ASN1_UNIT();
+  const Owned<ASN1_UNIT> unit(new_ASN1_UNIT());
   encodeToBERObjectIdentifier(unit, 6, &raw, size, 1);
   encodeToBERObjectIdentifier_RFC5280(unit, 6, &raw, size, 1);
-  free_ASN1_UNIT(unit);
 }
 
 void times(const uint8_t *data, int size) {
@@ -65,12 +57,11 @@ void times(const uint8_t *data, int size) {
   free_ASN1_TIME(utcTimeToASN1_TIME(&raw));
   free_ASN1_TIME(utcTimeToASN1_TIME_RFC5280(&raw));
   raw.type = TYPE_GENERALIZED_TIME;
-  ASN1_TIME *time = generalizedTimeToASN1_TIME(&raw);
+  const Owned<ASN1_TIME> time(generalizedTimeToASN1_TIME(&raw));
   for (int form = 0; time && form < 4; ++form) {
     free_ASN1_STRING(asn1TimeToUTC_TIME(time, form));
     free_ASN1_STRING(asn1TimeToGENERALIZED_TIME(time, form));
   }
-  free_ASN1_TIME(time);
   free_ASN1_TIME(generalizedTimeToASN1_TIME_RFC5280(&raw));
   const std::string text(reinterpret_cast<const char *>(data), size_t(size));
   free_ASN1_TIME(charToASN1_TIME(text.c_str()));
@@ -78,37 +69,33 @@ void times(const uint8_t *data, int size) {
 
 void texts(const uint8_t *data, int size) {
   const char *text = reinterpret_cast<const char *>(data);
-  unsigned char *out = nullptr;
-  if (decode_PEM(text, size, &out) > 0) PKV_Free(out, __FILE__, __LINE__);
-  if (decode_PEM_strict(text, size, &out) > 0) PKV_Free(out, __FILE__, __LINE__);
-  if (decode_Base64_strict(text, size, &out) > 0) PKV_Free(out, __FILE__, __LINE__);
+  for (const auto decode : {decode_PEM, decode_PEM_strict, decode_Base64_strict}) {
+    Owned<unsigned char> out;
+    decode(text, size, &out);
+  }
+  Owned<unsigned char> out;
   const int length = decode_Base64(text, size, &out);
   if (length <= 0) return;
-  char *again = nullptr;
-  unsigned char *back = nullptr;
+  Owned<char> again;
+  Owned<unsigned char> back;
   require(encode_Base64(out, length, &again, 1) > 0, "octets become text");
   require(decode_Base64(again, int(std::strlen(again)), &back) == length, "and octets again");
   require(std::memcmp(out, back, size_t(length)) == 0, "the same");
-  PKV_Free(out, __FILE__, __LINE__);
-  PKV_Free(back, __FILE__, __LINE__);
-  PKV_Free(again, __FILE__, __LINE__);
 }
 
 void conversions(const uint8_t *data, int size) {
   const char *text = reinterpret_cast<const char *>(data);
-  unsigned char *ucs2 = nullptr;
-  char *back = nullptr;
+  Owned<unsigned char> ucs2, widened;
+  Owned<char> back, utf8, cp949, narrowed;
   const int length = cp949ToUnicode(text, size, &ucs2);
   if (length > 0) {
     require(unicodeToCP949(ucs2, length, &back) == size, "CP949 comes back");
     require(std::memcmp(back, data, size_t(size)) == 0, "the same");
-    PKV_Free(back, __FILE__, __LINE__);
   }
-  if (length >= 0) PKV_Free(ucs2, __FILE__, __LINE__);
-  if (cp949ToUTF8(text, size, &back) >= 0) PKV_Free(back, __FILE__, __LINE__);
-  if (unicodeToCP949(data, size, &back) >= 0) PKV_Free(back, __FILE__, __LINE__);
-  if (ascTouni(text, size, &ucs2) >= 0) PKV_Free(ucs2, __FILE__, __LINE__);
-  if (uniToasc(data, size, &back) >= 0) PKV_Free(back, __FILE__, __LINE__);
+  cp949ToUTF8(text, size, &utf8);
+  unicodeToCP949(data, size, &cp949);
+  ascTouni(text, size, &widened);
+  uniToasc(data, size, &narrowed);
 }
 
 constexpr Target kTargets[] = {

@@ -48,22 +48,16 @@ bool is_slow(const uint8_t *data, int size) {
 }
 
 void messages(const uint8_t *data, int size) {
-  CMS_CONTENT_INFO *cms = nullptr, *standard = nullptr;
+  Owned<CMS_CONTENT_INFO> cms, standard;
   if (is_slow(data, size)) return;
   if (readDER_CMS_CONTENT_INFO_from_Binary(&cms, data, size) == 0) use(cms, data, size);
   if (readBER_CMS_CONTENT_INFO_from_Binary(&standard, data, size) == 0) use(standard, data, size);
-  free_CMS_CONTENT_INFO(cms);
-  free_CMS_CONTENT_INFO(standard);
 }
 
 constexpr Target kTargets[] = {
     {"cms_message", messages},
     {"cms_content_info", KEY_FAMILY(CMS_CONTENT_INFO, nullptr)},
-    {"cms_content_info_rfc5280",
-     [](const uint8_t *d, int n) {
-       family<CMS_CONTENT_INFO>(d, n, Seq_to_CMS_CONTENT_INFO_RFC5280, CMS_CONTENT_INFO_to_Seq_RFC5280, nullptr,
-                                free_CMS_CONTENT_INFO, Readable::perhaps);
-     }},
+    {"cms_content_info_rfc5280", STANDARD_FAMILY_OF(CMS_CONTENT_INFO, nullptr, perhaps)},
     {"cms_signer_info", FAMILY(CMS_SIGNER_INFO, nullptr)},
     {"cms_signer_infos", FAMILY(CMS_SIGNER_INFOS, nullptr)},
     {"cms_recipient_info", FAMILY(CMS_RECIPIENT_INFO, nullptr)},

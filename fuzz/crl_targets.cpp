@@ -17,11 +17,10 @@ void look_up(X509_CRL *crl) {
   }
   if (!count) return;
   X509_REVOKED *last = get_X509_REVOKED(list, count - 1);
-  BIGINT *fresh = PKV_New_BIGINT();
+  const Owned<BIGINT> fresh(PKV_New_BIGINT());
   PKV_Decimal_To_BIGINT(fresh, "-1234567890123456789012345678901234567890");
   require(set_X509_REVOKED_userCert(last, fresh) == 0, "a new number");
   require(find_X509_CRL_revoked(crl, fresh) != nullptr, "is found");
-  PKV_Free_BIGINT(fresh);
   while (get_X509_REVOKED_ext_count(last) > 0) remove_X509_REVOKED_ext(last, 0);
   require(get_X509_CRL_received(crl, 0, nullptr) == nullptr, "a changed list keeps nothing");
   sort_X509_CRL_revoked(crl);
@@ -31,25 +30,23 @@ struct Authority {
   ASYMMETRIC_KEY *key;
   X509_PUBKEY *pubkey = new_X509_PUBKEY();
   Authority() {
-    ECC_UNIT *unit = PKV_New_ECC();
-    ECURVE *curve = PKV_New_ECURVE();
+    const Owned<ECC_UNIT> unit(PKV_New_ECC());
+    const Owned<ECURVE> curve(PKV_New_ECURVE());
     PKV_Set_ECURVE_Named(curve, "prime256v1");
     PKV_Set_ECC_Curve(unit, curve);
     PKV_Generate_ECC(unit);
-    PKV_Free_ECURVE(curve);
     key = ECC_UNIT_to_ASYMMETRIC_KEY(unit);
     set_X509_PUBKEY_ecc(pubkey, unit);
-    PKV_Free_ECC(unit);
   }
 };
 
 // Signs the list and asks it for a certificate that has the list's extensions for its own.
 void check(X509_CRL *crl) {
   static const Authority authority;
-  OBJECT_IDENTIFIER *algorithm = new_OBJECT_IDENTIFIER("1.2.840.10045.4.3.2", 19);
+  const Owned<ASN1_STRING> algorithm(new_OBJECT_IDENTIFIER("1.2.840.10045.4.3.2", 19));
   set_X509_CRL_signature(crl, algorithm);
-  X509_CERT *cert = new_X509_CERT();
-  BIGINT *serial = PKV_New_BIGINT();
+  const Owned<X509_CERT> cert(new_X509_CERT());
+  const Owned<BIGINT> serial(PKV_New_BIGINT());
   PKV_Set_BIGINT_Word(serial, 5);
   set_X509_serial(cert, serial);
   set_X509_issuer(cert, get_X509_CRL_issuer(crl));
@@ -61,9 +58,6 @@ void check(X509_CRL *crl) {
     const int code = check_X509_CRL_revocation_strict(crl, cert, cert, get_X509_CRL_thisUpdate(crl), &entry);
     require(code != 0 || !entry, "an entry is a revocation");
   }
-  PKV_Free_BIGINT(serial);
-  free_X509_CERT(cert);
-  free_OBJECT_IDENTIFIER(algorithm);
 }
 
 void lists(const uint8_t *data, int size) {
@@ -72,13 +66,12 @@ void lists(const uint8_t *data, int size) {
   readDER_X509_CRL_from_Binary_RFC5280(&standard, data, size);
   for (X509_CRL *crl : {plain, standard}) {
     if (!crl) continue;
-    X509_CRL *copy = dup_X509_CRL(crl);
+    const Owned<X509_CRL> copy(dup_X509_CRL(crl));
     require(copy != nullptr, "what decodes can be copied");
     look_up(crl);
     free_X509_CRL(crl);
     check(copy);
     look_up(copy);
-    free_X509_CRL(copy);
   }
 }
 
@@ -88,11 +81,7 @@ constexpr Target kTargets[] = {
     {"x509_crl_rfc5280", STANDARD_FAMILY(X509_CRL, dup_X509_CRL)},
     {"crl_info", FAMILY(X509_CRL_INFO, dup_X509_CRL_INFO)},
     {"crls", FAMILY(X509_CRLS, nullptr)},
-    {"revoked",
-     [](const uint8_t *d, int n) {
-       family<STACK>(d, n, Seq_to_X509_REVOKED, X509_REVOKED_to_Seq, nullptr, free_X509_REVOKED_LIST,
-                     Readable::from_der);
-     }},
+    {"revoked", FAMILY_OF(STACK, Seq_to_X509_REVOKED, X509_REVOKED_to_Seq, nullptr, free_X509_REVOKED_LIST, from_der)},
 };
 
 }  // namespace

@@ -10,26 +10,17 @@ namespace {
 using Run = void (*)(const uint8_t *, int);
 
 // A house value need not read back: names lose their wrapper or their kind.
-#define HOUSE(T) \
-  [](const uint8_t *d, int n) { family<T>(d, n, Seq_to_##T, T##_to_Seq, dup_##T, free_##T, Readable::perhaps); }
-#define STANDARD(T) STANDARD_FAMILY(T, dup_##T)
-#define EXTENSION_TYPE(T) HOUSE(T), STANDARD(T),
+#define EXTENSION_TYPE(T) KEY_FAMILY(T, dup_##T), STANDARD_FAMILY(T, dup_##T),
 
 constexpr Run kTypes[] = {
 #include "../tests/support/extension_types_table.inc"
     STANDARD_FAMILY(AUTHORITY_INFO_ACCESS, nullptr),
     STANDARD_FAMILY(EXTENDED_KEY_USAGE, nullptr),
-    [](const uint8_t *d, int n) {
-      family<ISSUING_DIST_POINT>(d, n, Seq_to_issuing_DIST_POINT, issuing_DIST_POINT_to_Seq, nullptr,
-                                 free_ISSUING_DIST_POINT, Readable::perhaps);
-    },
-    [](const uint8_t *d, int n) {
-      family<ISSUING_DIST_POINT>(d, n, Seq_to_issuing_DIST_POINT_RFC5280, issuing_DIST_POINT_to_Seq_RFC5280, nullptr,
-                                 free_ISSUING_DIST_POINT, Readable::perhaps);
-    },
-    [](const uint8_t *d, int n) {
-      family<X509_SIGN>(d, n, Seq_to_X509_SIGN, X509_SIGN_to_Seq, nullptr, free_X509_SIGN, Readable::perhaps);
-    },
+    FAMILY_OF(ISSUING_DIST_POINT, Seq_to_issuing_DIST_POINT, issuing_DIST_POINT_to_Seq, nullptr,
+              free_ISSUING_DIST_POINT, perhaps),
+    FAMILY_OF(ISSUING_DIST_POINT, Seq_to_issuing_DIST_POINT_RFC5280, issuing_DIST_POINT_to_Seq_RFC5280, nullptr,
+              free_ISSUING_DIST_POINT, perhaps),
+    KEY_FAMILY(X509_SIGN, nullptr),
 };
 
 void extension_value(const uint8_t *data, int size) {

@@ -8,19 +8,15 @@ namespace {
 // The input is the value of the extension.
 void subject_alt_name(const uint8_t *data, int size) {
   static const unsigned char random[20] = {1};
-  X509_CERT *cert = new_X509_CERT();
-  ASN1_STRING *value = new_ASN1_STRING();
-  X509_EXTENSION *extension = nullptr;
-  X509_EXTENSIONS *list = nullptr;
+  const Owned<X509_CERT> cert(new_X509_CERT());
+  const Owned<ASN1_STRING> value(new_ASN1_STRING());
+  Owned<X509_EXTENSION> extension;
+  Owned<STACK, free_X509_EXTENSIONS> list;
   set_ASN1_STRING_value(value, TYPE_OCTET_STRING, data, size);
   create_X509_EXTENSION_by_OID_index(&extension, 85, 0, value);
   add_X509_EXTENSION(&list, extension, -1);
   set_X509_extensions(cert, list);
   require(check_VID(cert, "1", 1, random, sizeof random) != 0, "no digest is guessed");
-  free_X509_EXTENSIONS(list);
-  free_X509_EXTENSION(extension);
-  free_ASN1_STRING(value);
-  free_X509_CERT(cert);
 }
 
 constexpr Target kTargets[] = {

@@ -7,31 +7,27 @@ namespace {
 
 void responses(const uint8_t *data, int size) {
   static const unsigned char nonce[4] = {1, 0, 2, 3};
-  OCSP_RESPONSE *response = nullptr;
-  BASIC_OCSP_RESPONSE *strict = nullptr;
+  Owned<OCSP_RESPONSE> response;
+  Owned<BASIC_OCSP_RESPONSE> strict;
   if (readDER_OCSP_RESPONSE_from_Binary(&response, data, size)) return require(!response, "failure leaves no record");
-  BASIC_OCSP_RESPONSE *basic = get_BASIC_OCSP_RESPONSE(response);
+  const Owned<BASIC_OCSP_RESPONSE> basic(get_BASIC_OCSP_RESPONSE(response));
   verify_BASIC_OCSP_RESPONSE(basic, nullptr, nonce, sizeof nonce);
   get_CERT_STATUS_from_OCSP_RESPONSE(basic, nullptr);
   if (get_BASIC_OCSP_RESPONSE_strict(response, &strict) == 0 && strict->certs && strict->certs->count > 0) {
     auto *cert = static_cast<X509_CERT *>(get_STACK_value(strict->certs, 0));
     verify_BASIC_OCSP_RESPONSE_strict(strict, cert, cert, nullptr, 0, nullptr, 0, nullptr);
   }
-  free_BASIC_OCSP_RESPONSE(basic);
-  free_BASIC_OCSP_RESPONSE(strict);
-  free_OCSP_RESPONSE(response);
 }
 
 void requests(const uint8_t *data, int size) {
   unsigned char nonce[8];
-  OCSP_REQUEST *request = nullptr;
+  Owned<OCSP_REQUEST> request;
   if (readDER_OCSP_REQUEST_from_Binary(&request, data, size)) return require(!request, "failure leaves no record");
   verify_OCSP_REQUEST(request, nullptr);
   verify_OCSP_REQUEST_strict(request, get_OCSP_REQUEST_signature_cert(request));
   const int length = get_OCSP_REQUEST_nonce_length(request);
   const int code = get_OCSP_REQUEST_nonce(request, nonce, sizeof nonce);
   require(code != 0 || length <= int(sizeof nonce), "no more than the room");
-  free_OCSP_REQUEST(request);
 }
 
 constexpr Target kTargets[] = {

@@ -12,35 +12,31 @@ namespace {
 
 ASYMMETRIC_KEY *key() {
   static ASYMMETRIC_KEY *const made = [] {
-    RSA_UNIT *rsa = PKV_New_RSA();
+    const Owned<RSA_UNIT> rsa(PKV_New_RSA());
     require(PKV_Generate_RSA(rsa, 1024, 65537, nullptr, nullptr) == 0, "a key is made");
-    ASYMMETRIC_KEY *wrapped = RSA_UNIT_to_ASYMMETRIC_KEY(rsa);
-    PKV_Free_RSA(rsa);
-    return wrapped;
+    return RSA_UNIT_to_ASYMMETRIC_KEY(rsa);
   }();
   return made;
 }
 
 void set_name(X509_CERT *cert, int (*set)(X509_CERT *, const X509_NAME *), const char *text) {
-  X509_NAME *name = new_X509_NAME();
+  const Owned<STACK, free_X509_NAME> name(new_X509_NAME());
   add_X509_NAME_child_OID_index(name, 13, 12, reinterpret_cast<const unsigned char *>(text), -1, -1);
   set(cert, name);
-  free_X509_NAME(name);
 }
 void set_date(X509_CERT *cert, int (*set)(X509_CERT *, const X509_TIME *), const std::string &text) {
-  X509_TIME *time = new_X509_TIME();
+  const Owned<X509_TIME> time(new_X509_TIME());
   time->time = new_ASN1_STRING();
   set_ASN1_STRING_value(time->time, 23, reinterpret_cast<const unsigned char *>(text.data()), int(text.size()));
   set(cert, time);
-  free_X509_TIME(time);
 }
 
 // A signed certificate with these extensions, or with none when they cannot be read.
 X509_CERT *certificate(const char *subject, const char *issuer, std::span<const uint8_t> octets) {
   X509_CERT *cert = new_X509_CERT();
-  BIGINT *serial = PKV_New_BIGINT();
-  X509_PUBKEY *pubkey = new_X509_PUBKEY();
-  OBJECT_IDENTIFIER *algorithm = new_OBJECT_IDENTIFIER("1.2.840.113549.1.1.11", 21);
+  const Owned<BIGINT> serial(PKV_New_BIGINT());
+  const Owned<X509_PUBKEY> pubkey(new_X509_PUBKEY());
+  const Owned<ASN1_STRING> algorithm(new_OBJECT_IDENTIFIER("1.2.840.113549.1.1.11", 21));
   set_X509_version(cert, 2);
   set_X509_serial(cert, serial);
   set_X509_signature(cert, algorithm);
@@ -50,18 +46,13 @@ X509_CERT *certificate(const char *subject, const char *issuer, std::span<const 
   set_date(cert, set_X509_notAfter, "490101000000Z");
   set_X509_PUBKEY_rsa(pubkey, ASYMMETRIC_KEY_to_RSA_UNIT(key()));
   set_X509_pub_key(cert, pubkey);
-  ASN1_UNIT *unit = decodeToBERSequence_n(octets.data(), int(octets.size()));
-  X509_EXTENSIONS *extensions = nullptr;
+  const Owned<ASN1_UNIT> unit(decodeToBERSequence_n(octets.data(), int(octets.size())));
+  Owned<STACK, free_X509_EXTENSIONS> extensions;
   if (unit && Seq_to_X509_EXTENSIONS(unit, &extensions) == 0) set_X509_extensions(cert, extensions);
   if (gen_SIG_X509_Cert(cert, key())) {
     set_X509_extensions(cert, nullptr);
     gen_SIG_X509_Cert(cert, key());
   }
-  free_X509_EXTENSIONS(extensions);
-  free_ASN1_UNIT(unit);
-  free_OBJECT_IDENTIFIER(algorithm);
-  free_X509_PUBKEY(pubkey);
-  PKV_Free_BIGINT(serial);
   return cert;
 }
 
@@ -83,12 +74,13 @@ void path(const uint8_t *data, int size) {
   if (size < 1) return;
   const std::span<const uint8_t> all(data + 1, size_t(size) - 1);
   const size_t first = std::min(size_t(data[0]), all.size());
-  STACK *certs = new_STACK(), *user = new_STACK();
+  const Owned<STACK, free_X509_CERTIFICATES> certs(new_STACK());
+  const Owned<STACK, free_OBJECT_IDENTIFIERS> user(new_STACK());
   push_STACK_value(certs, certificate("end", "ca", all.subspan(first)));
   push_STACK_value(certs, certificate("ca", "root", all.first(first)));
   push_STACK_value(certs, certificate("root", "root", {}));
   push_STACK_value(user, new_OBJECT_IDENTIFIER("1.2.3.4", 7));
-  node_LIST *all_policies = nullptr, *cut = nullptr;
+  Owned<node_LIST> all_policies, cut;
   const int code = validate_certpath(certs, nullptr, &all_policies);
   const int with_user = validate_certpath(certs, user, &cut);
   require(with_user == code || with_user == (F_VALIDATE_CERTPATH | ERR_INVALID_VALID_POLICY_TREE),
@@ -96,33 +88,24 @@ void path(const uint8_t *data, int size) {
   require((code == 0 || !all_policies) && (with_user == 0 || !cut), "failure leaves no tree");
   check_tree(all_policies);
   check_tree(cut);
-  TRUST_ANCHORS *anchors = new_TRUST_ANCHORS();
+  const Owned<STACK, free_TRUST_ANCHORS> anchors(new_TRUST_ANCHORS());
   auto *end = static_cast<X509_CERT *>(get_STACK_value(certs, 0)),
        *root = static_cast<X509_CERT *>(get_STACK_value(certs, 2));
   const TRUST_ANCHOR anchor{get_X509_subject(root), get_X509_SPKI(root)};
   add_TRUST_ANCHORS(anchors, &anchor);
-  STACK *built = nullptr;
+  Owned<STACK, free_X509_CERTIFICATES> built;
   require(build_certPath(&built, end, certs, anchors) == 0 && built->count >= 2, "the path is found");
-  free_X509_CERTIFICATES(built);
-  free_TRUST_ANCHORS(anchors);
-  free_node_LIST(all_policies);
-  free_node_LIST(cut);
-  free_STACK_values(user, [](void *oid) { free_OBJECT_IDENTIFIER(static_cast<OBJECT_IDENTIFIER *>(oid)); });
-  free_X509_CERTIFICATES(certs);
 }
 
 void message(const uint8_t *data, int size) {
-  P7_CONTENT_INFO *read = nullptr;
-  CERT_TRUST_LIST *list = nullptr;
+  Owned<P7_CONTENT_INFO> read;
+  Owned<CERT_TRUST_LIST> list;
   if (readDER_P7_CONTENT_INFO_from_Binary(&read, data, size)) return;
-  TRUST_ANCHORS *anchors = new_TRUST_ANCHORS();
+  const Owned<STACK, free_TRUST_ANCHORS> anchors(new_TRUST_ANCHORS());
   P7_CONTENT_INFO_to_CERT_TRUST_LIST(read, &list);
   const int verified = verify_ctlSignedData(read, nullptr);
   const int added = add_TRUST_ANCHORS_from_CTL(anchors, read);
   require(!verified || (added && anchors->count == 0), "nothing unsigned is taken");
-  free_TRUST_ANCHORS(anchors);
-  free_CERT_TRUST_LIST(list);
-  free_P7_CONTENT_INFO(read);
 }
 
 constexpr Target kTargets[] = {

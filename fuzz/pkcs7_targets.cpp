@@ -6,16 +6,13 @@
 namespace {
 
 void normalize(const uint8_t *data, int size) {
-  unsigned char *out = nullptr, *again = nullptr;
+  Owned<unsigned char> out, again;
   const int length = normalize_BER(data, size, &out);
   if (length < 0) return require(out == nullptr, "failure stores nothing");
-  ASN1_UNIT *der = decodeToDERSequence_strict(out, length);
+  const Owned<ASN1_UNIT> der(decodeToDERSequence_strict(out, length));
   require(der != nullptr || length > 0, "a result");
-  free_ASN1_UNIT(der);
   require(normalize_BER(out, length, &again) == length, "the form is final");
   require(std::memcmp(out, again, size_t(length)) == 0, "octet for octet");
-  PKV_Free(out, __FILE__, __LINE__);
-  PKV_Free(again, __FILE__, __LINE__);
 }
 
 // A message goes through everything that looks into it.
@@ -28,32 +25,25 @@ void use(P7_CONTENT_INFO *p7, const uint8_t *data, int size) {
   require(count >= 0 && count <= 4, "reports within their room");
   const int room = get_PKCS7_ENCRYPTED_CONTENT_length(p7);
   if (room > 0) {
-    auto *out = static_cast<unsigned char *>(PKV_Malloc(size_t(room), __FILE__, __LINE__));
+    const Owned<unsigned char> out(static_cast<unsigned char *>(PKV_Malloc(size_t(room), __FILE__, __LINE__)));
     if (decrypt_PKCS7(p7, key, nullptr, out, &length) == 0) require(length <= room, "no more than the ciphertext");
     verify_decrypt_PKCS7(p7, nullptr, key, out, &length);
-    PKV_Free(out, __FILE__, __LINE__);
   }
   final_PKCS7_Sign(p7);
   final_PKCS7_Encrypt(p7, nullptr, nullptr);
 }
 
 void messages(const uint8_t *data, int size) {
-  P7_CONTENT_INFO *p7 = nullptr, *standard = nullptr;
+  Owned<P7_CONTENT_INFO> p7, standard;
   if (readDER_P7_CONTENT_INFO_from_Binary(&p7, data, size) == 0) use(p7, data, size);
   if (readBER_P7_CONTENT_INFO_from_Binary(&standard, data, size) == 0) use(standard, data, size);
-  free_P7_CONTENT_INFO(p7);
-  free_P7_CONTENT_INFO(standard);
 }
 
 constexpr Target kTargets[] = {
     {"normalize_ber", normalize},
     {"p7_message", messages},
     {"p7_content_info", KEY_FAMILY(P7_CONTENT_INFO, nullptr)},
-    {"p7_content_info_rfc5280",
-     [](const uint8_t *d, int n) {
-       family<P7_CONTENT_INFO>(d, n, Seq_to_P7_CONTENT_INFO_RFC5280, P7_CONTENT_INFO_to_Seq_RFC5280, nullptr,
-                               free_P7_CONTENT_INFO, Readable::perhaps);
-     }},
+    {"p7_content_info_rfc5280", STANDARD_FAMILY_OF(P7_CONTENT_INFO, nullptr, perhaps)},
     {"p7_signer_info", FAMILY(P7_SIGNER_INFO, nullptr)},
     {"p7_signer_infos", FAMILY(P7_SIGNER_INFOS, nullptr)},
     {"p7_recipient_info", FAMILY(P7_RECIPIENT_INFO, nullptr)},

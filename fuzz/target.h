@@ -9,6 +9,10 @@
 #include <cstring>
 #include <span>
 
+#include "../tests/support/owned.h"
+
+using test::Owned;
+
 struct Target {
   const char *name;
   void (*run)(const uint8_t *, int);
@@ -34,10 +38,9 @@ inline void require(bool holds, const char *what) {
 }
 
 struct Flat {
-  unsigned char *data = nullptr;
+  Owned<unsigned char> data;
   int length = -1;
   explicit Flat(const ASN1_UNIT *unit) : length(ASN1_to_binary(unit, &data)) {}
-  ~Flat() { PKV_Free(data, __FILE__, __LINE__); }
   bool operator==(const Flat &other) const {
     return length == other.length && (length <= 0 || std::memcmp(data, other.data, size_t(length)) == 0);
   }
@@ -48,9 +51,8 @@ struct Flat {
 enum class Readable { always, from_der, perhaps };
 
 inline bool must_be_readable(Readable when, const uint8_t *data, int size) {
-  ASN1_UNIT *der = when == Readable::from_der ? decodeToDERSequence_strict(data, size) : nullptr;
+  const Owned<ASN1_UNIT> der(when == Readable::from_der ? decodeToDERSequence_strict(data, size) : nullptr);
   const bool is_der = der != nullptr;
-  free_ASN1_UNIT(der);
   return when == Readable::always || is_der;
 }
 
@@ -58,7 +60,8 @@ inline bool must_be_readable(Readable when, const uint8_t *data, int size) {
 template <class R>
 void family(const uint8_t *data, int size, int (*from)(ASN1_UNIT *, R **), int (*to)(const R *, ASN1_UNIT **),
             R *(*copy)(const R *), void (*release)(R *), Readable when) {
-  ASN1_UNIT *unit = decodeToBERSequence_n(data, size), *written = nullptr, *again = nullptr;
+  const Owned<ASN1_UNIT> unit(decodeToBERSequence_n(data, size));
+  Owned<ASN1_UNIT> written, again;
   R *record = nullptr, *back = nullptr;
   if (unit && from(unit, &record) == 0) {
     if (copy) {
@@ -77,16 +80,11 @@ void family(const uint8_t *data, int size, int (*from)(ASN1_UNIT *, R **), int (
   }
   if (record) release(record);
   if (back) release(back);
-  free_ASN1_UNIT(unit);
-  free_ASN1_UNIT(written);
-  free_ASN1_UNIT(again);
 }
 
-#define FAMILY(T, copy) \
-  [](const uint8_t *d, int n) { family<T>(d, n, Seq_to_##T, T##_to_Seq, copy, free_##T, Readable::from_der); }
-#define KEY_FAMILY(T, copy) \
-  [](const uint8_t *d, int n) { family<T>(d, n, Seq_to_##T, T##_to_Seq, copy, free_##T, Readable::perhaps); }
-#define STANDARD_FAMILY(T, copy)                                                                 \
-  [](const uint8_t *d, int n) {                                                                  \
-    family<T>(d, n, Seq_to_##T##_RFC5280, T##_to_Seq_RFC5280, copy, free_##T, Readable::always); \
-  }
+#define FAMILY_OF(T, from, to, copy, release, when) \
+  [](const uint8_t *d, int n) { family<T>(d, n, from, to, copy, release, Readable::when); }
+#define FAMILY(T, copy) FAMILY_OF(T, Seq_to_##T, T##_to_Seq, copy, free_##T, from_der)
+#define KEY_FAMILY(T, copy) FAMILY_OF(T, Seq_to_##T, T##_to_Seq, copy, free_##T, perhaps)
+#define STANDARD_FAMILY_OF(T, copy, when) FAMILY_OF(T, Seq_to_##T##_RFC5280, T##_to_Seq_RFC5280, copy, free_##T, when)
+#define STANDARD_FAMILY(T, copy) STANDARD_FAMILY_OF(T, copy, always)

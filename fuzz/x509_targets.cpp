@@ -11,16 +11,16 @@ namespace {
 template <class K>
 void key_octets(const uint8_t *data, int size, int (*read)(const ASN1_STRING *, K **),
                 int (*write)(K *, ASN1_STRING **), void (*release)(K *)) {
-  ASN1_STRING *bits = new_BIT_STRING(data, size), *written = nullptr;
+  const Owned<ASN1_STRING> bits(new_BIT_STRING(data, size));
+  Owned<ASN1_STRING> written;
   K *key = nullptr;
-  if (bits && read(bits, &key) == 0 && write(key, &written) == 0) free_ASN1_STRING(written);
+  if (bits && read(bits, &key) == 0) write(key, &written);
   release(key);
-  free_ASN1_STRING(bits);
 }
 
 // A certificate goes through everything that looks into it.
 void certificates(const uint8_t *data, int size) {
-  X509_CERT *cert = nullptr, *standard = nullptr;
+  Owned<X509_CERT> cert, standard;
   if (readDER_X509_CERT_from_Binary(&cert, data, size) == 0) {
     unsigned char digest[PKV_MAX_DIGEST_LENGTH];
     int length = 0;
@@ -33,33 +33,28 @@ void certificates(const uint8_t *data, int size) {
   if (readDER_X509_CERT_from_Binary_RFC5280(&standard, data, size) == 0) {
     verify_SIG_X509_CERT_RFC5280(standard, get_X509_SPKI(standard));
   }
-  free_X509_CERT(cert);
-  free_X509_CERT(standard);
 }
 
 // A request goes through everything that looks into it; what becomes of it is a certificate that can be written.
 void requests(const uint8_t *data, int size) {
-  PKCS10_X509_REQ *req = nullptr, *standard = nullptr;
+  Owned<PKCS10_X509_REQ> req, standard;
   if (readDER_PKCS10_X509_REQ_from_Binary(&req, data, size) == 0) verify_SIG_PKCS10_X509_REQ(req);
   if (readDER_PKCS10_X509_REQ_from_Binary_RFC5280(&standard, data, size) == 0) {
-    X509_CERT *cert = new_X509_CERT();
-    OBJECT_IDENTIFIERS *allowed = new_OBJECT_IDENTIFIERS();
+    const Owned<X509_CERT> cert(new_X509_CERT());
+    const Owned<STACK, free_OBJECT_IDENTIFIERS> allowed(new_OBJECT_IDENTIFIERS());
     for (const char *oid : {"2.5.29.14", "2.5.29.15", "2.5.29.17", "2.5.29.32", "2.5.29.37"})
       push_STACK_value(allowed, new_OBJECT_IDENTIFIER(oid, int(std::strlen(oid))));
     const int code = set_X509_CERT_from_PKCS10_X509_REQ(cert, standard, allowed);
     require(code != 0 || verify_SIG_PKCS10_X509_REQ_RFC5280(standard) == 0, "what is taken was verified");
-    free_OBJECT_IDENTIFIERS(allowed);
-    free_X509_CERT(cert);
   }
-  free_PKCS10_X509_REQ(req);
-  free_PKCS10_X509_REQ(standard);
 }
 
 // What parameters mean can be written again and means the same.
 void rsa_parameters(const uint8_t *data, int size) {
-  ASN1_UNIT *unit = decodeToBERSequence_n(data, size);
-  RSASSA_PSS_PARAM *pss = nullptr, *made = new_RSASSA_PSS_PARAM();
-  RSAES_OAEP_PARAM *oaep = nullptr;
+  const Owned<ASN1_UNIT> unit(decodeToBERSequence_n(data, size));
+  Owned<RSASSA_PSS_PARAM> pss;
+  const Owned<RSASSA_PSS_PARAM> made(new_RSASSA_PSS_PARAM());
+  Owned<RSAES_OAEP_PARAM> oaep;
   int digest, mask, salt, back = -1, length;
   const unsigned char *label;
   if (unit && Seq_to_RSASSA_PSS_PARAM(unit, &pss) == 0 && !get_RSASSA_PSS_PARAM_values(pss, &digest, &mask, &salt)) {
@@ -69,10 +64,6 @@ void rsa_parameters(const uint8_t *data, int size) {
   if (unit && Seq_to_RSAES_OAEP_PARAM(unit, &oaep) == 0) {
     get_RSAES_OAEP_PARAM_values(oaep, &digest, &mask, &label, &length);
   }
-  free_ASN1_UNIT(unit);
-  free_RSASSA_PSS_PARAM(pss);
-  free_RSASSA_PSS_PARAM(made);
-  free_RSAES_OAEP_PARAM(oaep);
 }
 
 void signature_values(const uint8_t *data, int size) {

@@ -48,19 +48,8 @@ inline int open_strict(const Cms &cms, const CMS_OPENER &opener, Bytes &out) {
 // A party with a key on P-256, in files and here.
 struct CurveParty : PartyFiles {
   CurveParty() : PartyFiles("curve") {
-    run("openssl ecparam -name prime256v1 -genkey -noout -out " + key_path);
+    run("openssl genpkey -algorithm EC -pkeyopt ec_paramgen_curve:prime256v1 -out " + key_path + " 2>/dev/null");
     certify("curve");
-  }
-  Owned<ASYMMETRIC_KEY> key() const {
-    const std::string text =
-        run("openssl ec -in " + key_path + " -outform DER 2>/dev/null | od -An -tx1 -v | tr -d ' \\n'");
-    const Bytes der = hex(text);
-    const Certificate cert = certificate();
-    const Owned<ECC_UNIT> unit(PKV_Dup_ECC(ASYMMETRIC_KEY_to_ECC_UNIT(get_X509_SPKI(cert)->key)));
-    BIGINT *d = der.size() > 39 ? PKV_New_BIGINT_Binary(der.data() + 7, 32) : nullptr;
-    PKV_Set_ECC_Private(unit, d);
-    PKV_Free_BIGINT(d);
-    return Owned<ASYMMETRIC_KEY>(ECC_UNIT_to_ASYMMETRIC_KEY(unit));
   }
 };
 inline const CurveParty &curve_party() {

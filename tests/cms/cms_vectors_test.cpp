@@ -41,7 +41,8 @@ struct RowOpener {
     const auto certs = split(row.at("recipient_cert")), private_keys = split(row.at("recipient_key"));
     for (size_t i = 0; i < std::min(certs.size(), private_keys.size()); ++i) {
       Certificate cert = certificate_at(folder + "/" + certs[i]);
-      Owned<ASYMMETRIC_KEY> key = key_at(folder + "/" + private_keys[i], cert);
+      Owned<ASYMMETRIC_KEY> key =
+          key_in(decoded(Seq_to_P8_PRIV_KEY_INFO_RFC5280, read_file(folder + "/" + private_keys[i])));
       keys.emplace_back(std::move(cert), std::move(key));
     }
     for (const auto &[cert, key] : keys) all.push_back({.cert = cert, .key = key});

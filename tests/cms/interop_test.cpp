@@ -5,11 +5,6 @@ using namespace test;
 
 namespace {
 
-Bytes damaged(Bytes octets, size_t place) {
-  octets[place] ^= 1;
-  return octets;
-}
-
 struct SignCase {
   int digest_row, digest_id, padding;
   bool detached, attributes;
@@ -92,11 +87,9 @@ TEST(Interop, WhatOpensslSignsIsVerifiedHere) {
          true});
   for (const Case &c : cases) {
     ASSERT_EQ(status_of(c.command + " -outform " + c.form), 0);
-    Owned<P7_CONTENT_INFO> p7;
-    ASSERT_EQ(c.form == "DER" ? readDER_P7_CONTENT_INFO_from_File(&p7, path.c_str())
-                              : readPEM_P7_CONTENT_INFO_from_File(&p7, path.c_str()),
-              0)
-        << c.command;
+    const Message p7 =
+        read_by(c.form == "DER" ? readDER_P7_CONTENT_INFO_from_File : readPEM_P7_CONTENT_INFO_from_File, path);
+    ASSERT_TRUE(p7) << c.command;
     const Bytes other = damaged(document(), 4999);
     EXPECT_EQ(verify(p7, c.detached ? &document() : nullptr), 0) << c.command;
     EXPECT_EQ(static_cast<P7_SIGNED_DATA *>(p7->content)->detached, c.detached);
@@ -104,8 +97,6 @@ TEST(Interop, WhatOpensslSignsIsVerifiedHere) {
     if (c.form == "DER") EXPECT_TRUE(written(p7) == read_file(path)) << c.command;
   }
 }
-
-constexpr const char *kProviders = " -provider default -provider legacy ";
 
 // The content as the recipient finds it; empty when anything fails.
 Bytes opened(const Message &p7, const Party &party, int padding) {
@@ -175,15 +166,15 @@ TEST(Interop, StreamsAreReadWhole) {
     write_file(in, content.data(), size);
     const std::string common = " -binary -stream -in " + in + " -out " + out + " -outform ";
     for (const std::string form : {"DER", "PEM"}) {
-      P7_CONTENT_INFO *p7 = nullptr, *sealed = nullptr;
       ASSERT_EQ(status_of("openssl smime -sign -nodetach" + first_party().as_signer() + common + form), 0);
-      ASSERT_EQ(readBER_P7_CONTENT_INFO_from_File(&p7, out.c_str()), 0) << size << form;
-      const Message message(p7);
-      EXPECT_EQ(verify(message), 0) << size << form;
-      EXPECT_EQ(verify_strictly(message, 0, &content), 0) << size << form;
+      const Message p7 = read_by(readBER_P7_CONTENT_INFO_from_File, out);
+      ASSERT_TRUE(p7) << size << form;
+      EXPECT_EQ(verify(p7), 0) << size << form;
+      EXPECT_EQ(verify_strictly(p7, 0, &content), 0) << size << form;
       ASSERT_EQ(status_of("openssl smime -encrypt -aes128" + common + form + " " + second_party().certificate_path), 0);
-      ASSERT_EQ(readBER_P7_CONTENT_INFO_from_File(&sealed, out.c_str()), 0) << size << form;
-      EXPECT_TRUE(opened(Message(sealed), second_party(), 32) == content) << size << form;
+      const Message sealed = read_by(readBER_P7_CONTENT_INFO_from_File, out);
+      ASSERT_TRUE(sealed) << size << form;
+      EXPECT_TRUE(opened(sealed, second_party(), 32) == content) << size << form;
     }
   }
 }

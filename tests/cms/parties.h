@@ -1,8 +1,6 @@
 // Keys and certificates of signers and recipients, made by openssl once for the whole program, and files beside them.
 #pragma once
 
-#include <velpki/pkcs1.h>
-
 #include "samples.h"
 
 namespace test {
@@ -21,25 +19,16 @@ struct PartyFiles {
         to_hex(Bytes(name.begin(), name.end())) + " -subj '/O=velPKI/CN=" + name + "' -out " + certificate_path +
         " 2>/dev/null");
   }
-  Certificate certificate() const {
-    X509_CERT *cert = nullptr;
-    readPEM_X509_CERT_from_File(&cert, certificate_path.c_str());
-    return Certificate(cert);
-  }
+  Certificate certificate() const { return read_by(readPEM_X509_CERT_from_File, certificate_path); }
+  Owned<ASYMMETRIC_KEY> key() const { return key_at(key_path); }
   // Options of openssl.
   std::string as_signer() const { return " -signer " + certificate_path + " -inkey " + key_path; }
   std::string as_recipient() const { return " -recip " + certificate_path + " -inkey " + key_path; }
 };
 struct Party : PartyFiles {
   explicit Party(const std::string &name, const std::string &bits = "2048") : PartyFiles(name) {
-    run("openssl genrsa -traditional -out " + key_path + " " + bits + " 2>/dev/null");
+    run("openssl genrsa -out " + key_path + " " + bits + " 2>/dev/null");
     certify(name);
-  }
-  Owned<ASYMMETRIC_KEY> key() const {
-    Owned<PKCS1_RSA_PRIVATE_KEY> record;
-    readPEM_PKCS1_RSA_PRIVATE_KEY_from_File(&record, key_path.c_str());
-    const Owned<RSA_UNIT> rsa(get_RSA_UNIT_from_PRIV_KEY(record));
-    return Owned<ASYMMETRIC_KEY>(RSA_UNIT_to_ASYMMETRIC_KEY(rsa));
   }
 };
 // Two signers or recipients, and one whose digest fits where little room is.
@@ -56,6 +45,13 @@ inline const Party &small_party() {
   return party;
 }
 
+// Options of openssl for ciphers of its legacy provider.
+constexpr const char *kProviders = " -provider default -provider legacy ";
+
+inline Bytes damaged(Bytes octets, size_t place) {
+  octets[place] ^= 1;
+  return octets;
+}
 inline const Bytes &document() {
   static const Bytes octets = [] {
     Bytes out;
@@ -99,15 +95,16 @@ inline int verify_strictly(const Message &p7, int flags = 0, const Bytes *data =
                              nullptr, nullptr);
 }
 
-// The attributes that a signer of the document needs.
-inline void add_attributes(P7_SIGNER_INFO *signer, int digest_id, const Bytes &content = document()) {
-  uint8_t digest[PKV_MAX_DIGEST_LENGTH];
-  int length = 0;
-  PKV_DIGEST(digest_id, content.data(), int(content.size()), digest, &length);
+inline void add_content_type(P7_SIGNER_INFO *signer) {
   const std::string type = "1.2.840.113549.1.7.1";
   add_PKCS7_Signed_Attribute(signer, 50, TYPE_OBJECT_IDENTIFIER, reinterpret_cast<const uint8_t *>(type.data()),
                              int(type.size()));
-  add_PKCS7_Signed_Attribute(signer, 51, TYPE_OCTET_STRING, digest, length);
+}
+// The attributes that a signer of the document needs.
+inline void add_attributes(P7_SIGNER_INFO *signer, int digest_id, const Bytes &content = document()) {
+  const Bytes value = digest(digest_id, content);
+  add_content_type(signer);
+  add_PKCS7_Signed_Attribute(signer, 51, TYPE_OCTET_STRING, value.data(), int(value.size()));
 }
 
 }  // namespace test

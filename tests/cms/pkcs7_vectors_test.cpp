@@ -9,16 +9,10 @@ using namespace test;
 
 namespace {
 
-Message read_any(const std::string &path, int *code) {
-  P7_CONTENT_INFO *p7 = nullptr;
-  *code = readBER_P7_CONTENT_INFO_from_File(&p7, path.c_str());
-  return Message(p7);
-}
-
 // What is written of a message reads again, and is written the same.
 void write_back(const Message &p7, const std::string &path) {
   const Bytes out = octets_by(writeDER_P7_CONTENT_INFO_to_Binary_RFC5280, p7);
-  const Message again(read_by(readBER_P7_CONTENT_INFO_from_Binary, out));
+  const Message again = read_by(readBER_P7_CONTENT_INFO_from_Binary, out);
   ASSERT_TRUE(again) << path;
   EXPECT_TRUE(octets_by(writeDER_P7_CONTENT_INFO_to_Binary_RFC5280, again) == out) << path;
 }
@@ -35,7 +29,7 @@ TEST(Vectors, SignedMessages) {
     if (row.at("content_type") != "signedData" || !is_ours(row.at("signers"))) continue;
     const std::string path = folder + "/" + row.at("file");
     int code = -1;
-    const Message p7 = read_any(path, &code);
+    const Message p7 = read_by(readBER_P7_CONTENT_INFO_from_File, path, &code);
     if (!p7) {
       // One lacks its last end-of-contents octets.
       const bool known = row.at("file").find("signed-indefinite-length") != std::string::npos;
@@ -73,12 +67,12 @@ TEST(Vectors, EnvelopedMessages) {
   for (const Row &row : read_tsv(folder + "/manifest.tsv")) {
     if (row.at("content_type") != "envelopedData" || row.at("recipient_key").empty()) continue;
     const std::string path = folder + "/" + row.at("file");
-    int code = -1;
-    const Message p7 = read_any(path, &code);
+    const Message p7 = read_by(readBER_P7_CONTENT_INFO_from_File, path);
     if (!p7) continue;  // recipients of another kind
     ++decoded;
     const Certificate cert = certificate_at(folder + "/" + first_of(row.at("recipient_cert")));
-    const Owned<ASYMMETRIC_KEY> key = key_at(folder + "/" + first_of(row.at("recipient_key")), cert);
+    const Owned<ASYMMETRIC_KEY> key = key_in(
+        test::decoded(Seq_to_P8_PRIV_KEY_INFO_RFC5280, read_file(folder + "/" + first_of(row.at("recipient_key")))));
     int length = get_PKCS7_ENCRYPTED_CONTENT_length(p7);
     Bytes out(size_t(std::max(length, 1)));
     const int result = decrypt_PKCS7_strict(p7, cert, key, out.data(), &length);
@@ -97,18 +91,15 @@ TEST(Vectors, EnvelopedMessages) {
 TEST(Vectors, DamagedMessages) {
   VELPKI_NEED_VECTORS("malformed", folder);
   int taken = 0;
-  for (const Row &row : read_tsv(folder + "/manifest.tsv")) {
-    const Bytes octets = read_file(folder + "/" + row.at("file"));
-    if (octets.empty()) continue;
-    GuardedBytes guarded(octets.size());
-    const uint8_t *at = guarded.place(octets.data(), octets.size());
+  each_damaged(folder, [&](const Row &, const uint8_t *at, int length) {
+    if (!length) return;
     for (const auto read : {readBER_P7_CONTENT_INFO_from_Binary, readDER_P7_CONTENT_INFO_from_Binary}) {
-      Owned<P7_CONTENT_INFO> p7;
-      if (read(&p7, at, int(octets.size()))) continue;
+      Message p7;
+      if (read(&p7, at, length)) continue;
       ++taken;
       verify_PKCS7(p7, nullptr, at, 4);
       verify_PKCS7_strict(p7, nullptr, nullptr, at, 4, 1, nullptr, nullptr);
     }
-  }
+  });
   std::printf("damaged inputs: %d taken as messages\n", taken);
 }

@@ -3,6 +3,7 @@
 
 #include <velpki/pkcs7.h>
 
+#include "support/keys.h"
 #include "x509/samples.h"
 
 namespace test {

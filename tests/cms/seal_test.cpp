@@ -255,7 +255,7 @@ TEST(Digest, HoldsDataAndDigest) {
 }
 
 TEST(Build, ContentsAndTheirOwners) {
-  P7_CONTENT_INFO *data = nullptr;
+  P7_CONTENT_INFO *data = nullptr;  // for `p7` to take over
   EXPECT_EQ(gen_PKCS7_DATA_from_Binary(nullptr, document().data(), 3), F_GET_PKCS7_DATA | 0x49);
   EXPECT_EQ(gen_PKCS7_DATA_from_Binary(&data, nullptr, 3), F_GET_PKCS7_DATA | 0x49);
   ASSERT_EQ(gen_PKCS7_DATA_from_Binary(&data, document().data(), 3), 0);

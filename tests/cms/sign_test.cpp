@@ -46,14 +46,13 @@ TEST(Sign, DigestsNameTheirAlgorithms) {
                                       {673, 669}, {674, 670}, {675, 671}, {781, 6}, {95, 6}};
   for (const auto &[digest, wanted] : rows)
     for (const int padding : {1, 2}) {
-      P7_SIGNER_INFO *signer = new_P7_SIGNER_INFO();
+      const Owned<P7_SIGNER_INFO> signer(new_P7_SIGNER_INFO());
       ASSERT_EQ(set_PKCS7_P7_SIGNER_INFO(signer, cert, nullptr, digest, padding, nullptr), 0);
       EXPECT_EQ(index_from_OBJECT_IDENTIFIER(signer->digestEncryptionAlgorithm->algorithm),
                 padding == 2 ? 835 : wanted);
       EXPECT_EQ(signer->digestEncryptionAlgorithm->parameters->type, TYPE_NULL);
       EXPECT_EQ(index_from_OBJECT_IDENTIFIER(signer->digestAlgorithm->algorithm), digest);
       EXPECT_EQ(PKV_Get_BIGINT_Word(signer->version), 1u);
-      free_P7_SIGNER_INFO(signer);
     }
 }
 
@@ -144,19 +143,15 @@ TEST(Sign, EmptyContent) {
 }
 
 TEST(Sign, KcdsaRoundTrip) {
-  VELPKI_NEED_VECTORS("../reference/korean_vectors.json", file);
-  const Json vectors = JsonReader(read_file(file)).read();
-  for (const Json &one : vectors["kcdsa_keys"].items) {
+  VELPKI_NEED_KOREAN;
+  for (const Json &one : korean("kcdsa_keys").items) {
     const Owned<KCDSA_UNIT> key(PKV_New_KCDSA());
     PKV_Set_KCDSA_Params(key, number(one["p"].text), number(one["q"].text), number(one["g"].text),
                          number(one["j"].text), nullptr, nullptr, 0, 0);
     ASSERT_EQ(PKV_Set_KCDSA_Private(key, number(one["x"].text)), 0);
     const Certificate cert = read_certificate(CertificateParts().der());
-    X509_PUBKEY *spki = new_X509_PUBKEY();
-    ASSERT_EQ(set_X509_PUBKEY_kcdsa(spki, key), 0);
-    set_X509_pub_key(cert, spki);
-    free_X509_PUBKEY(spki);
     const Owned<ASYMMETRIC_KEY> wrapped(KCDSA_UNIT_to_ASYMMETRIC_KEY(key));
+    ASSERT_EQ(set_X509_pub_key(cert, public_half(wrapped)), 0);
     for (const auto &[row, id] : {std::pair(64, PKV_DIGEST_SHA1), {781, PKV_DIGEST_HAS160}})
       for (const bool attributes : {false, true}) {
         const Message p7 = message_of(PKCS7_SIGNED_DATA);
@@ -180,18 +175,15 @@ TEST(Sign, KcdsaRoundTrip) {
 // A message digest attribute that is not what it should be, by what is done to its record before it is signed.
 TEST(Verify, MessageDigestAttributes) {
   VELPKI_NEED_OPENSSL;
-  Bytes digest(64, 0);
-  int length = 0;
-  PKV_DIGEST(PKV_DIGEST_SHA256, document().data(), int(document().size()), digest.data(), &length);
+  Bytes whole = digest(PKV_DIGEST_SHA256, document());
+  whole.resize(64);
   for (const Row &row : table("digest_attributes")) {
     const int kind = number_in(row, "type"), values = number_in(row, "values");
-    Bytes value(digest.begin(), digest.begin() + number_in(row, "length"));
+    Bytes value(whole.begin(), whole.begin() + number_in(row, "length"));
     if (kind == TYPE_SEQUENCE) value = TLV(0x04, Bytes(value.begin(), value.begin() + 30));
     const Message p7 = message_of(PKCS7_SIGNED_DATA);
     P7_SIGNER_INFO *signer = add_signer(p7, first_party());
-    const std::string type = "1.2.840.113549.1.7.1";
-    add_PKCS7_Signed_Attribute(signer, 50, TYPE_OBJECT_IDENTIFIER, reinterpret_cast<const uint8_t *>(type.data()),
-                               int(type.size()));
+    add_content_type(signer);
     for (int i = 0; i < number_in(row, "copies"); ++i)
       ASSERT_EQ(add_PKCS7_Signed_Attribute(signer, 51, kind, value.data(), int(value.size())), 0);
     auto *attribute = get_X509_ATTRIBUTES_child(signer->authenticatedAttributes, 1);

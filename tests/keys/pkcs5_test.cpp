@@ -190,10 +190,9 @@ TEST_F(Containers, IterationCountsInTheirOctets) {
     Owned<PKCS8> p8;
     const int code = encrypt_PKCS5(key(), &p8, "p", 1, nullptr, 0, iterations, 780);
     if (code) return -code;
-    P5_PBE_PARAM *param = get_PKCS8_P5_PBE_PARAM(p8);
+    const Owned<P5_PBE_PARAM> param(get_PKCS8_P5_PBE_PARAM(p8));
     EXPECT_EQ(param->salt->length, 8);
     const int count = int(PKV_Get_BIGINT_Word(param->iteration));
-    free_P5_PBE_PARAM(param);
     EXPECT_EQ(open_plain(p8, Secret("p")).code == 0, count == iterations) << iterations;
     return count;
   };
@@ -301,19 +300,12 @@ TEST_F(Containers, SurviveEachFailedAllocation) {
 // Every kind of key: written, opened by openssl, read back from what openssl writes.
 TEST(Pkcs8, EllipticKeysAndOpenssl) {
   for (const char *curve : {"prime256v1", "secp384r1", "secp521r1"}) {
-    ECURVE *domain = PKV_New_ECURVE();
-    ECC_UNIT *key = PKV_New_ECC();
-    ASSERT_EQ(PKV_Set_ECURVE_Named(domain, curve) | PKV_Set_ECC_Curve(key, domain) | PKV_Generate_ECC(key), 0);
-    ASYMMETRIC_KEY *wrapped = ECC_UNIT_to_ASYMMETRIC_KEY(key);
-    const Owned<P8_PRIV_KEY_INFO> info(gen_P8_PRIV_KEY_INFO(wrapped, nullptr));
+    const Owned<P8_PRIV_KEY_INFO> info(gen_P8_PRIV_KEY_INFO(new_ec(curve), nullptr));
     const std::string ours = temporary_path("ec.der"), theirs = temporary_path("ec2.der");
     ASSERT_GT(writeDER_P8_PRIV_KEY_INFO_to_FILE(info, ours.c_str()), 2);
     EXPECT_EQ(run("openssl pkey -inform DER -in " + ours + " -check -noout 2>&1"), "Key is valid\n");
     run("openssl pkcs8 -topk8 -nocrypt -inform DER -in " + ours + " -outform DER -out " + theirs);
     EXPECT_EQ(to_hex(read_file(theirs)), written(info)) << curve;
-    free_ASYMMETRIC_KEY(wrapped);
-    PKV_Free_ECC(key);
-    PKV_Free_ECURVE(domain);
   }
 }
 

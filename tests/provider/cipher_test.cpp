@@ -136,8 +136,8 @@ int id_of(const std::string &name) {
 }
 
 TEST(BlockCipher, KoreanVectors) {
-  VELPKI_NEED_VECTORS("../reference/korean_vectors.json", file);
-  for (const Json &c : read_json(file)["ciphers"].items) {
+  VELPKI_NEED_KOREAN;
+  for (const Json &c : korean("ciphers").items) {
     const Bytes iv = c["iv"].text == "null" ? Bytes() : c["iv"].octets(), sealed = c["ciphertext"].octets();
     const Bytes out = crypt(true, id_of(c["cipher"].text), c["key"].octets(), iv, c["plaintext"].octets());
     EXPECT_EQ(c["padded"].text == "true" ? out : first(out, sealed.size()), sealed) << c["cipher"].text;

@@ -96,8 +96,8 @@ TEST(Digest, RepeatedAndDerived) {
 }
 
 TEST(Digest, Has160Vectors) {
-  VELPKI_NEED_VECTORS("../reference/korean_vectors.json", file);
-  for (const Json &c : read_json(file)["has160"].items) {
+  VELPKI_NEED_KOREAN;
+  for (const Json &c : korean("has160").items) {
     const Bytes piece = c["message"].octets();
     const Unit unit(PKV_New_DIGEST());
     ASSERT_EQ(PKV_Init_DIGEST(unit, PKV_DIGEST_HAS160), 0);
@@ -176,7 +176,7 @@ TEST(HmacTest, KnownValues) {
 
 TEST(HmacTest, Vectors) {
   VELPKI_NEED_VECTORS("sigs", folder);
-  VELPKI_NEED_VECTORS("../reference/korean_vectors.json", korean);
+  VELPKI_NEED_KOREAN;
   for (const char *hash : {"sha1", "sha256"}) {
     const auto id = [&](const Json &) { return digest_id(hash); };
     each_vector(folder + "/hmac_" + hash + "_test.json", id, [](int id, const Json &group, const Json &c) {
@@ -184,7 +184,7 @@ TEST(HmacTest, Vectors) {
       EXPECT_EQ(mac.substr(0, size_t(group["tagSize"].number()) / 4) == c["tag"].text, c["result"].text == "valid");
     });
   }
-  for (const Json &c : read_json(korean)["hmac"].items)
+  for (const Json &c : korean("hmac").items)
     expect_mac(digest_id(c["hash"].text), c["key"].octets(), c["message"].octets(), c["mac"].text);
 }
 

@@ -14,10 +14,9 @@ Kcdsa key_of(const Json &from) {
 
 // A list of the vectors, with the domain that those of our own making only name.
 std::vector<Json> list(const char *name) {
-  static const Json vectors = read_json(test::vectors("../reference/korean_vectors.json"));
-  std::vector<Json> out = vectors[name].items;
+  std::vector<Json> out = korean(name).items;
   for (Json &one : out) {
-    for (const Json &key : vectors["kcdsa_keys"].items) {
+    for (const Json &key : korean("kcdsa_keys").items) {
       if (key["name"].text != one["key"].text) continue;
       for (const char *field : {"p", "q", "g"}) one.fields[field] = key[field];
     }
@@ -44,7 +43,7 @@ Signature given(const Json &one) { return {one["r"].octets(), one["s"].octets()}
 
 // With the published nonce the published signature comes out; and y from x.
 TEST(Kcdsa, SignsAndVerifiesVectors) {
-  VELPKI_NEED_VECTORS("../reference/korean_vectors.json", file);
+  VELPKI_NEED_KOREAN;
   std::vector<Json> all = list("kcdsa_published");
   for (const Json &one : list("kcdsa_self_made")) all.push_back(one);
   for (const Json &one : all) {
@@ -75,7 +74,7 @@ TEST(Kcdsa, SignsAndVerifiesVectors) {
 
 // All are checked, which derives p at the count given; the shortest search is also done again.
 TEST(Kcdsa, DerivesAndChecksPublishedParameters) {
-  VELPKI_NEED_VECTORS("../reference/korean_vectors.json", file);
+  VELPKI_NEED_KOREAN;
   std::vector<Json> sets = list("kcdsa_published");
   for (Json one : list("kcdsa_keys")) {
     one.fields["hash"].text = one["q"].text.size() == 40 ? "has160" : "sha256";
@@ -105,7 +104,7 @@ TEST(Kcdsa, DerivesAndChecksPublishedParameters) {
 }
 
 TEST(Kcdsa, FindsFaultsInNumbers) {
-  VELPKI_NEED_VECTORS("../reference/korean_vectors.json", file);
+  VELPKI_NEED_KOREAN;
   const Json good = list("kcdsa_keys").at(0);
   constexpr int kBad = PKV_ERR_BAD_VALUE;
   const struct {
@@ -129,7 +128,7 @@ TEST(Kcdsa, FindsFaultsInNumbers) {
 }
 
 TEST(Kcdsa, SignsIncrementallyAndReadsLengthsStrictly) {
-  VELPKI_NEED_VECTORS("../reference/korean_vectors.json", file);
+  VELPKI_NEED_KOREAN;
   for (const Json &one : list("kcdsa_keys")) {
     const Kcdsa key = key_of(one);
     ASSERT_EQ(0, PKV_Generate_KCDSA(key));
@@ -159,7 +158,7 @@ TEST(Kcdsa, SignsIncrementallyAndReadsLengthsStrictly) {
 }
 
 TEST(Kcdsa, AsksASignerElsewhere) {
-  VELPKI_NEED_VECTORS("../reference/korean_vectors.json", file);
+  VELPKI_NEED_KOREAN;
   Json one = list("kcdsa_self_made").at(0);
   const Kcdsa key = key_of(one);
   const auto answer = [](void *context, int kind, int digest, int, const unsigned char *input, int length,
@@ -177,7 +176,7 @@ TEST(Kcdsa, AsksASignerElsewhere) {
 }
 
 TEST(Kcdsa, VerifiesInTwoThreadsAndSurvivesExhaustedMemory) {
-  VELPKI_NEED_VECTORS("../reference/korean_vectors.json", file);
+  VELPKI_NEED_KOREAN;
   const Json one = list("kcdsa_self_made").at(0);
   const Bytes message = one["message"].octets();
   for (int turn = 0; turn < 20; ++turn) {

@@ -40,6 +40,13 @@ inline std::string octets_hex(const ASN1_STRING *s) { return s ? to_hex(s->data,
 inline std::string text_of(const ASN1_STRING *s) {
   return s ? std::string(reinterpret_cast<const char *>(s->data), size_t(s->length)) : "-";
 }
+// A UTCTime where the text is short enough for one.
+inline Owned<X509_TIME> time_of(std::string_view text) {
+  Owned<X509_TIME> time(new_X509_TIME());
+  time->type = text.size() > 13 ? X509_TIME_GENERALIZED : X509_TIME_UTC;
+  time->time = text_string(time->type ? TYPE_GENERALIZED_TIME : TYPE_UTC_TIME, text).release();
+  return time;
+}
 inline Number number(std::string_view hexadecimal) {
   const Bytes octets = hex(hexadecimal);
   return Number(PKV_New_BIGINT_Binary(octets.data(), int(octets.size())));
@@ -115,6 +122,15 @@ Owned<R> decoded(int (*decode)(ASN1_UNIT *, R **), const Bytes &octets, int *cod
 template <class T>
 T *item(const STACK *list, int index) {
   return static_cast<T *>(get_STACK_value(list, index));
+}
+// Every damaged input of the vectors, at the end of a page, with its row in the manifest.
+template <class Check>
+void each_damaged(const std::string &folder, Check check) {
+  GuardedBytes guarded(4 << 20);
+  for (const Row &row : read_tsv(folder + "/manifest.tsv")) {
+    const Bytes octets = read_file(folder + "/" + row.at("file"));
+    if (octets.size() <= 4 << 20) check(row, guarded.place(octets.data(), octets.size()), int(octets.size()));
+  }
 }
 // Does `work` with the first allocation failing, then the second, and so on until it answers true. Nothing leaks.
 template <class Work>

@@ -14,14 +14,12 @@ inline Owned<RSA_UNIT> generated_rsa() {
 }
 inline Owned<ASYMMETRIC_KEY> new_rsa() { return Owned<ASYMMETRIC_KEY>(RSA_UNIT_to_ASYMMETRIC_KEY(generated_rsa())); }
 
-// From a file in PKCS#1 form, in DER or PEM.
-inline Owned<ASYMMETRIC_KEY> rsa_key_of(const PKCS1_RSA_PRIVATE_KEY *record) {
-  return Owned<ASYMMETRIC_KEY>(RSA_UNIT_to_ASYMMETRIC_KEY(Owned<RSA_UNIT>(get_RSA_UNIT_from_PRIV_KEY(record))));
+// Of any kind, in PKCS#8.
+inline Owned<ASYMMETRIC_KEY> key_in(const Owned<P8_PRIV_KEY_INFO> &info) {
+  return Owned<ASYMMETRIC_KEY>(info ? dup_ASYMMETRIC_KEY(info->key) : nullptr);
 }
-inline Owned<ASYMMETRIC_KEY> rsa_key_at(const std::string &path) {
-  const auto record = read_by(readPEM_PKCS1_RSA_PRIVATE_KEY_from_File, path);
-  EXPECT_TRUE(record) << path;
-  return rsa_key_of(record);
+inline Owned<ASYMMETRIC_KEY> key_at(const std::string &path) {
+  return key_in(read_by(readPEM_P8_PRIV_KEY_INFO_from_File, path));
 }
 
 // One RSA and one KCDSA key for the whole program; the domain is the published 1024/160 one.
@@ -81,11 +79,10 @@ inline Owned<ASYMMETRIC_KEY> kcdsa() {
 // A new key on a curve, by the provider's name.
 inline Owned<ASYMMETRIC_KEY> new_ec(const char *curve_name) {
   const Owned<ECC_UNIT> key(PKV_New_ECC());
-  ECURVE *curve = PKV_New_ECURVE();
+  const Owned<ECURVE> curve(PKV_New_ECURVE());
   EXPECT_EQ(PKV_Set_ECURVE_Named(curve, curve_name), 0);
   EXPECT_EQ(PKV_Set_ECC_Curve(key, curve), 0);
   EXPECT_EQ(PKV_Generate_ECC(key), 0);
-  PKV_Free_ECURVE(curve);
   return Owned<ASYMMETRIC_KEY>(ECC_UNIT_to_ASYMMETRIC_KEY(key));
 }
 

@@ -18,7 +18,6 @@ issue() { openssl req -newkey rsa:2048 -nodes -keyout $1.p8 -out $1.csr -subj "/
   openssl x509 -req -in $1.csr -CA $2.pem -CAkey $2.p8 -set_serial $3 -days 2000 -extfile $4.ext -out $1.pem; }
 issue good ca 0x1001 plain; issue revoked ca 0x1002 plain; issue absent ca 0x1003 plain
 issue responder ca 0x2001 ocsp; issue stranger other 0x2001 ocsp
-for n in ca other good revoked responder stranger; do openssl rsa -traditional -in $n.p8 -out $n.key; done
 printf 'V\t401231235959Z\t\t1001\tunknown\t/CN=good\nR\t401231235959Z\t240102030405Z,keyCompromise\t1002\tunknown\t/CN=revoked\n' > index.txt
 )");
     return path;
@@ -31,7 +30,7 @@ inline Certificate party_certificate(const std::string &name) {
   EXPECT_TRUE(cert) << name;
   return cert;
 }
-inline Owned<ASYMMETRIC_KEY> party_key(const std::string &name) { return rsa_key_at(pki() + "/" + name + ".key"); }
+inline Owned<ASYMMETRIC_KEY> party_key(const std::string &name) { return key_at(pki() + "/" + name + ".p8"); }
 inline Certificates list_with(const X509_CERT *cert) {
   Certificates list(new_X509_CERTIFICATES());
   EXPECT_EQ(add_X509_CERTIFICATES(list, cert), 0);

@@ -36,11 +36,4 @@ inline Basic strict_basic(const OCSP_RESPONSE *response, int *code = nullptr) {
   return basic;
 }
 
-inline Owned<X509_TIME> time_of(std::string_view generalized) {
-  Owned<X509_TIME> time(new_X509_TIME());
-  time->type = X509_TIME_GENERALIZED;
-  time->time = text_string(TYPE_GENERALIZED_TIME, generalized).release();
-  return time;
-}
-
 }  // namespace test

@@ -19,17 +19,15 @@ Owned<X509_TIME> time(const char *text) {
 Certificate unsigned_certificate(int signature_row, bool with_kcdsa) {
   Certificate cert(new_X509_CERT());
   const String algorithm(index_to_OBJECT_IDENTIFIER(signature_row));
-  const Owned<X509_PUBKEY> pubkey(new_X509_PUBKEY());
   const Name subject(new_X509_NAME());
   add_X509_NAME_child_OID_index(subject, 13, 12, reinterpret_cast<const unsigned char *>("velPKI"), -1, -1);
-  EXPECT_EQ(with_kcdsa ? set_X509_PUBKEY_kcdsa(pubkey, kcdsa_key()) : set_X509_PUBKEY_rsa(pubkey, rsa_key()), 0);
   EXPECT_EQ(set_X509_serial(cert, number("80")), 0);
   EXPECT_EQ(set_X509_signature(cert, algorithm), 0);
   EXPECT_EQ(set_X509_issuer(cert, subject), 0);
   EXPECT_EQ(set_X509_subject(cert, subject), 0);
   EXPECT_EQ(set_X509_notBefore(cert, time("2020-01-01,00:00:00")), 0);
   EXPECT_EQ(set_X509_notAfter(cert, time("2050-01-01,00:00:00")), 0);
-  EXPECT_EQ(set_X509_pub_key(cert, pubkey), 0);
+  EXPECT_EQ(set_X509_pub_key(cert, public_half(with_kcdsa ? kcdsa() : rsa())), 0);
   return cert;
 }
 
@@ -91,7 +89,7 @@ TEST_F(Certificates, OtherKeysFailPlainly) {
 
 TEST_F(Certificates, MissingFieldsHaveTheirCodes) {
   const auto code = [](const X509_CERT *cert) {
-    ASN1_UNIT *out = nullptr;
+    Unit out;
     return X509_CERT_to_Seq(cert, &out);
   };
   const Certificate cert(new_X509_CERT()), whole = unsigned_certificate(668, false);
@@ -218,18 +216,17 @@ TEST_F(Certificates, OpensslTakesThem) {
   // And the other way: a certificate and its public key file by openssl.
   run("openssl req -x509 -newkey rsa:1024 -nodes -keyout " + key + " -out " + path +
       " -subj /O=peer/CN=other -days 3 2>&1");
-  Certificate peer;
-  ASSERT_EQ(readPEM_X509_CERT_from_File(&peer, path.c_str()), 0);
+  const Certificate peer = read_by(readPEM_X509_CERT_from_File, path);
+  ASSERT_TRUE(peer);
   EXPECT_EQ(verify_SIG_X509_CERT(peer, get_X509_SPKI(peer)->key), 0);
-  const String subject(dup_ASN1_STRING(get_X509_NAME_CHILD_data(get_X509_NAME_CHILD(get_X509_subject(peer), 1))));
-  EXPECT_EQ(text_of(subject), "other");
+  EXPECT_EQ(text_of(get_X509_NAME_CHILD_data(get_X509_NAME_CHILD(get_X509_subject(peer), 1))), "other");
   Owned<char> pem;
   ASSERT_GT(writePEM_X509_PUBKEY_to_Binary(get_X509_SPKI(peer), &pem), 1);
-  EXPECT_EQ(std::string(pem), run("openssl rsa -in " + key + " -pubout 2>/dev/null"));
+  EXPECT_EQ(pem.get(), run("openssl rsa -in " + key + " -pubout 2>/dev/null"));
 }
 
 TEST(CertificateLists, SearchAndPair) {
-  X509_CERTIFICATES *list = new_X509_CERTIFICATES();
+  const test::Certificates list(new_X509_CERTIFICATES());
   CertificateParts other;
   other.serial = TLV(0x02, "06");
   const Certificate a = read_certificate(CertificateParts().der()), b = read_certificate(other.der());
@@ -238,14 +235,13 @@ TEST(CertificateLists, SearchAndPair) {
   EXPECT_EQ(add_X509_CERTIFICATES(list, b), 0);
   EXPECT_EQ(get_X509_CERTS_index_by_X509_CERT(list, b), 1);
   EXPECT_EQ(add_X509_CERTIFICATES(nullptr, b), 1);
-  Owned<ISSUER_AND_SERIAL_NUMBER> wanted;
-  ASSERT_EQ(Seq_to_ISSUER_AND_SERIAL_NUMBER(unit(TLV(0x30, other.issuer + other.serial)), &wanted), 0);
+  const auto wanted = decoded(Seq_to_ISSUER_AND_SERIAL_NUMBER, TLV(0x30, other.issuer + other.serial));
+  ASSERT_TRUE(wanted);
   EXPECT_EQ(find_X509_CERT_by_IssuerAndSerialNumber(list, wanted), get_STACK_value(list, 1));
   EXPECT_EQ(cmp_ISSUER_AND_SERIAL_NUMBER(a, wanted), -1);
   EXPECT_EQ(find_X509_CERT_by_IssuerAndSerialNumber(list, nullptr), nullptr);
   X509_CERT_PAIR *pair = nullptr;
   EXPECT_EQ(Seq_to_X509_CERT_PAIR(unit("3000"), &pair), F_SEQ_TO_X509_CERT_PAIR | ERR_ASN1_DECODING);
-  free_X509_CERTIFICATES(list);
 }
 
 TEST(CertificatePrinting, ShowsHostileTextAsOctets) {

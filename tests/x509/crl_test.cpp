@@ -15,12 +15,6 @@ Number serial(unsigned value) {
   PKV_Set_BIGINT_Word(n, value);
   return n;
 }
-Owned<X509_TIME> time_of(std::string_view text) {
-  Owned<X509_TIME> time(new_X509_TIME());
-  time->type = text.size() > 13 ? X509_TIME_GENERALIZED : X509_TIME_UTC;
-  time->time = text_string(time->type ? TYPE_GENERALIZED_TIME : TYPE_UTC_TIME, text).release();
-  return time;
-}
 Owned<X509_REVOKED> new_entry(unsigned number, std::string_view date = "250101000000Z") {
   Owned<X509_REVOKED> entry(new_X509_REVOKED());
   EXPECT_EQ(set_X509_REVOKED_userCert(entry, serial(number)), 0);

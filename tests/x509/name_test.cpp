@@ -20,10 +20,10 @@ Name name(std::initializer_list<std::pair<int, const char *>> children) {
 }
 
 Name decoded_name(const Bytes &der, int (*decode)(ASN1_UNIT *, X509_NAME **) = Seq_to_X509_NAME, int *code = nullptr) {
-  X509_NAME *made = nullptr;
+  Name made;
   const int result = decode(unit(der), &made);
   if (code) *code = result;
-  return Name(made);
+  return made;
 }
 
 const Bytes kCn = TLV(0x06, "550403");
@@ -90,23 +90,21 @@ TEST(Names, DecodeCodes) {
     EXPECT_EQ(code, code_at(row, "code")) << row.at("der");
     EXPECT_EQ(made != nullptr, code == 0);
   }
-  X509_NAME *none = nullptr;
+  Name none;
   EXPECT_EQ(Seq_to_X509_NAME(nullptr, &none), F_SEQ_TO_X509_NAME | 0x49);
 }
 
 TEST(Names, EncodeRefillsAGivenUnit) {
   const Name empty = name({}), bad = name({{26, "x"}});
-  ASN1_UNIT *given = unit("020105").release();
-  ASN1_UNIT *const address = given;
+  Unit given = unit("020105"), fresh;
+  const ASN1_UNIT *const address = given;
   EXPECT_EQ(X509_NAME_to_Seq(empty, &given), 0);
   EXPECT_EQ(given, address);
   EXPECT_EQ(flat(given), "3000");
   EXPECT_EQ(X509_NAME_to_Seq(bad, &given), F_X509_NAME_TO_SEQ | ERR_ASN1_ENCODING);
   EXPECT_EQ(given->tag, nullptr);
-  free_ASN1_UNIT(given);
   push_STACK_value(empty, nullptr);
-  given = nullptr;
-  EXPECT_EQ(X509_NAME_to_Seq(empty, &given), F_X509_NAME_TO_SEQ | 0x2B);
+  EXPECT_EQ(X509_NAME_to_Seq(empty, &fresh), F_X509_NAME_TO_SEQ | 0x2B);
 }
 
 TEST(Names, HashAndSearch) {
@@ -150,18 +148,18 @@ TEST(Algorithms, ParametersAndCounts) {
   EXPECT_EQ(hex_of(X509_ALGO_IDENTIFIER_to_Seq, forced), "300c06082a8648ce3d0403020500");
   EXPECT_EQ(hex_of(X509_ALGO_IDENTIFIER_to_Seq, absent), "300a06082a8648ce3d040302");
   for (const char *wrong : {"3000", "3009 060155 0500 0500 0500"}) {
-    X509_ALGO_IDENTIFIER *made = nullptr;
+    Owned<X509_ALGO_IDENTIFIER> made;
     EXPECT_EQ(Seq_to_X509_ALGO_IDENTIFIER(unit(wrong), &made), F_SEQ_TO_X509_ALGO_IDENTIFIER | 0x2B);
   }
 }
 
 TEST(Algorithms, SharedListsReleaseOnce) {
-  X509_ALGO_IDENTIFIERS *list = new_X509_ALGO_IDENTIFIERS();
+  using List = Owned<STACK, free_X509_ALGO_IDENTIFIERS>;
+  const List list(new_X509_ALGO_IDENTIFIERS());
   push_STACK_value(list, new_X509_ALGO_IDENTIFIER());
-  X509_ALGO_IDENTIFIERS *shallow = dup_X509_ALGO_IDENTIFIERS(list), *deep = dup_X509_ALGO_IDENTIFIERS_strict(list);
+  const List shallow(dup_X509_ALGO_IDENTIFIERS(list)), deep(dup_X509_ALGO_IDENTIFIERS_strict(list));
   EXPECT_EQ(get_STACK_value(list, 0), get_STACK_value(shallow, 0));
   EXPECT_NE(get_STACK_value(list, 0), get_STACK_value(deep, 0));
-  for (X509_ALGO_IDENTIFIERS *each : {list, shallow, deep}) free_X509_ALGO_IDENTIFIERS(each);
 }
 
 TEST(Attributes, ValuesByType) {
@@ -180,14 +178,13 @@ TEST(Attributes, ValuesByType) {
   EXPECT_EQ(flat(static_cast<ASN1_UNIT *>(get_X509_ATTRIBUTE_data(attribute, 3))), "3003020105");
   EXPECT_EQ(create_X509_ATTRIBUTE_OID(&attribute, nullptr, 12, text), nullptr);
   EXPECT_EQ(get_X509_ATTRIBUTE_count(attribute), 4);
-  X509_ATTRIBUTES *list = new_X509_ATTRIBUTES();
+  const Owned<STACK, free_X509_ATTRIBUTES> list(new_X509_ATTRIBUTES());
   EXPECT_EQ(add_X509_ATTRIBUTES_child(list, attribute, 7), 0);
   EXPECT_EQ(add_X509_ATTRIBUTES_OID_INDEX(list, 14, 12, text, 0), 0);
   EXPECT_EQ(hex_of(X509_ATTRIBUTES_to_Seq, list),
             "3125300a060355040631030c016130170603550403311030030201050c01610c01613003020105");
   EXPECT_EQ(hex_of(X509_ATTRIBUTES_to_Seq_RFC5280, list),
             "3125300a060355040631030c01613017060355040331100c01610c016130030201053003020105");
-  free_X509_ATTRIBUTES(list);
 }
 
 TEST(Extensions, RecordAndList) {

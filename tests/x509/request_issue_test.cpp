@@ -29,7 +29,7 @@ TEST_F(Requests, BecomeCertificatesWithinLimits) {
     const std::string &why = row.at("why");
     const Request req = signed_request(row, key);
     const Certificate cert(new_X509_CERT());
-    OBJECT_IDENTIFIERS *allowed = new_OBJECT_IDENTIFIERS();
+    const Owned<STACK, free_OBJECT_IDENTIFIERS> allowed(new_OBJECT_IDENTIFIERS());
     Owned<STACK, free_X509_EXTENSIONS> present;
     for (const std::string &each : split(row.at("allowed"), ' ')) push_STACK_value(allowed, test::oid(each).release());
     for (const std::string &each : split(row.at("present"), ' ')) add_X509_EXTENSION(&present, parsed(each), -1);
@@ -40,7 +40,6 @@ TEST_F(Requests, BecomeCertificatesWithinLimits) {
     EXPECT_EQ(get_X509_subject(cert) != nullptr, reason == 0) << why;
     EXPECT_EQ(cmp_X509_PUBKEY(get_X509_SPKI(cert), get_PKCS10_X509_REQ_SPKI(req)), reason ? 1 : 0) << why;
     EXPECT_EQ(get_X509_version(cert), reason ? 0 : 2) << why;
-    free_OBJECT_IDENTIFIERS(allowed);
   }
 }
 

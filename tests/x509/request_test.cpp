@@ -67,11 +67,6 @@ TEST(RequestVectors, AgreeWithTheirManifest) {
   EXPECT_GT(verified, 40);
 }
 
-// openssl's view of a request: verification's verdict, and its text.
-std::string openssl_text(const std::string &path) {
-  return run("openssl req -in " + path + " -noout -verify -text 2>&1");
-}
-
 TEST_F(Requests, OfEveryAlgorithmAreAcceptedByOpenssl) {
   const std::string path = temporary_path("request.pem");
   for (const Row &row : table("request_algorithms")) {
@@ -84,7 +79,7 @@ TEST_F(Requests, OfEveryAlgorithmAreAcceptedByOpenssl) {
     const int length = writePEM_PKCS10_X509_REQ_to_Binary_RFC5280(req, &text);
     ASSERT_GT(length, 2);
     ASSERT_TRUE(write_file(path, text, size_t(length)));
-    const std::string seen = openssl_text(path);
+    const std::string seen = run("openssl req -in " + path + " -noout -verify -text 2>&1");
     for (const char *part : {"verify OK", "DNS:example.com", "CN = example.com", "challengePassword"})
       EXPECT_NE(seen.find(part), std::string::npos) << algorithm << "\n" << seen;
     Owned<PKCS10_X509_REQ> back;
@@ -178,10 +173,9 @@ TEST_F(Requests, ObeyTheParametersOfPssKeys) {
     const Bytes limits = parameters == "-" ? Bytes() : TLV(0x30, parameters);
     const Unit spki = unit(TLV(0x30, TLV(0x30, hex("06092a864886f70d01010a") + limits) +
                                          TLV(0x03, hex("00" + octets_hex(half->subjectPublicKey)))));
-    X509_PUBKEY *read = nullptr, *house = nullptr;
+    Owned<X509_PUBKEY> read, house;
     ASSERT_EQ(Seq_to_X509_PUBKEY_RFC5280(spki, &read), 0) << why;
     EXPECT_NE(Seq_to_X509_PUBKEY(spki, &house), 0) << why;
-    const Owned<X509_PUBKEY> owner(read);
     const Request req = unsigned_request(key, row.at("algorithm"));
     ASSERT_EQ(set_PKCS10_X509_REQ_pub_key(req, read), 0) << why;
     ASSERT_EQ(gen_SIG_PKCS10_X509_REQ_RFC5280_ex(req, key, code_at(row, "digest")), 0) << why;
