@@ -1,7 +1,6 @@
 // Signing: init, update, final.
 #include "cms/internal/cms.h"
 #include "cms/internal/cms_digests.h"
-#include "cms/internal/signature.h"
 #include "cms/internal/signer_state.h"
 
 namespace velpki {
@@ -11,7 +10,6 @@ namespace {
 constexpr int kAttributeEncoding = 0x5F;
 
 bool is_signed(const CMS_SIGNER_INFO &signer) noexcept { return signer.signature && signer.signature->length > 0; }
-bool is_started(const CMS_SIGNER_INFO &signer) noexcept { return signer.state && signer.state->started; }
 
 // Whether the signature is over attributes: those that the signer has, or the ones that a content of another type than
 // data makes necessary.
@@ -19,27 +17,11 @@ bool signs_attributes(const CMS_SIGNED_DATA &data, const CMS_SIGNER_INFO &signer
   return has_attributes(signer.signedAttrs) || is_typed(data.encapContentInfo);
 }
 
-int start(CMS_SIGNER_INFO &signer, int function) noexcept {
-  ASYMMETRIC_KEY *key = signer.privateKey;
-  SignatureScheme scheme;
-  if (!key) return fail(function, kUnsupported);
-  if (!signature_scheme(signer.digestAlgorithm, signer.signatureAlgorithm, key->type, scheme)) {
-    return fail(function, kBadValue);
-  }
-  if (const int code = start_signature(*key, scheme, function)) return code;
-  P7_SIGNER_STATE *state = new_signer_state({});
-  if (!state) return fail(function, kNoMemory);
-  state->started = true;
-  if (signer.state) Flat<P7_SIGNER_STATE>::release(signer.state);
-  signer.state = state;
-  return 0;
-}
-
 // Signers whose content will come in pieces need it digested on the way.
 int start_all(CMS_SIGNED_DATA &data) noexcept {
   for (CMS_SIGNER_INFO *signer : elements<CMS_SIGNER_INFO>(data.signerInfos)) {
     if (!signer || is_signed(*signer)) continue;
-    if (const int code = start(*signer, F_INIT_CMS_SIGN)) return code;
+    if (const int code = start_signer(*signer, signer->signatureAlgorithm, F_INIT_CMS_SIGN)) return code;
     if (!data.detached || !signs_attributes(data, *signer)) continue;
     const int code = start_digest(data.digests, digest_id_of(signer->digestAlgorithm), F_INIT_CMS_SIGN);
     if (code) return code;
@@ -57,14 +39,9 @@ int keep_content(CMS_SIGNED_DATA &data, Octets octets) noexcept {
 
 int feed_all(CMS_SIGNED_DATA &data, Octets octets) noexcept {
   if (const int code = update_digests(data.digests, octets)) return code;
-  for (CMS_SIGNER_INFO *signer : elements<CMS_SIGNER_INFO>(data.signerInfos)) {
-    if (!signer || !is_started(*signer) || is_signed(*signer)) continue;
-    if (signs_attributes(data, *signer))
-      signer->state->skipped = true;
-    else if (const int code = feed_signature(*signer->privateKey, octets))
-      return code;
-  }
-  return 0;
+  return feed_signers<CMS_SIGNER_INFO>(data.signerInfos, octets, is_signed, [&data](const CMS_SIGNER_INFO &signer) {
+    return signs_attributes(data, signer);
+  });
 }
 
 }  // namespace
@@ -120,7 +97,7 @@ int feed_attributes(const CMS_SIGNED_DATA &data, CMS_SIGNER_INFO &signer, Conten
 // had then are gone.
 int feed(const CMS_SIGNED_DATA &data, CMS_SIGNER_INFO &signer, bool attributes, ContentDigests *attached) noexcept {
   if (!attributes && !attached) return signer.state->skipped ? fail(F_FINAL_CMS_SIGN, kBadValue) : 0;
-  if (const int code = start(signer, F_FINAL_CMS_SIGN)) return code;
+  if (const int code = start_signer(signer, signer.signatureAlgorithm, F_FINAL_CMS_SIGN)) return code;
   return attributes ? feed_attributes(data, signer, attached) : feed_signature(*signer.privateKey, attached->content());
 }
 

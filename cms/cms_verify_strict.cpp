@@ -16,20 +16,12 @@ struct Task {
   bool weak_allowed;
 };
 
-// The octets of IssuerAndSerialNumber's content in a received SignerInfo; none for a signer that was built here.
-Octets received_name(const CMS_SIGNER_INFO &signer) noexcept {
-  Tlv parent, child;
-  parent.content = received_of(signer);
-  Cursor in(parent);
-  return in.next(child) && in.at(tag::kSequence) && in.next(child) ? child.content : Octets();
-}
-
 bool is_named_by(const X509_CERT *cert, const CMS_SIGNER_INFO &signer) noexcept {
   const SIGNER_IDENTIFIER *sid = signer.sid;
   if (!cert || !sid) return false;
   if (sid->type == CMS_ID_SUBJECT_KEY) return has_subject_key(*cert, sid->subjectKeyIdentifier);
   const ISSUER_AND_SERIAL_NUMBER *name = sid->issuerAndSerialNumber;
-  return name && is_named(*cert, received_name(signer), name->issuer, name->serialNumber);
+  return name && is_named(*cert, received_name(received_of(signer)), name->issuer, name->serialNumber);
 }
 
 int verify_one(const CMS_SIGNER_INFO &signer, const Task &task, const X509_CERT *cert) noexcept {
@@ -64,10 +56,13 @@ int verify_CMS_strict(const CMS_CONTENT_INFO *cms, const X509_CERT *cert, const 
   const CMS_SIGNED_DATA &content = *signed_data(cms);
   const ENCAPSULATED_CONTENT_INFO *info = content.encapContentInfo;
   if (!info || !info->eContentType) return failure(kNullArgument);
-  const Octets given = octets_of(data, length);
-  if (!info->eContent && !data) return failure(ERR_NO_CONTENT);
-  if (info->eContent && data && !equal_octets(octets(*info->eContent), given)) return failure(ERR_CONTENT_MISMATCH);
-  ContentDigests digests(info->eContent ? octets(*info->eContent) : given);
+  const Octets held = info->eContent ? octets(*info->eContent) : Octets(), given = octets_of(data, length);
+  Octets chosen;
+  if (const int code =
+          choose_content(info->eContent ? &held : nullptr, data ? &given : nullptr, F_VERIFY_CMS, chosen)) {
+    return code;
+  }
+  ContentDigests digests(chosen);
   const Task task{content, digests, bool(flags & CMS_ALLOW_WEAK_DIGESTS)};
   return verify_each<CMS_SIGNER_INFO>(content.signerInfos, {cert, content.certificates, more}, task, made, F_VERIFY_CMS,
                                       is_named_by, verify_one);

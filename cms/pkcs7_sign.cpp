@@ -1,5 +1,4 @@
 // Signing: init, update, final.
-#include "cms/internal/signature.h"
 #include "cms/internal/signer_state.h"
 
 namespace velpki {
@@ -14,29 +13,12 @@ constexpr int kAttributeEncoding = 0x5F;
 bool is_signed(const P7_SIGNER_INFO &signer) noexcept {
   return signer.encryptedDigest && signer.encryptedDigest->length > 0;
 }
-bool is_started(const P7_SIGNER_INFO &signer) noexcept { return signer.state && signer.state->started; }
 
 bool has_version_0(const BIGINT *version) noexcept { return PKV_Get_BIGINT_Bit_Length(version) == 0; }
 
 // Whether the signature is over the attributes, when the signer has the version of the content.
 bool signs_attributes(const P7_SIGNER_INFO &signer, const BIGINT *version) noexcept {
   return !has_version_0(version) && has_attributes(signer.authenticatedAttributes);
-}
-
-int start(P7_SIGNER_INFO &signer) noexcept {
-  ASYMMETRIC_KEY *key = signer.privateKey;
-  if (!key) return failure(kUnsupported);
-  SignatureScheme scheme;
-  if (!signature_scheme(signer.digestAlgorithm, signer.digestEncryptionAlgorithm, key->type, scheme)) {
-    return failure(kBadValue);
-  }
-  if (const int code = start_signature(*key, scheme, F_P7_SIGN)) return code;
-  P7_SIGNER_STATE *state = new_signer_state({});
-  if (!state) return failure(kNoMemory);
-  state->started = true;
-  if (signer.state) Flat<P7_SIGNER_STATE>::release(signer.state);
-  signer.state = state;
-  return 0;
 }
 
 // The message's type is one that has signers, and its content is there.
@@ -62,17 +44,11 @@ int keep_content(P7_SIGNED_DATA &data, Octets octets) noexcept {
   return 0;
 }
 
-// Signers that sign their attributes have no use for the content here.
-int feed_signers(const P7_CONTENT_INFO &p7, Octets octets) noexcept {
+int feed_all(const P7_CONTENT_INFO &p7, Octets octets) noexcept {
   const BIGINT *version = version_of_content(p7);
-  for (P7_SIGNER_INFO *signer : elements<P7_SIGNER_INFO>(signer_infos(&p7))) {
-    if (!signer || !is_started(*signer) || is_signed(*signer)) continue;
-    if (signs_attributes(*signer, version))
-      signer->state->skipped = true;
-    else if (const int code = feed_signature(*signer->privateKey, octets))
-      return code;
-  }
-  return 0;
+  return feed_signers<P7_SIGNER_INFO>(signer_infos(&p7), octets, is_signed, [version](const P7_SIGNER_INFO &signer) {
+    return signs_attributes(signer, version);
+  });
 }
 
 }  // namespace
@@ -93,7 +69,7 @@ int init_PKCS7_Sign(P7_CONTENT_INFO *p7, int detached) noexcept {
   if (!signers || signers->count == 0) return failure(kBadValue);
   for (P7_SIGNER_INFO *signer : elements<P7_SIGNER_INFO>(signers)) {
     if (!signer || is_signed(*signer)) continue;
-    if (const int code = start(*signer)) return code;
+    if (const int code = start_signer(*signer, signer->digestEncryptionAlgorithm, F_P7_SIGN)) return code;
   }
   return 0;
 }
@@ -104,7 +80,7 @@ int update_PKCS7_Sign(P7_CONTENT_INFO *p7, const unsigned char *data, int length
   if (!data && length > 0) return failure(kNullArgument);
   P7_SIGNED_DATA *content = signed_data(p7);
   if (content && !content->detached) return keep_content(*content, octets_of(data, length));
-  return feed_signers(*p7, octets_of(data, length));
+  return feed_all(*p7, octets_of(data, length));
 }
 
 namespace velpki {
@@ -113,9 +89,9 @@ namespace {
 
 // Feeds what is signed, from the start: the attributes, or the content that the message has. Where it has none the
 // content was fed as it came, unless the signer had attributes then and its version has become 0 since.
-int feed_all(P7_SIGNER_INFO &signer, bool attributes, const MessageContent &content) noexcept {
+int feed(P7_SIGNER_INFO &signer, bool attributes, const MessageContent &content) noexcept {
   if (!attributes && !content.present()) return signer.state->skipped ? failure(kBadValue) : 0;
-  if (const int code = start(signer)) return code;
+  if (const int code = start_signer(signer, signer.digestEncryptionAlgorithm, F_P7_SIGN)) return code;
   if (!attributes) return feed_signature(*signer.privateKey, content.octets());
   DerWriter set;
   if (write_attribute_set(*signer.authenticatedAttributes, set) || set.failed()) return failure(kAttributeEncoding);
@@ -129,7 +105,7 @@ int finish(P7_SIGNER_INFO &signer, const BIGINT *version, const MessageContent &
     return attributes ? kUnknownKeyOnAttributes : failure(kUnsupported);
   }
   if (!is_started(signer)) return failure(kNullArgument);
-  if (const int code = feed_all(signer, attributes, content)) return code;
+  if (const int code = feed(signer, attributes, content)) return code;
   owned<ASN1_STRING> signature;
   const int code =
       finish_signature(*signer.privateKey, F_P7_SIGN, fail(F_P7_CONTENT_INFO_TO_SEQ, kFailedStep), signature);

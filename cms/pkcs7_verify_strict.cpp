@@ -20,17 +20,9 @@ struct Task {
   const DigestCipher *cipher = nullptr;
 };
 
-// The octets of IssuerAndSerialNumber's content in a received SignerInfo; none for a signer that was built here.
-Octets received_name(const P7_SIGNER_INFO &signer) noexcept {
-  Tlv parent, child;
-  parent.content = received_of(signer);
-  Cursor in(parent);
-  return in.next(child) && in.next(child) ? child.content : Octets();
-}
-
 bool is_named_by(const X509_CERT *cert, const P7_SIGNER_INFO &signer) noexcept {
   const P7_ISSUER_AND_SERIAL_NUMBER *name = signer.issuerAndSerialNumber;
-  return cert && name && is_named(*cert, received_name(signer), name->issuer, name->serialNumber);
+  return cert && name && is_named(*cert, received_name(received_of(signer)), name->issuer, name->serialNumber);
 }
 
 // The signer's signature out of the cipher that it may be in.
@@ -94,10 +86,13 @@ int verify_PKCS7_strict(const P7_CONTENT_INFO *p7, const X509_CERT *cert, const 
   if (signed_content && !signed_content->contentInfo) return failure(kNullArgument);
   MessageContent content;
   if (const int code = content.load(*p7)) return code;
-  const Octets given = octets_of(data, length);
-  if (!content.present() && !data) return failure(ERR_NO_CONTENT);
-  if (content.present() && data && !equal_octets(content.octets(), given)) return failure(ERR_CONTENT_MISMATCH);
-  ContentDigests digests(content.present() ? content.octets() : given);
+  const Octets held = content.octets(), given = octets_of(data, length);
+  Octets chosen;
+  if (const int code =
+          choose_content(content.present() ? &held : nullptr, data ? &given : nullptr, F_P7_VERIFY, chosen)) {
+    return code;
+  }
+  ContentDigests digests(chosen);
   const owned<OBJECT_IDENTIFIER> data_type = oid_of_row(PKCS7_DATA);
   if (!data_type) return failure(kNoMemory);
   const OBJECT_IDENTIFIER *type = signed_content ? signed_content->contentInfo->contentType : data_type.get();

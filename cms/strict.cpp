@@ -205,6 +205,20 @@ bool name_of_certificate(const X509_CERT &cert, Octets &issuer, Octets &serial) 
 
 }  // namespace
 
+Octets received_name(Octets signer_info) noexcept {
+  Tlv parent, child;
+  parent.content = signer_info;
+  Cursor in(parent);
+  return in.next(child) && in.next(child) ? child.content : Octets();
+}
+
+int choose_content(const Octets *held, const Octets *given, int function, Octets &out) noexcept {
+  if (!held && !given) return fail(function, ERR_NO_CONTENT);
+  if (held && given && !equal_octets(*held, *given)) return fail(function, ERR_CONTENT_MISMATCH);
+  out = held ? *held : *given;
+  return 0;
+}
+
 bool is_named(const X509_CERT &cert, Octets received_name, const X509_NAME *issuer, const BIGINT *serial) noexcept {
   Octets own_issuer, own_serial;
   Tlv parent, name, number;

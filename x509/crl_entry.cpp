@@ -140,14 +140,13 @@ Read place_serial(X509_REVOKED &entry, const Tlv &number) noexcept {
 Read place_date(X509_REVOKED &record, int type, Octets text) noexcept {
   Entry &entry = entry_of(record);
   const int number = type == X509_TIME_UTC ? TYPE_UTC_TIME : TYPE_GENERALIZED_TIME;
-  const int ends_in_z = !text.empty() && text.back() == 'Z';
   entry.date.type = type;
   if (text.size() > kShortDate) {
-    entry.date.time = new_string(number, text, ends_in_z);
+    entry.date.time = new_string(number, text, ends_in_z(text));
     if (!entry.date.time) return Read::no_memory;
   } else {
     entry.date.time = &entry.date_text;
-    entry.date_text = {number, entry.date_octets, int(text.size()), ends_in_z};
+    entry.date_text = {number, entry.date_octets, int(text.size()), ends_in_z(text)};
     copy_octets(entry.date_octets, text);
     entry.date_octets[text.size()] = 0;
   }
@@ -168,6 +167,15 @@ int place_extensions(X509_REVOKED &entry, const Tlv &encoded) noexcept {
   if (shared) slot = {whole, list};
   set_extensions(entry, list, shared);
   return 0;
+}
+
+// A shared list becomes one of its own.
+bool change_extensions(X509_REVOKED *entry) noexcept {
+  if (!changing(entry)) return false;
+  if (!shares_extensions(*entry)) return true;
+  STACK *copy = dup_X509_EXTENSIONS(entry->crlEntryExtensions);
+  if (copy) set_extensions(*entry, copy, false);
+  return copy != nullptr;
 }
 
 // Concurrent first look-ups link the same entry to the same CRL.
@@ -249,65 +257,4 @@ int set_X509_REVOKED_revocationDate(X509_REVOKED *entry, const X509_TIME *time) 
     entry->revocationDate = copy;
   }
   return 0;
-}
-
-// Lists.
-
-int get_X509_REVOKED_count(const STACK *revoked) noexcept { return get_STACK_count(revoked); }
-X509_REVOKED *get_X509_REVOKED(const STACK *revoked, int index) noexcept {
-  return element<X509_REVOKED>(revoked, index);
-}
-
-// The list does not know its CRL, but its entries do.
-int add_X509_REVOKED_child(STACK **list, const X509_REVOKED *entry, int position) noexcept {
-  owned<X509_REVOKED> copy(list ? dup_X509_REVOKED(entry) : nullptr);
-  STACK *const fresh = copy && !*list ? new_revoked_list() : nullptr;
-  STACK *const target = copy && *list ? *list : fresh;
-  const X509_REVOKED *first = element<X509_REVOKED>(target, 0);
-  X509_CRL_KEPT *kept = first ? kept_of(*first) : nullptr;
-  if (!target || !insert_STACK_value(target, copy.get(), position)) return free_STACK(fresh), 1;
-  drop_content(kept);
-  link_entry(*copy.release(), kept);
-  *list = target;
-  return 0;
-}
-
-// Extensions.
-
-int get_X509_REVOKED_ext_count(const X509_REVOKED *entry) noexcept {
-  if (!entry) return -1;
-  return entry->crlEntryExtensions ? entry->crlEntryExtensions->count : 0;
-}
-int get_X509_REVOKED_ext_by_OID(const X509_REVOKED *entry, const OBJECT_IDENTIFIER *oid, int last) noexcept {
-  return get_X509_EXTENSION_index_by_OID(entry ? entry->crlEntryExtensions : nullptr, oid, last);
-}
-int get_X509_REVOKED_ext_index_by_OID_index(const X509_REVOKED *entry, int oid_index, int last) noexcept {
-  return get_X509_EXTENSION_index_by_OID_index(entry ? entry->crlEntryExtensions : nullptr, oid_index, last);
-}
-X509_EXTENSION *get_X509_REVOKED_ext(const X509_REVOKED *entry, int index) noexcept {
-  return get_X509_EXTENSION(entry ? entry->crlEntryExtensions : nullptr, index);
-}
-
-namespace velpki {
-
-namespace {
-
-// The entry's extensions for a change: a shared list becomes one of its own.
-bool changing_extensions(X509_REVOKED *entry) noexcept {
-  if (!changing(entry)) return false;
-  if (!shares_extensions(*entry)) return true;
-  STACK *copy = dup_X509_EXTENSIONS(entry->crlEntryExtensions);
-  if (copy) set_extensions(*entry, copy, false);
-  return copy != nullptr;
-}
-
-}  // namespace
-
-}  // namespace velpki
-
-void remove_X509_REVOKED_ext(X509_REVOKED *entry, int index) noexcept {
-  if (changing_extensions(entry)) remove_X509_EXTENSION(entry->crlEntryExtensions, index);
-}
-int add_X509_REVOKED_ext(X509_REVOKED *entry, const X509_EXTENSION *extension, int position) noexcept {
-  return changing_extensions(entry) ? add_X509_EXTENSION(&entry->crlEntryExtensions, extension, position) : 1;
 }

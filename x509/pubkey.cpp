@@ -36,55 +36,6 @@ int read_rsa(X509_PUBKEY &out) noexcept {
   return code ? out_of_bits(code) : 0;
 }
 
-// The seed and count of the domain parameters; `count` is above INT_MAX for a number that does not fit.
-struct Seed {
-  owned<OCTET_STRING> octets;
-  unsigned count = 0;
-};
-
-// SEQUENCE { seed OCTET STRING, count INTEGER }
-bool read_seed(Cursor &in, Seed &seed) noexcept {
-  Tlv child;
-  if (!in.next(TYPE_SEQUENCE, child)) return false;
-  Cursor pair(child);
-  OCTET_STRING *octets = nullptr;
-  BIGINT *count = nullptr;
-  const bool read = pair.string(TYPE_OCTET_STRING, octets) && pair.integer(count);
-  seed.octets.reset(octets);
-  const owned<BIGINT> number(count);
-  if (!read) return in.absorb(pair);
-  seed.count = PKV_Get_BIGINT_Word(count);
-  return seed.count <= unsigned(INT_MAX) || in.stop(Read::malformed);
-}
-
-using Number = owned<BIGINT>;
-
-bool read_number(Cursor &in, Number &out) noexcept {
-  BIGINT *number = nullptr;
-  if (!in.integer(number)) return false;
-  out.reset(number);
-  return true;
-}
-
-}  // namespace
-
-// SEQUENCE { p, q, g INTEGER, j INTEGER OPTIONAL, SEQUENCE { seed, count } OPTIONAL }
-int read_kcdsa_parameters(const Tlv &tlv, KCDSA_UNIT &key) noexcept {
-  Cursor in(tlv);
-  Number p, q, g, j;
-  Seed seed;
-  bool read = read_number(in, p) && read_number(in, q) && read_number(in, g);
-  if (read && tag::number(in.peek()) == TYPE_INTEGER) read = read_number(in, j);
-  if (read && !in.at_end()) read = read_seed(in, seed);
-  if (!read) return in.result(F_SEQ_TO_X509_PUBKEY);
-  const Octets octets = seed.octets ? velpki::octets(*seed.octets) : Octets();
-  const int code = PKV_Set_KCDSA_Params(&key, p.get(), q.get(), g.get(), j.get(), nullptr, octets.data(),
-                                        int(octets.size()), int(seed.count));
-  return code ? kOutOfMemory : 0;
-}
-
-namespace {
-
 int read_kcdsa(Cursor &algorithm, X509_PUBKEY &out) noexcept {
   Tlv parameters;
   if (!algorithm.next(TYPE_SEQUENCE, parameters)) return algorithm.result(F_SEQ_TO_X509_PUBKEY);
@@ -93,30 +44,6 @@ int read_kcdsa(Cursor &algorithm, X509_PUBKEY &out) noexcept {
   const int code = read_kcdsa_value(octets(*out.subjectPublicKey), F_BITSTRING_to_KCDSA_KEY, *key);
   return code ? out_of_bits(code) : read_kcdsa_parameters(parameters, *key);
 }
-
-// The curves whose keys the standard form knows.
-struct KnownCurve {
-  std::string_view oid;
-  const char *name;
-};
-constexpr KnownCurve kKnownCurves[] = {
-    {"1.2.840.10045.3.1.7", "prime256v1"}, {"1.3.132.0.34", "secp384r1"}, {"1.3.132.0.35", "secp521r1"}};
-
-}  // namespace
-
-const char *curve_of_oid(std::string_view oid) noexcept {
-  for (const KnownCurve &curve : kKnownCurves)
-    if (curve.oid == oid) return curve.name;
-  return nullptr;
-}
-
-void write_known_curve(std::string_view name, DerWriter &out) noexcept {
-  for (const KnownCurve &curve : kKnownCurves)
-    if (name == curve.name) return out.oid_text(curve.oid);
-  out.refuse();
-}
-
-namespace {
 
 int read_known_curve(std::string_view oid, X509_PUBKEY &out) noexcept {
   const char *name = curve_of_oid(oid);
@@ -179,18 +106,6 @@ int decode(const Tlv &tlv, X509_PUBKEY &out) noexcept {
   if (!algorithm.oid(out.algorithm)) return algorithm.result(F_SEQ_TO_X509_PUBKEY);
   if (!in.string(TYPE_BIT_STRING, out.subjectPublicKey)) return in.result(F_SEQ_TO_X509_PUBKEY);
   return in.rules().standard ? read_any_key(algorithm, out) : read_key(algorithm, out);
-}
-
-void write_kcdsa_parameters(const KCDSA_UNIT &key, DerWriter &out) noexcept {
-  const auto sequence = out.sequence();
-  for (const auto which : {PKV_KCDSA_P, PKV_KCDSA_Q, PKV_KCDSA_G}) out.integer(PKV_Get_KCDSA_Component(&key, which));
-  if (const BIGINT *j = PKV_Get_KCDSA_Component(&key, PKV_KCDSA_J)) out.integer(j);
-  int length = 0, count = 0;
-  const uint8_t *seed = PKV_Get_KCDSA_Seed(&key, &length, &count);
-  if (!seed) return;
-  const auto validation = out.sequence();
-  out.primitive(TYPE_OCTET_STRING, octets_of(seed, length));
-  out.integer(unsigned(count));
 }
 
 namespace {
@@ -308,77 +223,4 @@ int X509_PUBKEY_to_Seq(const X509_PUBKEY *in, ASN1_UNIT **out) noexcept {
 }
 int X509_PUBKEY_to_Seq_RFC5280(const X509_PUBKEY *in, ASN1_UNIT **out) noexcept {
   return to_seq(F_X509_PUBKEY_TO_SEQ, in, out, encode, kStandardRules);
-}
-
-namespace velpki {
-
-namespace {
-
-// Fills the record with the public half of a key, at once or not at all.
-int set_key(X509_PUBKEY *pubkey, int row, owned<ASYMMETRIC_KEY> key, owned<ASN1_STRING> bits) noexcept {
-  if (!pubkey || !key || !bits) return 1;
-  X509_PUBKEY fresh{index_to_OBJECT_IDENTIFIER(row), nullptr, nullptr, nullptr};
-  if (!fresh.algorithm) return 1;
-  fresh.subjectPublicKey = bits.release();
-  fresh.key = key.release();
-  clean(pubkey);
-  *pubkey = fresh;
-  return 0;
-}
-
-template <class Unit>
-owned<ASN1_STRING> bits_of(Unit *key, int (*write)(Unit *, ASN1_STRING **) noexcept) noexcept {
-  ASN1_STRING *bits = nullptr;
-  return owned<ASN1_STRING>(write(key, &bits) ? nullptr : bits);
-}
-
-owned<RSA_UNIT> public_half(const RSA_UNIT *key) noexcept {
-  owned<RSA_UNIT> half(key ? PKV_New_RSA() : nullptr);
-  if (!half) return nullptr;
-  const int code =
-      PKV_Set_RSA_Params(half.get(), PKV_Get_RSA_Component(key, PKV_RSA_N), PKV_Get_RSA_Component(key, PKV_RSA_E),
-                         nullptr, nullptr, nullptr, nullptr, nullptr, nullptr);
-  return code ? nullptr : std::move(half);
-}
-
-owned<KCDSA_UNIT> public_half(const KCDSA_UNIT *key) noexcept {
-  owned<KCDSA_UNIT> half(key ? PKV_New_KCDSA() : nullptr);
-  if (!half) return nullptr;
-  const auto part = [key](PKV_KCDSA_COMPONENT which) { return PKV_Get_KCDSA_Component(key, which); };
-  int length = 0, count = 0;
-  const uint8_t *seed = PKV_Get_KCDSA_Seed(key, &length, &count);
-  const int code = PKV_Set_KCDSA_Params(half.get(), part(PKV_KCDSA_P), part(PKV_KCDSA_Q), part(PKV_KCDSA_G),
-                                        part(PKV_KCDSA_J), part(PKV_KCDSA_Y), seed, length, count);
-  return code ? nullptr : std::move(half);
-}
-
-owned<ECC_UNIT> public_half(const ECC_UNIT *key) noexcept {
-  const ECC_POINT *point = key ? PKV_Get_ECC_Public(key) : nullptr;
-  owned<ECC_UNIT> half(point ? PKV_New_ECC() : nullptr);
-  if (!half) return nullptr;
-  const bool set = PKV_Set_ECC_Curve(half.get(), PKV_Get_ECC_Curve(key)) == 0 &&
-                   PKV_Set_ECC_Public(half.get(), PKV_Get_ECC_POINT_X(point), PKV_Get_ECC_POINT_Y(point)) == 0;
-  return set ? std::move(half) : nullptr;
-}
-
-}  // namespace
-
-}  // namespace velpki
-
-int set_X509_PUBKEY_rsa(X509_PUBKEY *pubkey, RSA_UNIT *key) noexcept {
-  const owned<RSA_UNIT> half = public_half(key);
-  return set_key(pubkey, row::kRsaEncryption, owned<ASYMMETRIC_KEY>(RSA_UNIT_to_ASYMMETRIC_KEY(half.get())),
-                 bits_of(half.get(), RSA_KEY_to_BITSTRING_strict));
-}
-
-int set_X509_PUBKEY_kcdsa(X509_PUBKEY *pubkey, KCDSA_UNIT *key) noexcept {
-  const owned<KCDSA_UNIT> half = public_half(key);
-  return set_key(pubkey, row::kKcdsa1, owned<ASYMMETRIC_KEY>(KCDSA_UNIT_to_ASYMMETRIC_KEY(half.get())),
-                 bits_of(half.get(), KCDSA_KEY_to_BITSTRING));
-}
-
-int set_X509_PUBKEY_ecc(X509_PUBKEY *pubkey, ECC_UNIT *key) noexcept {
-  const owned<ECC_UNIT> half = public_half(key);
-  return set_key(pubkey, row::kEcPublicKey, owned<ASYMMETRIC_KEY>(ECC_UNIT_to_ASYMMETRIC_KEY(half.get())),
-                 bits_of(half.get(), ECC_KEY_to_BITSTRING_RFC5280));
 }

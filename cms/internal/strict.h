@@ -25,9 +25,15 @@ int check_binding(const StrictSigner &signer, const OBJECT_IDENTIFIER *content_t
 // where nothing was. False when they cannot be written; nothing is written for a signer without.
 bool write_received_attributes(Octets received, const X509_ATTRIBUTES *attributes, DerWriter &out) noexcept;
 
+// The name in the content of a SignerInfo that was received, behind its version; empty for one that was built here.
+Octets received_name(Octets signer_info) noexcept;
+
 // Whether a certificate has the issuer and serial number that were received, octet for octet; what was built here is
 // compared by its members.
 bool is_named(const X509_CERT &cert, Octets received_name, const X509_NAME *issuer, const BIGINT *serial) noexcept;
+
+// What is signed: what the message holds, or else what the caller gives. Where there is both they have to agree.
+int choose_content(const Octets *held, const Octets *given, int function, Octets &out) noexcept;
 
 // The caller's reports on signers, as many as there is room for.
 template <class Report>
