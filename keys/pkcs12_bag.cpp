@@ -98,7 +98,6 @@ owned<char> name_text(const ASN1_STRING *name, int &length, bool &no_memory) noe
 using namespace velpki;
 
 int add_PKCS12_bag(STACK **bags, P12_SAFEBAG *bag) noexcept {
-  constexpr int kNoList = 0x3B;
   if (!bags || !bag) return fail(F_ADD_PKCS12_BAG, kNullArgument);
   STACK *fresh = *bags ? nullptr : new_STACK();
   STACK *list = *bags ? *bags : fresh;

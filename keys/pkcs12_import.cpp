@@ -6,7 +6,6 @@ namespace velpki {
 namespace {
 
 constexpr int failure(int reason) noexcept { return fail(F_IMPORT_PKCS12, reason); }
-constexpr int kNoList = 0x3B;
 constexpr long long kPairs = 4000000;  // of keys and certificates that are compared
 
 // The reasons that are the caller's to know; all else is a file that cannot be read.

@@ -47,30 +47,42 @@ int compare(const P12_MAC_DATA &mac, const Mac &computed, int length) noexcept {
   return same ? 0 : kMismatch;
 }
 
-// PBMAC1 (RFC 8018 A.5, RFC 9579): the parameters have the shape of those of PBES2, with an HMAC for a cipher.
-int check_pbmac1(const P12_MAC_DATA &mac, const Pkcs12Password &password, Octets content, Budget &budget) noexcept {
-  Mac key, computed;
-  const WipeAtEnd wipe(key.data(), key.size());
+// What the parameters of PBMAC1 say; a password-based key of `key_length` octets is made in `iterations` steps.
+struct Pbmac1 {
+  owned<P5_PBE_PARAM> param;
+  int prf_digest_id, hmac_digest_id, iterations, key_length;
+};
+
+// PBMAC1-params (RFC 8018 A.5, RFC 9579) have the shape of those of PBES2, with an HMAC for a cipher.
+int read_pbmac1(const P12_MAC_DATA &mac, Budget &budget, Pbmac1 &out) noexcept {
   if (!mac.digestParameters) return ERR_ASN1_DECODING;
   P5_PBE_PARAM *decoded = nullptr;
   if (const int code = from_tlv(F_SEQ_TO_P5_PBE_PARAM, view_of(*mac.digestParameters), &decoded, decode)) {
     return reason_of(code);
   }
-  const owned<P5_PBE_PARAM> param(decoded);
-  const int prf = prf_digest_id(param->prf),
-            hmac = param->encryptionScheme ? prf_digest_id(param->encryptionScheme) : 0;
-  int iterations = 0;
-  if (!prf || !hmac) return kUnsupported;
-  if (const int reason = read_iterations(*param, budget.maximum, iterations)) return reason;
-  const int length = param->key_length;
-  if (length < 1 || size_t(length) > key.size() || !budget.spend(iterations)) return kBadValue;
-  const Octets salt = octets(*param->salt), text = password.octets();
-  int code =
-      PKV_PBKDF2(prf, text.data(), int(text.size()), salt.data(), int(salt.size()), iterations, key.data(), length);
+  out.param.reset(decoded);
+  out.prf_digest_id = prf_digest_id(decoded->prf);
+  out.hmac_digest_id = decoded->encryptionScheme ? prf_digest_id(decoded->encryptionScheme) : 0;
+  out.key_length = decoded->key_length;
+  if (!out.prf_digest_id || !out.hmac_digest_id) return kUnsupported;
+  if (const int reason = read_iterations(*decoded, budget.maximum, out.iterations)) return reason;
+  const bool fits = out.key_length >= 1 && size_t(out.key_length) <= Mac().size();
+  return fits && budget.spend(out.iterations) ? 0 : kBadValue;
+}
+
+int check_pbmac1(const P12_MAC_DATA &mac, const Pkcs12Password &password, Octets content, Budget &budget) noexcept {
+  Pbmac1 by{};
+  if (const int reason = read_pbmac1(mac, budget, by)) return reason;
+  Mac key, computed;
+  const WipeAtEnd wipe(key.data(), key.size());
+  const Octets salt = octets(*by.param->salt), text = password.octets();
+  int code = PKV_PBKDF2(by.prf_digest_id, text.data(), int(text.size()), salt.data(), int(salt.size()), by.iterations,
+                        key.data(), by.key_length);
   if (!code) {
-    code = PKV_HMAC(hmac, key.data(), length, content.data(), int(content.size()), computed.data(), nullptr);
+    code = PKV_HMAC(by.hmac_digest_id, key.data(), by.key_length, content.data(), int(content.size()), computed.data(),
+                    nullptr);
   }
-  return code ? reason_of(code) : compare(mac, computed, PKV_Get_DIGEST_Length(hmac));
+  return code ? reason_of(code) : compare(mac, computed, PKV_Get_DIGEST_Length(by.hmac_digest_id));
 }
 
 }  // namespace

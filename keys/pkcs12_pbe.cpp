@@ -64,6 +64,21 @@ int fill_parameters(const Means &means, Octets salt, int iterations, const KeyAn
   return means.pbes2() && !set_prf(param, means.cipher.digest_id) ? PKV_ERR_NO_MEMORY : 0;
 }
 
+// The key and IV of a new file: those of PBES1 follow from the password, the IV of PBES2 is drawn.
+int make_key(const Means &means, const Pkcs12Password &password, Octets salt, int iterations, KeyAndIv &out) noexcept {
+  if (const int code = derive(means, password, salt, iterations, out)) return code;
+  if (!means.pbes2()) return 0;
+  out.iv_length = PKV_Get_BLOCK_CIPHER_IV_Length(means.cipher.cipher_id);
+  return PKV_Rand_Bytes(out.iv, out.iv_length);
+}
+
+int encrypt(const Means &means, const KeyAndIv &key, Octets in, Protected &out) noexcept {
+  out.octets = new_octets(in.size() + kSlack);
+  if (!out.octets) return PKV_ERR_NO_MEMORY;
+  out.length = int(in.size() + kSlack);
+  return run_cipher(Direction::encrypt, means.cipher.cipher_id, key, in, out.octets.get(), &out.length);
+}
+
 int make_algorithm(int pbe_index, const P5_PBE_PARAM &param, owned<X509_ALGO_IDENTIFIER> &out) noexcept {
   const owned<OBJECT_IDENTIFIER> oid = oid_of_row(pbe_index);
   out.reset(new_X509_ALGO_IDENTIFIER());
@@ -92,18 +107,10 @@ int protect(const Pkcs12Request &request, Octets in, Protected &out) noexcept {
   Octets salt;
   if (const int code = choose_salt(request, drawn, salt)) return code;
   KeyAndIv key;
-  if (const int code = derive(means, *request.password, salt, iterations, key)) return code;
-  if (means.pbes2()) {
-    key.iv_length = PKV_Get_BLOCK_CIPHER_IV_Length(means.cipher.cipher_id);
-    if (const int code = PKV_Rand_Bytes(key.iv, key.iv_length)) return code;
-  }
-  out.octets = new_octets(in.size() + kSlack);
+  if (const int code = make_key(means, *request.password, salt, iterations, key)) return code;
+  if (const int code = encrypt(means, key, in, out)) return code;
   const owned<P5_PBE_PARAM> param(new_P5_PBE_PARAM());
-  if (!out.octets || !param) return PKV_ERR_NO_MEMORY;
-  out.length = int(in.size() + kSlack);
-  if (const int code = run_cipher(Direction::encrypt, means.cipher.cipher_id, key, in, out.octets.get(), &out.length)) {
-    return code;
-  }
+  if (!param) return PKV_ERR_NO_MEMORY;
   if (const int code = fill_parameters(means, salt, iterations, key, *param)) return code;
   return make_algorithm(request.pbe_index, *param, out.algorithm);
 }

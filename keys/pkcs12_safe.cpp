@@ -38,7 +38,6 @@ owned<P7_CONTENT_INFO> encrypted_safe(int pbe_index, const PasswordText &text, O
 }
 
 int add_safe(STACK **safes, const STACK *bags, int pbe_index, int iteration, const PasswordText &text) noexcept {
-  constexpr int kNoList = 0x3B;
   if (!safes || !bags) return fail(F_PKCS12_ADD_SAFE, kNullArgument);
   const int index = pbe_index ? pbe_index : kUsualAlgorithm;
   owned<P7_CONTENT_INFO> safe =

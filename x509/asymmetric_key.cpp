@@ -12,23 +12,17 @@ struct KeyKind {
   int (*compare)(const void *, const void *) noexcept;
 };
 
-constexpr KeyKind kKinds[] = {
-    {[](void *key) noexcept { PKV_Free_RSA(static_cast<RSA_UNIT *>(key)); },
-     [](const void *key) noexcept -> void * { return PKV_Dup_RSA(static_cast<const RSA_UNIT *>(key)); },
-     [](const void *a, const void *b) noexcept {
-       return PKV_Cmp_RSA(static_cast<const RSA_UNIT *>(a), static_cast<const RSA_UNIT *>(b));
-     }},
-    {[](void *key) noexcept { PKV_Free_KCDSA(static_cast<KCDSA_UNIT *>(key)); },
-     [](const void *key) noexcept -> void * { return PKV_Dup_KCDSA(static_cast<const KCDSA_UNIT *>(key)); },
-     [](const void *a, const void *b) noexcept {
-       return PKV_Cmp_KCDSA(static_cast<const KCDSA_UNIT *>(a), static_cast<const KCDSA_UNIT *>(b));
-     }},
-    {[](void *key) noexcept { PKV_Free_ECC(static_cast<ECC_UNIT *>(key)); },
-     [](const void *key) noexcept -> void * { return PKV_Dup_ECC(static_cast<const ECC_UNIT *>(key)); },
-     [](const void *a, const void *b) noexcept {
-       return PKV_Cmp_ECC(static_cast<const ECC_UNIT *>(a), static_cast<const ECC_UNIT *>(b));
-     }},
-};
+template <class Unit, auto release, auto copy, auto compare>
+constexpr KeyKind kKindOf = {[](void *key) noexcept { release(static_cast<Unit *>(key)); },
+                             [](const void *key) noexcept -> void * { return copy(static_cast<const Unit *>(key)); },
+                             [](const void *a, const void *b) noexcept {
+                               return compare(static_cast<const Unit *>(a), static_cast<const Unit *>(b));
+                             }};
+
+// By ASYMMETRIC_KEY's types, from 1.
+constexpr KeyKind kKinds[] = {kKindOf<RSA_UNIT, PKV_Free_RSA, PKV_Dup_RSA, PKV_Cmp_RSA>,
+                              kKindOf<KCDSA_UNIT, PKV_Free_KCDSA, PKV_Dup_KCDSA, PKV_Cmp_KCDSA>,
+                              kKindOf<ECC_UNIT, PKV_Free_ECC, PKV_Dup_ECC, PKV_Cmp_ECC>};
 
 const KeyKind *kind_of(const ASYMMETRIC_KEY *key) noexcept {
   const bool known = key && key->key && key->type >= ASYMMETRIC_KEY_RSA && key->type <= ASYMMETRIC_KEY_ECC;

@@ -6,8 +6,8 @@
 
 #include <string_view>
 
+#include "asn1/internal/codec.h"
 #include "asn1/internal/cursor.h"
-#include "asn1/internal/record.h"
 #include "asn1/internal/writer.h"
 
 namespace velpki {

@@ -6,8 +6,6 @@ namespace velpki::row {
 inline constexpr int kPbeRc4_128 = 144;
 inline constexpr int kPbeRc4_40 = 145;
 inline constexpr int kPbe3Des = 146;
-inline constexpr int kPbe2Des = 147;
-inline constexpr int kPbeRc2_128 = 148;
 inline constexpr int kPbeRc2_40 = 149;
 inline constexpr int kPbes2 = 161;
 inline constexpr int kPbeMd5Rc2 = 169;

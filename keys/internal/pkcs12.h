@@ -13,6 +13,8 @@ VELPKI_FLAT_WITHOUT_DUP(P12_MAC_DATA)
 VELPKI_FLAT_WITHOUT_DUP(P12_SAFEBAG)
 VELPKI_FLAT_WITHOUT_DUP(P12_BAGS)
 
+inline constexpr int kNoList = 0x3B;  // the reason for a list that could not be made
+
 namespace row {
 inline constexpr int kKeyBag = 150;
 inline constexpr int kShroudedKeyBag = 151;

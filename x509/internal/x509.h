@@ -4,7 +4,7 @@
 #include <velpki/asn1_objects.h>
 #include <velpki/x509.h>
 
-#include "asn1/internal/record.h"
+#include "asn1/internal/codec.h"
 
 namespace velpki {
 
