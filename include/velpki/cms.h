@@ -456,8 +456,8 @@ VELPKI_API int set_CMS_version(CMS_CONTENT_INFO *cms, int version, int type_inde
  * absent. F_SET_ENCAPSULATED_CONTENT_INFO with 49, 2B or 3C. */
 VELPKI_API int set_ENCAPSULATED_CONTENT_INFO(ENCAPSULATED_CONTENT_INFO *eci, int type_index, const unsigned char *bytes,
                                              int length) VELPKI_NOEXCEPT;
-/** Takes over the content of signed, digested or authenticated data, and raises their version for content other than
- * data. F_SET_CMS_CONTENT with 49, 48, 2B (the message holds it already) or 3C. */
+/** Takes over the content of signed, digested or authenticated data, and raises the version of the first two for
+ * content other than data. F_SET_CMS_CONTENT with 49, 48, 2B (the message holds it already) or 3C. */
 VELPKI_API int set_Content_Info(CMS_CONTENT_INFO *cms, ENCAPSULATED_CONTENT_INFO *eci) VELPKI_NOEXCEPT;
 /** Fills an encrypted content with a type, by its registry row, an algorithm and a copy of the octets; a null `content`
  * of length 0 leaves them absent. F_SET_CMS_ENCRYPTED_CONTENT_INFO with 49, 2B or 3C. */
@@ -531,7 +531,8 @@ VELPKI_API int add_CMS_Originator_CRL(CMS_CONTENT_INFO *cms, X509_CRL *crl) VELP
 /** @name Attributes
  * @{ */
 /** Adds a signed attribute with one value, of which `type` and `bytes` are those of add_PKCS7_Signed_Attribute;
- * `oid_index` is a registry row. F_ADD_ATTRIBUTE with 49, 2B (a row without identifier, a value that is none) or 3C. */
+ * `oid_index` is a registry row. F_ADD_ATTRIBUTE with 49, 2B (a row without identifier, a negative length) or 3C (also
+ * for octets that are no value of the type). */
 VELPKI_API int add_CMS_Signed_Attribute(CMS_SIGNER_INFO *si, int oid_index, int type, const unsigned char *bytes,
                                         int length) VELPKI_NOEXCEPT;
 /** Adds an unsigned attribute to a signer in the same way, with the same codes. */
@@ -588,12 +589,13 @@ typedef struct {
   int iterations;                       /**< of the password's derivation; 600,000, and at most 10,000,000 */
 } CMS_RECIPIENT_OPTIONS;
 /** Fills a recipient of every kind from options. F_SET_CMS_RECIPIENT_INFO with 49, 48 (another kind, a key or cipher
- * that does not fit), 2B or 3C. */
+ * that does not fit), 2B (a secret of another length than the wrap wants, a certificate without subject key identifier)
+ * or 3C. */
 VELPKI_API int set_CMS_RECIPIENT_INFO_ex(CMS_RECIPIENT_INFO *ri, const CMS_RECIPIENT_OPTIONS *options) VELPKI_NOEXCEPT;
 /** Makes an originator of a certificate's public key, the algorithm without parameters. F_SET_CMS_ORIGINATORPUBLICKKEY
  * with 49, 48 or 3C. */
 VELPKI_API int set_CMS_OriginatorPublickKey(ORIGINATOR_IDENTIFIER_ORKEY *originator, X509_CERT *cert) VELPKI_NOEXCEPT;
-/** Takes a recipient over, into enveloped or authenticated data, and raises their version by its kind.
+/** Takes a recipient over, into enveloped or authenticated data, and raises the version of enveloped data by its kind.
  * F_ADD_CMS_RECIPIENT_INFO with 49, 48, 2B (the message holds it already) or 3C. */
 VELPKI_API int add_CMS_RECIPIENT_INFO(CMS_CONTENT_INFO *cms, CMS_RECIPIENT_INFO *ri) VELPKI_NOEXCEPT;
 /** Makes a recipient as set_CMS_RECIPIENT_INFO and adds it; it is lent, null on failure. */

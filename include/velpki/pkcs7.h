@@ -147,8 +147,8 @@ typedef struct {
 
 /** @name The family of P7_ISSUER_AND_SERIAL_NUMBER
  * @{ */
-/** A new record has neither issuer nor number, and needs both to be encoded. Codes:
- * F_P7_ISSUER_AND_SERIAL_NUMBER_TO_SEQ and F_SEQ_TO_P7_ISSUER_AND_SERIAL_NUMBER. */
+/** A new record has neither issuer nor number, and needs both to be encoded. Codes: F_P7_IS_AND_SN_TO_SEQ and
+ * F_SEQ_TO_P7_IS_AND_SN. */
 VELPKI_API P7_ISSUER_AND_SERIAL_NUMBER *new_P7_ISSUER_AND_SERIAL_NUMBER(void) VELPKI_NOEXCEPT;
 VELPKI_API void free_P7_ISSUER_AND_SERIAL_NUMBER(P7_ISSUER_AND_SERIAL_NUMBER *p) VELPKI_NOEXCEPT;
 VELPKI_API int P7_ISSUER_AND_SERIAL_NUMBER_to_Seq(const P7_ISSUER_AND_SERIAL_NUMBER *in,

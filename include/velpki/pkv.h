@@ -317,10 +317,11 @@ VELPKI_API int PKV_RC4(const unsigned char *key, int key_length, const unsigned 
 
 /* Keys: what all have in common. */
 
-/** Kinds of keys, as in the `type` of an ASYMMETRIC_KEY and the `key` of a PKV_SIGN_CALLBACK. */
+/** Kinds of keys, as a PKV_SIGN_CALLBACK is told them. The `type` of an ASYMMETRIC_KEY (x509.h) has numbers of its own.
+ */
 enum {
   PKV_KEY_RSA = 0x20000000,   /**< RSA_UNIT */
-  PKV_KEY_DSA = 0x30000000,   /**< verified by PKV_DSA_VERIFY only, without an object */
+  PKV_KEY_DSA = 0x30000000,   /**< no object: PKV_DSA_VERIFY takes numbers */
   PKV_KEY_KCDSA = 0x40000000, /**< KCDSA_UNIT */
   PKV_KEY_ECC = 0x50000000    /**< ECC_UNIT */
 };
