@@ -181,6 +181,10 @@ TEST(FinishedUnits, LengthFormAndPadding) {
   EXPECT_EQ(octets_hex(bits), "6e6a");
   for (const char *text : {"10101", "1010101", "10102 ", ""})
     EXPECT_EQ(addPadToBERBitString(bits, text), code(F_ADD_PAD_TO_BER_BIT_STRING)) << text;
+  const String half(hexToBIT_STRING("6eA", 3));
+  EXPECT_EQ(octets_hex(half), "6ea0");
+  EXPECT_EQ(half->unused_bits, 4);
+  for (const char *text : {"6g", "6e-", ""}) EXPECT_EQ(hexToBIT_STRING(text, int(std::strlen(text))), nullptr) << text;
 }
 
 }  // namespace

@@ -16,19 +16,14 @@ void tell(const Row &row, const char *what, int code) {
 }
 
 void verify_row(const std::string &folder, const Row &row, const Cms &cms, Tally &tally) {
-  const Bytes given = row.at("content_file").empty() ? Bytes() : read_file(folder + "/" + row.at("content_file"));
-  const bool attached = content<CMS_SIGNED_DATA>(cms)->encapContentInfo->eContent;
-  const std::string &expected = row.at("expected").empty() ? row.at("openssl_verifies") : row.at("expected");
-  if (row.at("signers").empty() || (expected != "ok" && expected != "fail")) return;
-  if (!attached && row.at("content_file").empty()) return;
-  const Certificates certs = certificates_at(folder, row.at("signer_certs"));
-  const int code = verify_CMS_strict(cms, nullptr, certs, attached ? nullptr : given.data(),
-                                     attached ? 0 : int(given.size()), CMS_ALLOW_WEAK_DIGESTS, nullptr, nullptr);
+  const Stated stated(folder, row, content<CMS_SIGNED_DATA>(cms)->encapContentInfo->eContent);
+  if (!stated.known) return;
+  const int code = verify_CMS_strict(cms, nullptr, stated.certs, stated.data(), stated.size(), CMS_ALLOW_WEAK_DIGESTS,
+                                     nullptr, nullptr);
   (code ? tally.bad : tally.good)++;
-  if (expected == "fail" && code == 0) tell(row, "verified although openssl does not", code);
-  if (expected == "ok" && code) tell(row, "not verified", code);
-  const int plain = verify_CMS(cms, nullptr, attached ? nullptr : given.data(), attached ? 0 : int(given.size()));
-  tally.plain += plain == 0;
+  if (stated.verdict == "fail" && code == 0) tell(row, "verified although openssl does not", code);
+  if (stated.verdict == "ok" && code) tell(row, "not verified", code);
+  tally.plain += verify_CMS(cms, nullptr, stated.data(), stated.size()) == 0;
 }
 
 // What opens a row: its recipient's key, or the secret that the manifest states.

@@ -197,13 +197,12 @@ TEST(Open, DamagedContentHasOneCode) {
 enum class Variant { plain, sp, sp_ex };
 int seal(const Message &p7, Variant variant) {
   const Owned<X509_ALGO_IDENTIFIER> aes = algorithm(419);
-  const uint8_t *data = document().data();
-  const int size = int(document().size());
-  if (variant == Variant::plain)
-    return sign_encrypt_PKCS7_userKEY(p7, nullptr, aes, data, size, kKey.data(), kIv.data(), 0);
-  if (variant == Variant::sp)
-    return sign_encrypt_PKCS7_userKEY_SP(p7, nullptr, aes, data, size, kKey.data(), kIv.data(), 0);
-  return sign_encrypt_PKCS7_userKEY_SP_ex(p7, aes, data, size, kKey.data(), kIv.data(), 0);
+  const auto with = [&](auto function, auto... none) {
+    return function(p7, none..., aes, document().data(), int(document().size()), kKey.data(), kIv.data(), 0);
+  };
+  return variant == Variant::plain ? with(sign_encrypt_PKCS7_userKEY, nullptr)
+         : variant == Variant::sp  ? with(sign_encrypt_PKCS7_userKEY_SP, nullptr)
+                                   : with(sign_encrypt_PKCS7_userKEY_SP_ex);
 }
 
 TEST(SignAndSeal, PlainAndSp) {

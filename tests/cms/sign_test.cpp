@@ -131,6 +131,18 @@ TEST(Sign, FurtherForms) {
   EXPECT_EQ(verify_strictly(sent(p7), 0, &document()), 0);
 }
 
+// What came while a signer had attributes was not fed to its signature.
+TEST(Sign, AttributesThatGoAway) {
+  VELPKI_NEED_OPENSSL;
+  const Message p7 = message_of(PKCS7_SIGNED_DATA);
+  P7_SIGNER_INFO *signer = add_signer(p7, first_party());
+  add_attributes(signer, PKV_DIGEST_SHA256);
+  ASSERT_EQ(init_PKCS7_Sign(p7, 1), 0);
+  ASSERT_EQ(update_PKCS7_Sign(p7, document().data(), 1000), 0);
+  free_X509_ATTRIBUTES(std::exchange(signer->authenticatedAttributes, nullptr));
+  EXPECT_EQ(final_PKCS7_Sign(p7), F_P7_SIGN | 0x2B);
+}
+
 TEST(Sign, EmptyContent) {
   VELPKI_NEED_OPENSSL;
   for (const bool detached : {false, true}) {

@@ -1,4 +1,4 @@
-// The record families of pkcs1.h.
+// The record families of this folder.
 #include "support/family.h"
 
 #include "samples.h"
@@ -34,10 +34,9 @@ const std::vector<Family> &families() {
       FAMILY(RSAES_OAEP_PARAM, TLV(0x30, hash + mask + TLV(0xA2, TLV(0x30, "06092a864886f70d010109 0402abcd"))),
              dup_RSAES_OAEP_PARAM),
       FAMILY(P5_PBE_PARAM, TLV(0x30, "04080102030405060708 02020800"), dup_P5_PBE_PARAM),
-      family<P5_PBE_PARAM>("P5_PBE_PARAM_with_cipher", pbes2, Seq_to_P5_PBE_PARAM_RFC5280, P5_PBE_PARAM_to_Seq_RFC5280,
-                           dup_P5_PBE_PARAM, free_P5_PBE_PARAM),
-      family<PKCS8>("PKCS8", TLV(0x30, TLV(0x30, hex("06092a864886f70d01050d") + pbes2) + TLV(0x04, "0badcafe")),
-                    Seq_to_P8_ENCRYPTED_KEY, P8_ENCRYPTED_KEY_to_Seq, dup_PKCS8, free_PKCS8),
+      FAMILY_RFC5280(P5_PBE_PARAM, pbes2, dup_P5_PBE_PARAM),
+      FAMILY_AS(PKCS8, P8_ENCRYPTED_KEY,
+                TLV(0x30, TLV(0x30, hex("06092a864886f70d01050d") + pbes2) + TLV(0x04, "0badcafe")), dup_PKCS8),
       FAMILY(P8_PRIV_KEY_INFO, rsa, dup_P8_PRIV_KEY_INFO),
       family<P8_PRIV_KEY_INFO>("P8_PRIV_KEY_INFO_of_an_unknown_key",
                                TLV(0x30, "020100 300506032b6570 0422 0420" + std::string(64, '7') + attributes),
@@ -49,12 +48,9 @@ const std::vector<Family> &families() {
                           free_P12_SAFEBAG),
       family<P12_SAFEBAG>("P12_SAFEBAG_of_another_type", TLV(0x30, "06032a0304 a003 020105"), Seq_to_P12_SAFEBAG,
                           P12_SAFEBAG_to_Seq, nullptr, free_P12_SAFEBAG),
-      family<P12_SAFEBAGS>("P12_SAFEBAGS", TLV(0x30, nested_bag + key_bag), Seq_to_P12_SAFEBAGS, P12_SAFEBAGS_to_Seq,
-                           nullptr, free_P12_SAFEBAGS),
-      family<P12_AUTH_SAFE>("P12_AUTH_SAFE", TLV(0x30, data + data), Seq_to_P12_AUTH_SAFE, P12_AUTH_SAFE_to_Seq,
-                            nullptr, free_P12_AUTH_SAFE),
-      family<PKCS12>("PKCS12", TLV(0x30, hex("020103") + data + mac), Seq_to_P12_PFX, P12_PFX_to_Seq, nullptr,
-                     free_PKCS12),
+      FAMILY(P12_SAFEBAGS, TLV(0x30, nested_bag + key_bag), nullptr),
+      FAMILY(P12_AUTH_SAFE, TLV(0x30, data + data), nullptr),
+      FAMILY_AS(PKCS12, P12_PFX, TLV(0x30, hex("020103") + data + mac), nullptr),
   };
   return all;
 }

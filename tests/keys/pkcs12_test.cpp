@@ -248,6 +248,7 @@ TEST_F(BagFiles, NestedUnknownAndMisformed) {
       {file_of(safe_of(nested(9))), ERR_ASN1_DECODING, "0+0+0"},
       {file_of(safe_of(nested(60))), ERR_ASN1_DECODING, "0+0+0"},
       {file_of({}), 0, "0+0+0"},
+      {file_of(safe_of(bag("01", TLV(0x30, "020100 300506032b6570 0422 0420" + std::string(64, '7'))))), 0, "1+0+0"},
       {file_of(safe_of(bag("03", TLV(0x30, hex("060a2a864886f70d01091601") + TLV(0xA0, TLV(0x04, "3000")))))),
        ERR_ASN1_DECODING, "0+0+0"},
       {file_of(safe_of(bag("02", TLV(0x30, "3003 06012a 0400")))), ERR_ASN1_DECODING, "0+0+0"},
@@ -276,27 +277,11 @@ TEST_F(BagFiles, ListsOfTheCallerOnFailure) {
 }
 
 TEST_F(BagFiles, MacsThatAreRefused) {
-  const Bytes safes = safe_of(key_bag());
-  const auto mac = [](const char *digest, const char *value, const char *count) {
-    return TLV(0x30, TLV(0x30, TLV(0x30, digest) + TLV(0x04, value)) + TLV(0x04, "0102") + TLV(0x02, count));
-  };
-  constexpr const char *kSha1 = "06052b0e03021a 0500", *kMd5 = "06082a864886f70d0205 0500", *kOther = "06032a0304 0500";
-  const struct {
-    Bytes mac;
-    int plain, ex;
-  } cases[] = {
-      {mac(kSha1, "", "01"), 0x5E, 0x5E},
-      {mac(kSha1, "0011", "00"), 0x5E, 0x5E},
-      {mac(kOther, "0011", "01"), 0x48, 0x48},
-      {mac(kMd5, "00112233445566778899aabbccddeeff", "01"), 0x48, 0x5E},
-      {mac(kSha1, "0011", "0080000000"), 0x2B, 0x2B},
-      {mac(kSha1, "0011", "00989681"), 0x2B, 0x2B},
-  };
-  for (const auto &c : cases) {
-    const Owned<PKCS12> p12 = read_pfx(file_of(safes, c.mac));
-    ASSERT_TRUE(p12);
-    EXPECT_EQ(import_plain(p12, "p").code & 0xFFFF, c.plain) << to_hex(c.mac);
-    EXPECT_EQ(import_ex(p12, "p").code & 0xFFFF, c.ex) << to_hex(c.mac);
+  for (const Row &row : table("pkcs12_macs")) {
+    const Owned<PKCS12> p12 = read_pfx(file_of(safe_of(key_bag()), hex(row.at("mac"))));
+    ASSERT_TRUE(p12) << row.at("why");
+    EXPECT_EQ(import_plain(p12, "p").code & 0xFFFF, code_at(row, "plain")) << row.at("why");
+    EXPECT_EQ(import_ex(p12, "p").code & 0xFFFF, code_at(row, "ex")) << row.at("why");
   }
 }
 
@@ -382,6 +367,18 @@ TEST(Pkcs12Derivation, AgreesWithIndependentValues) {
   }
 }
 
+// What comes back of a key, and of a certificate if there is one, in one safe of a file.
+Imported through_a_file(P8_PRIV_KEY_INFO *key, X509_CERT *cert, int key_row, int safe_row, int mac_digest) {
+  Bags bags;
+  Safes safes;
+  EXPECT_NE(add_PKCS12_keyinfo(&bags, key, nullptr, 0, "test1234!", 9, key_row, 2048), nullptr);
+  if (cert) EXPECT_NE(add_PKCS12_cert(&bags, cert, nullptr, 0), nullptr);
+  EXPECT_EQ(PKCS12_add_safe(&safes, bags, safe_row, 0, safe_row < 0 ? nullptr : "test1234!"), 0);
+  const Owned<PKCS12> p12(PKCS12_add_safes(safes));
+  EXPECT_EQ(set_PKCS12_mac(p12, "test1234!", -1, nullptr, 0, 2048, mac_digest), 0);
+  return import_plain(read_pfx(pfx_der(p12)), "test1234!");
+}
+
 // An accredited-style pair: the key opens, belongs to the certificate, goes into a file and comes back.
 TEST(Pkcs12Korean, AccreditedPair) {
   VELPKI_NEED_KOREAN;
@@ -392,15 +389,7 @@ TEST(Pkcs12Korean, AccreditedPair) {
   ASSERT_EQ(decrypt_PKCS5(p8, &key, "test1234!", 9), 0);
   EXPECT_EQ(get_X509_ATTRIBUTES_count(key->attributes), 1) << "the random number";
   EXPECT_EQ(cmp_ASYMMETRIC_KEY(key->key, get_X509_SPKI(cert)->key), 0);
-  Bags bags;
-  Safes safes;
-  EXPECT_NE(add_PKCS12_keyinfo(&bags, key, nullptr, 0, "test1234!", 9, 780, 2048), nullptr);
-  EXPECT_NE(add_PKCS12_cert(&bags, cert, nullptr, 0), nullptr);
-  EXPECT_EQ(PKCS12_add_safe(&safes, bags, 0, 0, "test1234!"), 0);
-  const Owned<PKCS12> p12(PKCS12_add_safes(safes));
-  ASSERT_EQ(set_PKCS12_mac(p12, "test1234!", -1, nullptr, 0, 2048, PKV_DIGEST_HAS160), 0);
-  const Owned<PKCS12> again = read_pfx(pfx_der(p12));
-  const Imported back = import_plain(again, "test1234!");
+  const Imported back = through_a_file(key, cert, 780, 0, PKV_DIGEST_HAS160);
   EXPECT_EQ(back.code, 0);
   ASSERT_EQ(back.shape(), "1+1+0") << "by the public key";
   EXPECT_EQ(key_der(back.key()), key_der(key)) << "with the attributes";
@@ -413,13 +402,7 @@ TEST(Pkcs12Korean, KcdsaKeySignsAfterwards) {
   Owned<P8_PRIV_KEY_INFO> first;
   ASSERT_EQ(decrypt_PKCS5(p8, &first, "qwer1234!@#$", 12), 0);
   const Owned<P8_PRIV_KEY_INFO> copy(dup_P8_PRIV_KEY_INFO(first));
-  Bags bags;
-  Safes safes;
-  EXPECT_NE(add_PKCS12_keyinfo(&bags, copy, nullptr, 0, "pass", 4, 828, 2048), nullptr);
-  EXPECT_EQ(PKCS12_add_safe(&safes, bags, -1, 0, nullptr), 0);
-  const Owned<PKCS12> p12(PKCS12_add_safes(safes));
-  ASSERT_EQ(set_PKCS12_mac(p12, "pass", 4, nullptr, 0, 2048, 0), 0);
-  const Imported back = import_plain(read_pfx(pfx_der(p12)), "pass");
+  const Imported back = through_a_file(copy, nullptr, 828, -1, 0);
   ASSERT_EQ(back.shape(), "1+0+0");
   const KCDSA_UNIT *signer = ASYMMETRIC_KEY_to_KCDSA_UNIT(back.key()->key);
   const KCDSA_UNIT *verifier = ASYMMETRIC_KEY_to_KCDSA_UNIT(first->key);

@@ -98,17 +98,10 @@ TEST_F(Pkcs1, WriteTextWithTheirLabels) {
 }
 
 TEST(Pkcs1Keys, RefuseOtherShapes) {
-  const struct {
-    const char *why, *content;
-  } cases[] = {{"version 1", "020101 020103 020103 020103 020103 020103 020103 020103 020103"},
-               {"eight elements", "020100 020103 020103 020103 020103 020103 020103 020103"},
-               {"ten elements", "020100 020103 020103 020103 020103 020103 020103 020103 020103 020103"},
-               {"long version", "02020000 020103 020103 020103 020103 020103 020103 020103 020103"},
-               {"a string", "020100 040103 020103 020103 020103 020103 020103 020103 020103"}};
-  for (const auto &c : cases) {
+  for (const Row &row : table("pkcs1_shapes")) {
     int code = 0;
-    EXPECT_FALSE(read_private(TLV(0x30, c.content), &code)) << c.why;
-    EXPECT_EQ(code, F_SEQ_TO_P1_PRIV_KEY_INFO | ERR_ASN1_DECODING) << c.why;
+    EXPECT_FALSE(read_private(TLV(0x30, row.at("content")), &code)) << row.at("why");
+    EXPECT_EQ(code, F_SEQ_TO_P1_PRIV_KEY_INFO | ERR_ASN1_DECODING) << row.at("why");
   }
 }
 

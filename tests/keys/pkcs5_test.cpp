@@ -73,24 +73,13 @@ TEST(Derivation, AgreesWithOpenssl) {
 TEST(Derivation, RefusesWhatItCannot) {
   unsigned char out[64];
   const unsigned char salt[8] = {};
-  struct {
-    int (*derive)(const char *, int, const unsigned char *, int, int, int, unsigned char *, int);
-    const char *password;
-    const unsigned char *salt;
-    int iterations, digest, length, code;
-  } const cases[] = {
-      {PBKDF1, "p", salt, 1, PKV_DIGEST_MD5, 17, F_PBKDF1 | 0x2B},
-      {PBKDF1, "p", salt, 1, PKV_DIGEST_SHA1, 21, F_PBKDF1 | 0x2B},
-      {PBKDF1, "p", salt, 1, PKV_DIGEST_SHA256, 32, 0},
-      {PBKDF1, nullptr, salt, 1, PKV_DIGEST_SHA1, 16, F_PBKDF1 | 0x49},
-      {PBKDF1, "p", nullptr, 1, PKV_DIGEST_SHA1, 16, F_PBKDF1 | 0x49},
-      {PBKDF1, "p", salt, 0, PKV_DIGEST_SHA1, 16, F_PBKDF1 | 0x49},
-      {PBKDF2, "p", salt, 0, PKV_DIGEST_SHA1, 16, F_PBKDF2 | 0x49},
-      {PBKDF2, "p", salt, 1, PKV_DIGEST_SHA1, 0, F_PBKDF2 | 0x2B},
-      {PBKDF2, "p", salt, 1, 0x77, 16, PKV_ERR_UNSUPPORTED},
-  };
-  for (const auto &c : cases) {
-    EXPECT_EQ(c.derive(c.password, 1, c.salt, 0, c.iterations, c.digest, out, c.length), c.code) << c.length;
+  for (const Row &row : table("pbkdf_refused")) {
+    const auto derive = row.at("function") == "PBKDF1" ? PBKDF1 : PBKDF2;
+    const char *password = row.at("password") == "null" ? nullptr : "p";
+    EXPECT_EQ(derive(password, 1, row.at("salt") == "null" ? nullptr : salt, 0, number_in(row, "iterations"),
+                     digest_id(row.at("digest")), out, number_in(row, "length")),
+              code_at(row, "code"))
+        << row.at("function") << row.at("length");
   }
 }
 
@@ -228,41 +217,18 @@ TEST_F(Containers, EveryRowOfTheRegistry) {
   EXPECT_EQ(codes.size(), 3u) << "no other code";
 }
 
-// What a hostile file may state.
+// What a hostile file may state, and the reasons.
 TEST_F(Containers, RefusesParameters) {
-  const auto opened = [](const Bytes &parameters, const char *oid_text, bool strict) {
-    const Bytes oid_der = hex(hex_of(ASN1_STRING_to_Seq, oid(oid_text)));
-    const Bytes der = TLV(0x30, TLV(0x30, oid_der + parameters) + TLV(0x04, std::string(64, '0')));
-    const auto p8 = read_by(readDER_PKCS8_from_Binary, der);
-    EXPECT_TRUE(p8);
-    return strict ? open_strict(p8, Secret("p")).code : open_plain(p8, Secret("p")).code;
-  };
-  const auto count = [](const char *number) { return TLV(0x30, TLV(0x04, "0102030405060708") + TLV(0x02, number)); };
-  constexpr const char *kSeed = "1.2.410.200004.1.15", *kPkcs12 = "1.2.840.113549.1.12.1.3";
-  const Bytes big_salt = TLV(0x30, TLV(0x04, Bytes(0xFE00, 1)) + TLV(0x02, "10"));
-  const Bytes no_salt = TLV(0x30, TLV(0x04, "") + TLV(0x02, "10"));
-  const struct {
-    Bytes parameters;
-    const char *oid;
-    int plain, strict;
-  } cases[] = {
-      {count("00"), kSeed, 0x49, 0x49},
-      {count("ff"), kSeed, 0x12, 0x49},
-      {count("0080000000"), kSeed, 0x2B, 0x2B},
-      {count("00989681"), kSeed, 0x2B, 0x2B},
-      {count("01000000000000000001"), kSeed, 0x2B, 0x2B},
-      {count("10"), kSeed, 0x12, 0x12},
-      {count("10"), kPkcs12, ERR_NOT_FOUNDED, 0x12},
-      {count("10"), "1.2.3.4", ERR_NOT_FOUNDED, 0x48},
-      {count("10"), "1.2.840.113549.1.5.13", ERR_NOT_FOUNDED, 0x2B},
-      {big_salt, kSeed, 0x12, 0x12},
-      {no_salt, kSeed, 0x12, 0x12},
-      {TLV(0x05, ""), kSeed, ERR_ASN1_DECODING, ERR_ASN1_DECODING},
-      {TLV(0x30, TLV(0x02, "10")), kSeed, ERR_ASN1_DECODING, ERR_ASN1_DECODING},
-  };
-  for (const auto &c : cases) {
-    EXPECT_EQ(opened(c.parameters, c.oid, false) & 0xFFFF, c.plain) << to_hex(c.parameters).substr(0, 60);
-    EXPECT_EQ(opened(c.parameters, c.oid, true) & 0xFFFF, c.strict) << to_hex(c.parameters).substr(0, 60);
+  for (const Row &row : table("pkcs8_parameters")) {
+    const std::string &stated = row.at("parameters");
+    const Bytes parameters =
+        stated == "large salt" ? TLV(0x30, TLV(0x04, Bytes(0xFE00, 1)) + TLV(0x02, "10")) : hex(stated);
+    const Bytes algorithm = hex(hex_of(ASN1_STRING_to_Seq, oid(row.at("oid")))) + parameters;
+    const auto p8 =
+        read_by(readDER_PKCS8_from_Binary, TLV(0x30, TLV(0x30, algorithm) + TLV(0x04, std::string(64, '0'))));
+    ASSERT_TRUE(p8) << stated;
+    EXPECT_EQ(open_plain(p8, Secret("p")).code & 0xFFFF, code_at(row, "plain")) << stated << row.at("oid");
+    EXPECT_EQ(open_strict(p8, Secret("p")).code & 0xFFFF, code_at(row, "strict")) << stated << row.at("oid");
   }
 }
 

@@ -106,20 +106,14 @@ TEST(Kcdsa, DerivesAndChecksPublishedParameters) {
 TEST(Kcdsa, FindsFaultsInNumbers) {
   VELPKI_NEED_KOREAN;
   const Json good = list("kcdsa_keys").at(0);
-  constexpr int kBad = PKV_ERR_BAD_VALUE;
-  const struct {
-    const char *name, *value;
-    int quick, thorough, key;
-  } cases[] = {{"p", "ff", kBad, kBad, kBad}, {"q", "8b85", kBad, kBad, kBad}, {"g", "01", kBad, kBad, kBad},
-               {"g", "02", kBad, kBad, 0},    {"j", "03", kBad, kBad, 0},      {"y", "01", kBad, kBad, kBad},
-               {"y", "02", 0, 0, kBad},       {"count", "2802", 0, kBad, 0}};
-  for (const auto &one : cases) {
+  for (const Row &row : table("kcdsa_faults")) {
     Json bad = good;
-    bad.fields[one.name].text = one.value;
+    bad.fields[row.at("number")].text = row.at("value");
     const Kcdsa key = key_of(bad);
-    EXPECT_EQ(one.quick, PKV_Check_KCDSA_Params(key, 0, 0)) << one.name << ' ' << one.value;
-    EXPECT_EQ(one.thorough, PKV_Check_KCDSA_Params(key, 1, PKV_DIGEST_HAS160)) << one.name << ' ' << one.value;
-    EXPECT_EQ(one.key, PKV_Check_KCDSA_Key(key)) << one.name << ' ' << one.value;
+    const auto expected = [&](const char *check) { return row.at(check) == "good" ? 0 : PKV_ERR_BAD_VALUE; };
+    EXPECT_EQ(expected("quick"), PKV_Check_KCDSA_Params(key, 0, 0)) << row.at("number") << row.at("value");
+    EXPECT_EQ(expected("thorough"), PKV_Check_KCDSA_Params(key, 1, PKV_DIGEST_HAS160)) << row.at("number");
+    EXPECT_EQ(expected("key"), PKV_Check_KCDSA_Key(key)) << row.at("number") << row.at("value");
   }
   const Kcdsa key = key_of(good);
   EXPECT_EQ(PKV_ERR_MISMATCH, call(PKV_Set_KCDSA_Private, key, number("02")));

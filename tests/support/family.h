@@ -26,6 +26,10 @@ Family family(const char *name, Bytes sample, int (*decode)(ASN1_UNIT *, R **), 
 }
 
 #define FAMILY(T, sample, copy) family<T>(#T, sample, Seq_to_##T, T##_to_Seq, copy, free_##T)
+// In standard form; and where the codec has another name than the record.
+#define FAMILY_RFC5280(T, sample, copy) \
+  family<T>(#T "_RFC5280", sample, Seq_to_##T##_RFC5280, T##_to_Seq_RFC5280, copy, free_##T)
+#define FAMILY_AS(T, name, sample, copy) family<T>(#name, sample, Seq_to_##name, name##_to_Seq, copy, free_##T)
 
 inline Family appending(Family f) {
   f.appends = true;

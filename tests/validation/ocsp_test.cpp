@@ -135,6 +135,8 @@ TEST(OcspVerify, StrictRefusesWhatThePlainOneLetsPass) {
     EXPECT_EQ(verify_BASIC_OCSP_RESPONSE(made(a), nullptr, raw.data(), int(raw.size())), code_at(row, "plain"))
         << row.at("what");
   }
+  for (const int length : {int(raw.size()) - 1, int(raw.size()) + 1})
+    EXPECT_NE(verify_BASIC_OCSP_RESPONSE(made({}), nullptr, (raw + Bytes{0}).data(), length), 0) << length;
   Answer damaged, late;
   damaged.damage = 7;
   late.signer = late.carried = "responder";

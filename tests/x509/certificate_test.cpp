@@ -164,6 +164,9 @@ TEST_F(Certificates, UnsignedChangesAndBothVerifications) {
   last[8] = 0x0C;
   EXPECT_NE(verify_both(outer).first, 0);
   EXPECT_EQ(verify_both(outer).second, F_VERIFY_RSASIGN_TBS_CERT | ERR_ALGORITHM_MISMATCH);
+  Bytes unused = der;  // bits that the signature does not use
+  unused[der.size() - 129] = 1;
+  EXPECT_EQ(verify_both(unused).second, F_VERIFY_RSASIGN_TBS_CERT | ERR_UNUSED_BITS);
 }
 
 TEST_F(Certificates, SettersDropWhatWasReceived) {
