@@ -1,4 +1,4 @@
-// Enveloping and encrypting: init, update, final; and digesting.
+// Enveloping and encrypting: init, update, final.
 #include "cms/internal/cms.h"
 #include "cms/internal/encrypted_content.h"
 #include "cms/internal/key_encryption.h"

@@ -1,4 +1,5 @@
-// The list of supported named curves: one entry, NIST P-256 (FIPS 186-4 D.1.2.3).
+// Named curves: the list of the interface, with one entry, NIST P-256 (FIPS 186-4 D.1.2.3); and those of the standard
+// form, which the provider knows by name.
 #include <string_view>
 
 #include "x509/internal/x509.h"
@@ -53,6 +54,30 @@ bool load(const NamedCurve &entry, ECURVE *curve) noexcept {
 }
 
 }  // namespace
+
+namespace {
+
+// The curves whose keys the standard form knows.
+struct KnownCurve {
+  std::string_view oid;
+  const char *name;
+};
+constexpr KnownCurve kKnownCurves[] = {
+    {"1.2.840.10045.3.1.7", "prime256v1"}, {"1.3.132.0.34", "secp384r1"}, {"1.3.132.0.35", "secp521r1"}};
+
+}  // namespace
+
+const char *curve_of_oid(std::string_view oid) noexcept {
+  for (const KnownCurve &curve : kKnownCurves)
+    if (curve.oid == oid) return curve.name;
+  return nullptr;
+}
+
+void write_known_curve(std::string_view name, DerWriter &out) noexcept {
+  for (const KnownCurve &curve : kKnownCurves)
+    if (name == curve.name) return out.oid_text(curve.oid);
+  out.refuse();
+}
 
 }  // namespace velpki
 

@@ -82,11 +82,9 @@ TEST(KeyDerivation, Values) {
   const Bytes secret = hex("22518b10e70f2a3f243810ae3254139efbee04aa57c7af7d"),
               info = hex("75eef81aa3041e33b80971203d2c0c52");
   const std::string wanted =
-      "c498af77161cc59f2962b9a713e2b215152d139766ce34a776df11866a69bf2e52a13d9c7c6fc878c50c5ea0bc7b00e0da2447cfd874f6cf"
-      "9"
-      "2f30d0097111485500c90c3af8b487872d04685d14c8d1dc8d7fa08beb0ce0ababc11f0bd496269142d43525a78e5bc79a17f59676a5706d"
-      "c"
-      "54d54d4d1f0bd7e386128ec26afc21";
+      "c498af77161cc59f2962b9a713e2b215152d139766ce34a776df11866a69bf2e52a13d9c7c6fc878c50c5ea0bc7b00e0da2447cfd874f6"
+      "cf92f30d0097111485500c90c3af8b487872d04685d14c8d1dc8d7fa08beb0ce0ababc11f0bd496269142d43525a78e5bc79a17f59676a"
+      "5706dc54d54d4d1f0bd7e386128ec26afc21";
   for (const int length : {1, 31, 32, 33, 128}) {
     Bytes out(static_cast<size_t>(length));
     ASSERT_EQ(PKV_X963_KDF(PKV_DIGEST_SHA256, secret.data(), int(secret.size()), info.data(), int(info.size()),

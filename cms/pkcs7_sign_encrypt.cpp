@@ -1,4 +1,4 @@
-// Signed-and-enveloped messages, and digested ones.
+// Signed-and-enveloped messages, made and opened.
 #include "cms/internal/key_transport.h"
 #include "cms/internal/pkcs7_decrypt.h"
 
@@ -168,22 +168,5 @@ int verify_decrypt_PKCS7(P7_CONTENT_INFO *p7, X509_CERT *cert, const unsigned ch
   if (const int code = verify_PKCS7(p7, cert, plain.data(), length)) return code;
   copy_octets(out, octets_of(plain.data(), length));
   *out_length = length;
-  return 0;
-}
-
-int digest_PKCS7(P7_CONTENT_INFO *p7, int digest_id, const unsigned char *data, int length) noexcept {
-  P7_DIGESTED_DATA *digested = digested_data(p7);
-  const owned<OBJECT_IDENTIFIER> oid = oid_of_row(get_OID_from_DigestID(digest_id));
-  if (!digested || !oid || !data || length < 0) return 1;
-  uint8_t octets[PKV_MAX_DIGEST_LENGTH];
-  int digest_length = 0;
-  if (const int code = PKV_DIGEST(digest_id, data, length, octets, &digest_length)) return code;
-  owned<P7_CONTENT_INFO> content = new_data(octets_of(data, length));
-  owned<ASN1_STRING> digest(new_string(TYPE_OCTET_STRING, octets_of(octets, digest_length)));
-  owned<X509_ALGO_IDENTIFIER> algorithm(new_X509_ALGO_IDENTIFIER());
-  if (!content || !digest || set_X509_ALGO_IDENTIFIER_value_RFC5280(algorithm.get(), oid.get(), nullptr)) return 1;
-  free_X509_ALGO_IDENTIFIER(std::exchange(digested->digestAlgorithm, algorithm.release()));
-  free_P7_CONTENT_INFO(std::exchange(digested->contentInfo, content.release()));
-  free_ASN1_STRING(std::exchange(digested->digest, digest.release()));
   return 0;
 }

@@ -1,4 +1,4 @@
-// The parameters that stand beside a public key: KCDSA's domain, and the curves.
+// The domain parameters that stand beside a KCDSA key.
 #include <velpki/asn1_error.h>
 
 #include "x509/internal/x509.h"
@@ -64,30 +64,6 @@ void write_kcdsa_parameters(const KCDSA_UNIT &key, DerWriter &out) noexcept {
   const auto validation = out.sequence();
   out.primitive(TYPE_OCTET_STRING, octets_of(seed, length));
   out.integer(unsigned(count));
-}
-
-namespace {
-
-// The curves whose keys the standard form knows.
-struct KnownCurve {
-  std::string_view oid;
-  const char *name;
-};
-constexpr KnownCurve kKnownCurves[] = {
-    {"1.2.840.10045.3.1.7", "prime256v1"}, {"1.3.132.0.34", "secp384r1"}, {"1.3.132.0.35", "secp521r1"}};
-
-}  // namespace
-
-const char *curve_of_oid(std::string_view oid) noexcept {
-  for (const KnownCurve &curve : kKnownCurves)
-    if (curve.oid == oid) return curve.name;
-  return nullptr;
-}
-
-void write_known_curve(std::string_view name, DerWriter &out) noexcept {
-  for (const KnownCurve &curve : kKnownCurves)
-    if (name == curve.name) return out.oid_text(curve.oid);
-  out.refuse();
 }
 
 }  // namespace velpki
