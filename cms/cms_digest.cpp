@@ -27,8 +27,8 @@ int digest_CMS(CMS_CONTENT_INFO *cms, int digest_id, const unsigned char *data, 
   owned<ASN1_STRING> value(new_string(TYPE_OCTET_STRING, octets_of(digest, digest_length)));
   if (!content || !algorithm || !value) return fail(F_DIGEST_CMS, kNoMemory);
   CMS_DIGESTED_DATA &out = *digested_data(cms);
-  free_ENCAPSULATED_CONTENT_INFO(std::exchange(out.encapContentInfo, content.release()));
-  free_X509_ALGO_IDENTIFIER(std::exchange(out.digestAlgorithm, algorithm.release()));
-  free_ASN1_STRING(std::exchange(out.digest, value.release()));
+  put(out.encapContentInfo, std::move(content));
+  put(out.digestAlgorithm, std::move(algorithm));
+  put(out.digest, std::move(value));
   return 0;
 }

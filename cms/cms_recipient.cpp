@@ -154,7 +154,7 @@ int set_originator_key(ORIGINATOR_IDENTIFIER_ORKEY &out, const X509_CERT &cert, 
   fresh->algorithm = new_bare_algorithm(spki->algorithm).release();
   fresh->publicKey = dup_ASN1_STRING(spki->subjectPublicKey);
   if (!fresh->algorithm || !fresh->publicKey) return fail(function, kNoMemory);
-  free_ORIGINATOR_PUBLIC_KEY(std::exchange(out.originatorKey, fresh.release()));
+  put(out.originatorKey, std::move(fresh));
   out.type = CMS_ORIGINATOR_KEY;
   return 0;
 }

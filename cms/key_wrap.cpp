@@ -40,7 +40,7 @@ int set_algorithm_text(X509_ALGO_IDENTIFIER *&algorithm, std::string_view oid, O
   if (Tlv::parse(parameters, rules, tlv) && !(fresh->parameters = new_string(tlv.identifier, tlv.content))) {
     return fail(function, kNoMemory);
   }
-  free_X509_ALGO_IDENTIFIER(std::exchange(algorithm, fresh.release()));
+  put(algorithm, std::move(fresh));
   return 0;
 }
 

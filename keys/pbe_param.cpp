@@ -182,9 +182,9 @@ int set_P5_PBE_PARAM(P5_PBE_PARAM *param, const unsigned char *salt, int salt_le
   owned<BIGINT> count(PKV_New_BIGINT_Binary(iteration, iteration_length));
   owned<X509_ALGO_IDENTIFIER> algorithm = with_scheme ? new_algorithm(scheme, scheme_parameters) : nullptr;
   if (!octets || !count || (with_scheme && !algorithm)) return 1;
-  free_ASN1_STRING(std::exchange(param->salt, octets.release()));
-  PKV_Free_BIGINT(std::exchange(param->iteration, count.release()));
-  if (with_scheme) free_X509_ALGO_IDENTIFIER(std::exchange(param->encryptionScheme, algorithm.release()));
+  put(param->salt, std::move(octets));
+  put(param->iteration, std::move(count));
+  if (with_scheme) put(param->encryptionScheme, std::move(algorithm));
   return 0;
 }
 
