@@ -93,10 +93,11 @@ int digest_of(const X509_ALGO_IDENTIFIER &identifier) noexcept {
 
 int identifier_record(int digest_id, Octets digest, owned<VID> &out) noexcept {
   owned<VID> vid(blank<VID>());
-  owned<X509_ALGO_IDENTIFIER> algorithm = new_bare_algorithm(oid_of_row(get_OID_from_DigestID(digest_id)).get());
+  owned<X509_ALGO_IDENTIFIER> algorithm(new_X509_ALGO_IDENTIFIER());
   if (!vid || !algorithm) return fail(kKisa, kNoMemory);
+  algorithm->algorithm = index_to_OBJECT_IDENTIFIER(get_OID_from_DigestID(digest_id));
   vid->virtualID = new_string(TYPE_OCTET_STRING, digest);
-  if (!vid->virtualID) return fail(kKisa, kNoMemory);
+  if (!algorithm->algorithm || !vid->virtualID) return fail(kKisa, kNoMemory);
   vid->hashAlg = algorithm.release();
   out = std::move(vid);
   return 0;

@@ -7,6 +7,21 @@
 
 namespace velpki {
 
+Octets subject_key_id(const X509_CERT &cert) noexcept {
+  Tlv value;
+  const X509_EXTENSION *extension = find_extension(get_X509_extensions(&cert), "2.5.29.14");
+  return extension && value_of(*extension, value) && value.identifier == TYPE_OCTET_STRING ? value.content : Octets();
+}
+Octets issuer_key_id(const X509_CERT &cert) noexcept {
+  Tlv value, member;
+  const X509_EXTENSION *extension = find_extension(get_X509_extensions(&cert), "2.5.29.35");
+  if (!extension || !value_of(*extension, value)) return {};
+  Cursor in(value);
+  while (!in.at_end() && in.next(member))
+    if (member.identifier == tag::implicit_context(0)) return member.content;
+  return {};
+}
+
 namespace {
 
 constexpr int failure(int reason) noexcept { return fail(F_BUILD_CERTPATH, reason); }
@@ -34,22 +49,6 @@ uint64_t hash_of(const X509_NAME *name) noexcept {
   for (const X509_NAME_CHILD *child : elements<X509_NAME_CHILD>(name))
     if (child && child->value) hash = add_to_hash(hash, octets(*child->value));
   return hash;
-}
-
-// The identifiers of a certificate's key and of its issuer's, in the extensions' octets; empty for none.
-Octets subject_key_id(const X509_CERT &cert) noexcept {
-  Tlv value;
-  const X509_EXTENSION *extension = find_extension(get_X509_extensions(&cert), "2.5.29.14");
-  return extension && value_of(*extension, value) && value.identifier == TYPE_OCTET_STRING ? value.content : Octets();
-}
-Octets issuer_key_id(const X509_CERT &cert) noexcept {
-  Tlv value, member;
-  const X509_EXTENSION *extension = find_extension(get_X509_extensions(&cert), "2.5.29.35");
-  if (!extension || !value_of(*extension, value)) return {};
-  Cursor in(value);
-  while (!in.at_end() && in.next(member))
-    if (member.identifier == tag::implicit_context(0)) return member.content;
-  return {};
 }
 
 bool same(Octets a, Octets b) noexcept { return std::equal(a.begin(), a.end(), b.begin(), b.end()); }

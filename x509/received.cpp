@@ -19,7 +19,8 @@ X509_RECEIVED *new_received(const Tlv &record, Octets tbs) noexcept {
   const size_t length = header + record.content.size() + (record.indefinite ? 2 : 0);
   auto *received = static_cast<X509_RECEIVED *>(allocate(sizeof(X509_RECEIVED) + length));
   if (!received) return nullptr;
-  *received = {0, int(length), int(header + size_t(tbs.data() - record.content.data())), int(tbs.size())};
+  *received = {0, int(length), int(header + size_t(tbs.data() - record.content.data())), int(tbs.size()),
+               record.rules.standard};
   auto *at = reinterpret_cast<uint8_t *>(received + 1);
   at[0] = record.identifier;
   copy_octets(at + 1, record.header);

@@ -1,4 +1,4 @@
-// Signatures of records that keep a whole AlgorithmIdentifier beside them.
+// Signatures of records that keep a whole AlgorithmIdentifier beside them, and of those that keep what was signed.
 #include <velpki/asn1_error.h>
 
 #include "x509/internal/signature.h"
@@ -29,6 +29,39 @@ int verify_bits(Octets tbs, const X509_ALGO_IDENTIFIER &algorithm, const ASN1_ST
   Tlv tlv;
   if (!Tlv::parse(written.written(), rules, tlv)) return fail(function, ERR_ASN1_DECODING);
   return verify_octets(tbs, tlv, octets(signature), key, function);
+}
+
+namespace {
+
+void write_signed(Octets tbs, const OBJECT_IDENTIFIER &oid, int pss_digest_id, Octets signature,
+                  DerWriter &out) noexcept {
+  const auto sequence = out.sequence();
+  out.raw(tbs);
+  write_algorithm_with_null(oid, out, pss_digest_id);
+  out.bits(signature);
+}
+
+int keep(const DerWriter &whole, int function, Signed &out) noexcept {
+  if (const int code = whole.result(function)) return code;
+  Tlv structure, tbs;
+  Rules rules;
+  if (!Tlv::parse(whole.written(), rules, structure) || !Cursor(structure).next(tbs)) {
+    return fail(function, ERR_ASN1_ENCODING);
+  }
+  out.received.reset(new_received(structure, tbs.whole));
+  return out.received && out.algorithm && out.signature ? 0 : fail(function, kNoMemory);
+}
+
+}  // namespace
+
+int sign_tbs(Octets tbs, const OBJECT_IDENTIFIER &oid, const ASYMMETRIC_KEY &key, int function, Signed &out,
+             int pss_digest_id) noexcept {
+  DerWriter signature, whole(kStandardRules);
+  if (const int code = sign_octets(tbs, oid, key, function, signature, pss_digest_id)) return code;
+  write_signed(tbs, oid, pss_digest_id, signature.written(), whole);
+  out.algorithm.reset(dup_OBJECT_IDENTIFIER(&oid));
+  out.signature.reset(new_string(TYPE_BIT_STRING, signature.written()));
+  return keep(whole, function, out);
 }
 
 }  // namespace velpki

@@ -239,6 +239,20 @@ int verify_signed(Octets whole, InnerAlgorithm inner, const X509_PUBKEY &key, in
   return verify_octets(parts.tbs.whole, parts.algorithm, bits.subspan(1), key, function);
 }
 
+int digest_length_of_signed(Octets whole, int function, int &length) noexcept {
+  Parts parts;
+  Identifier identifier;
+  if (!take_apart(whole, kNoInnerAlgorithm, parts)) return fail(function, ERR_ASN1_DECODING);
+  if (const int code = read_identifier(parts.algorithm, function, identifier)) return code;
+  const Algorithm *known = find_algorithm(*identifier.oid);
+  if (!known) return fail(function, kUnsupported);
+  PssValues values{known->digest_id, 0, 0};
+  const bool of_pss = known->parameters == Parameters::of_pss && identifier.has_parameters;
+  if (const int code = of_pss ? read_pss_values(identifier.parameters, function, values) : 0) return code;
+  length = values.digest_id ? PKV_Get_DIGEST_Length(values.digest_id) : INT_MAX;
+  return 0;
+}
+
 int verify_received(const X509_RECEIVED *received, InnerAlgorithm inner, const X509_PUBKEY &key,
                     int function) noexcept {
   return received ? verify_signed(received_whole(*received), inner, key, function) : fail(function, kNullArgument);
@@ -257,39 +271,6 @@ int sign_octets(Octets tbs, const OBJECT_IDENTIFIER &oid, const ASYMMETRIC_KEY &
   const int digest_id = known->parameters == Parameters::of_pss ? pss_digest_id : known->digest_id;
   const int code = known->sign({tbs, &key, digest_id, function}, out);
   return code ? code : out.result(function);
-}
-
-namespace {
-
-void write_signed(Octets tbs, const OBJECT_IDENTIFIER &oid, int pss_digest_id, Octets signature,
-                  DerWriter &out) noexcept {
-  const auto sequence = out.sequence();
-  out.raw(tbs);
-  write_algorithm_with_null(oid, out, pss_digest_id);
-  out.bits(signature);
-}
-
-int keep(const DerWriter &whole, int function, Signed &out) noexcept {
-  if (const int code = whole.result(function)) return code;
-  Tlv structure, tbs;
-  Rules rules;
-  if (!Tlv::parse(whole.written(), rules, structure) || !Cursor(structure).next(tbs)) {
-    return fail(function, ERR_ASN1_ENCODING);
-  }
-  out.received.reset(new_received(structure, tbs.whole));
-  return out.received && out.algorithm && out.signature ? 0 : fail(function, kNoMemory);
-}
-
-}  // namespace
-
-int sign_tbs(Octets tbs, const OBJECT_IDENTIFIER &oid, const ASYMMETRIC_KEY &key, int function, Signed &out,
-             int pss_digest_id) noexcept {
-  DerWriter signature, whole(kStandardRules);
-  if (const int code = sign_octets(tbs, oid, key, function, signature, pss_digest_id)) return code;
-  write_signed(tbs, oid, pss_digest_id, signature.written(), whole);
-  out.algorithm.reset(dup_OBJECT_IDENTIFIER(&oid));
-  out.signature.reset(new_string(TYPE_BIT_STRING, signature.written()));
-  return keep(whole, function, out);
 }
 
 }  // namespace velpki

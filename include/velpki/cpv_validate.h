@@ -8,6 +8,7 @@
 #define VELPKI_CPV_VALIDATE_H
 
 #include <velpki/cpv.h>
+#include <velpki/x509v3.h>
 
 VELPKI_BEGIN
 
@@ -52,28 +53,87 @@ VELPKI_BEGIN
  * first only. An empty path is decided by the user's set alone. */
 VELPKI_API int validate_certpath(STACK *certs, STACK *user_initial_policy_set, node_LIST **tree) VELPKI_NOEXCEPT;
 
-/** What validation after RFC 5280 is asked for. All zero means: now, any policy, nothing about revocation. Everything
- * that is pointed to stays the caller's. */
+/** What validation after RFC 5280 is asked for. All zero means: now, any policy, any use, nothing about revocation.
+ * Everything that is pointed to stays the caller's. */
 typedef struct {
   const X509_TIME *time;                /**< null: the present */
   const STACK *user_initial_policy_set; /**< of OBJECT_IDENTIFIER, not consumed; null or empty: any policy */
   int initial_explicit_policy;          /**< 1: the path must be valid for some policy (RFC 5280 6.1.1 f) */
   int initial_policy_mapping_inhibit;   /**< 1: policies are not mapped (e) */
   int initial_any_policy_inhibit;       /**< 1: anyPolicy counts for nothing (g) */
-  int max_length;                       /**< certificates of a path without its anchor; 0: a bound of the library's */
-  int key_usage;                        /**< a KEY_USAGE_ that the first certificate must allow; -1: any */
+  int max_length;                       /**< certificates of a path without its anchor; 0: 16 */
+  int key_usage; /**< what the first certificate must allow, a mask of 1 << KEY_USAGE_ (x509v3.h); 0: anything */
   const OBJECT_IDENTIFIER *extended_key_usage; /**< a purpose that the path must be good for; null: any */
   const STACK *crls;                           /**< of X509_CRL */
   const STACK *pool;                           /**< of X509_CERT, which may have signed revocation lists */
   int flags;                                   /**< of CERTPATH_ */
+  const GENERAL_SUBTREES *initial_permitted;   /**< names that are permitted (6.1.1 h); null: all */
+  const GENERAL_SUBTREES *initial_excluded;    /**< names that are excluded (i); null: none */
 } CERTPATH_SETTINGS;
 
 /** Flags of CERTPATH_SETTINGS, which may be combined. */
 enum {
   CERTPATH_CHECK_REVOCATION = 1,            /**< of every certificate, by the lists of the settings */
   CERTPATH_CHECK_REVOCATION_END_ENTITY = 2, /**< of the first certificate only */
-  CERTPATH_ALLOW_WEAK_DIGESTS = 4           /**< signatures over digests of less than 28 octets */
+  CERTPATH_ALLOW_WEAK_DIGESTS = 4,          /**< signatures over digests of less than 28 octets */
+  CERTPATH_ANCHOR_CONSTRAINTS = 8 /**< what the anchor's own certificate says, where it is given, counts too */
 };
+
+/** What a validation found. */
+typedef struct {
+  int index;       /**< of the certificate that failed; -1: the path as a whole, or nothing */
+  int anchor;      /**< index of the anchor that the path ends at; -1: none was found */
+  STACK *policies; /**< of OBJECT_IDENTIFIER: the user-constrained policy set (RFC 5280 6.1.6) of a valid path,
+                    * anyPolicy being 2.5.29.32.0; null otherwise. The caller's, released with free_CERTPATH_POLICIES */
+} CERTPATH_REPORT;
+
+/** Validates a path by RFC 5280 section 6.1, the end entity at index 0, each certificate issued by the next one and the
+ * last one by an anchor. An anchor is a name and a key; where its own certificate ends the path, once or more, that is
+ * left out. `settings` null: the defaults. `report` null: not wanted; it is written whatever the outcome. Nothing that
+ * is passed is changed, and the settings of cpv.h are not read.
+ *
+ * What counts is the octets that were received: signatures are over them (verify_SIG_X509_CERT_RFC5280), and a
+ * certificate that the plain readers made is read anew by the standard's rules. Faster and surer is to read
+ * certificates and anchors with the _RFC5280 readers: a name of several attributes in one RDN that the plain reader
+ * made of an anchor's certificate equals no issuer.
+ *
+ * Every certificate: signature, dates with both boundaries inside, issuer (cmp_X509_NAME_RFC5280), no extension twice,
+ * none critical but key usage, alternative names, basic constraints, name constraints, policies, mappings, policy
+ * constraints, distribution points, purposes and inhibitAnyPolicy, and all of these readable in standard form. Each
+ * that issues: version 3, cA, keyCertSign if there is a key usage, and no more authorities below than pathLenConstraint
+ * allows. Names: every kind but otherName, x400Address, ediPartyName and registeredID, of which a critical constraint
+ * refuses any name of its kind; an rfc822Name constraint holds for SmtpUTF8Mailbox (RFC 9598) too, and in a certificate
+ * without alternative names for emailAddress, and for common names that read as host names where hosts are constrained.
+ * A name that is no proper one of its kind is refused where its kind is constrained. Policies: a graph as in RFC 9618.
+ * Purposes: where `extended_key_usage` is given, a certificate of the path that has a list of them must have it, or
+ * anyExtendedKeyUsage.
+ *
+ * Codes: F_VALIDATE_CERTPATH with 49 (null, an empty path, a certificate that keeps no received octets), 3C,
+ * ERR_INVALID_TRUST_ANCHOR (no anchor has the name of the last issuer), ERR_INVALID_MAX_PATH_LENGTH (longer than
+ * `max_length`), ERR_SIGNATURE_MISMATCH, ERR_WEAK_DIGEST, ERR_TBS_CERT_ISSUER, ERR_DUPLICATE_EXTENSION,
+ * ERR_UNKNOWN_EXTENSION, ERR_TBS_CERT_VERSION (extensions, or an issuer, of another version than 3),
+ * ERR_INVALID_BASIC_CONSTRAINTS, ERR_PATH_LENGTH_CONSTRAINT, ERR_INVALID_KEY_USAGE, ERR_EXTENDED_KEY_USAGE,
+ * ERR_NAME_NOT_PERMITTED, ERR_NAME_EXCLUDED, ERR_NAME_UNREADABLE, ERR_NAME_CONSTRAINTS (constraints that cannot be
+ * applied), ERR_INVALID_CERTIFICATE_POLICIES (a policy twice, or critical ones with an unknown qualifier),
+ * ERR_INVALID_POLICY_MAPPING (of anyPolicy), ERR_INVALID_VALID_POLICY_TREE (a policy is required and none is left) or
+ * ERR_TOO_MUCH_WORK (more names times constraints than 2,000,000 or so); or the codes of the reader of a value, of
+ * verify_X509_validity_RFC5280 and of verify_SIG_X509_CERT_RFC5280. */
+VELPKI_API int validate_certpath_strict(const STACK *certs, const TRUST_ANCHORS *anchors,
+                                        const CERTPATH_SETTINGS *settings, CERTPATH_REPORT *report) VELPKI_NOEXCEPT;
+
+/** Finds a path that validate_certpath_strict takes with these settings, from `cert` through certificates of `pool` to
+ * an anchor, and gives a new STACK of copies, `cert` first and without the anchor's own certificate, released with
+ * free_X509_CERTIFICATES. A path that fails is followed by the next one. Of several issuers those whose key identifier
+ * agrees come first. No name and key come twice; 512 signatures are verified, and 65,536 names compared, at most.
+ * `*path` is written on success only; the report is that of the path found, or of the last that failed. Codes: those of
+ * the last path that reached an anchor and failed; else F_BUILD_CERTPATH with 49, 3C, ERR_NOT_FOUNDED (none reaches an
+ * anchor) or ERR_INVALID_MAX_PATH_LENGTH (one of the limits was met). CERTPATH_ANCHOR_CONSTRAINTS has no effect. */
+VELPKI_API int build_certPath_strict(STACK **path, const X509_CERT *cert, const STACK *pool,
+                                     const TRUST_ANCHORS *anchors, const CERTPATH_SETTINGS *settings,
+                                     CERTPATH_REPORT *report) VELPKI_NOEXCEPT;
+
+/** Releases the policies of a report; null is nothing. */
+VELPKI_API void free_CERTPATH_POLICIES(STACK *policies) VELPKI_NOEXCEPT;
 
 VELPKI_END
 

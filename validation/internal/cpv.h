@@ -34,6 +34,10 @@ struct KeyUsage {
 };
 int read_key_usage(const X509_CERT &cert, int function, KeyUsage &out) noexcept;
 
+// The identifiers of a certificate's key and of its issuer's, in the extensions' octets; empty for none.
+Octets subject_key_id(const X509_CERT &cert) noexcept;
+Octets issuer_key_id(const X509_CERT &cert) noexcept;
+
 // The tree of one validation, which the walk extends level by level.
 class PolicyTree {
  public:

@@ -9,6 +9,7 @@ struct x509_received {
   int length;      // of the whole record
   int tbs_offset;  // where the part that is signed stands in it
   int tbs_length;
+  bool standard;  // whether the record was decoded by the rules of the standard
 };
 
 namespace velpki {

@@ -26,6 +26,9 @@ int verify_received(const X509_RECEIVED *received, InnerAlgorithm inner, const X
 // AlgorithmIdentifier.
 int verify_octets(Octets tbs, const Tlv &algorithm, Octets signature, const X509_PUBKEY &key, int function) noexcept;
 
+// The length of the digest that a whole signed structure's algorithm takes; INT_MAX where it takes none (Ed25519).
+int digest_length_of_signed(Octets whole, int function, int &length) noexcept;
+
 // Whether sign_octets knows the algorithm: 0, or 49 for null and 48.
 int check_signing_algorithm(const OBJECT_IDENTIFIER *oid, int function) noexcept;
 // Appends the signature over `tbs`. The OID of RSASSA-PSS names no digest, so that comes beside it; MGF1 has the same,
