@@ -63,7 +63,11 @@ TEST(Interface, ProviderExportsItsContract) {
   EXPECT_EQ(exported_by(kProvider, "VELCRYPTO_1"), declared_in(VELPKI_SOURCE_DIR "/include/velpki/pkv.h"));
 }
 
-TEST(Interface, LinksNothingElse) {
+TEST(Interface, LinksNothingElseAndHasItsName) {
+  const auto soname = [](const std::string &library) {
+    return test::run("readelf -d " + library + " | sed -n 's/.*SONAME.*\\[\\(.*\\)\\]/\\1/p'");
+  };
+  EXPECT_EQ(soname(kLibrary) + soname(kProvider), "libvelPKI.so.1\nlibvelCrypto.so.1\n");
   const auto needed = [](const std::string &library) {
     return test::run("readelf -d " + library +
                      " | sed -n 's/.*NEEDED.*\\[\\(.*\\)\\]/\\1/p' | grep -vE '^(libc|libm|ld-linux.*|"
