@@ -81,7 +81,7 @@ int set_octets(ASN1_STRING *&member, const unsigned char *bytes, int length, int
 int set_oid(OBJECT_IDENTIFIER *&member, int row, int function) noexcept {
   owned<OBJECT_IDENTIFIER> oid = oid_of_row(row);
   if (!oid) return fail(function, kUnsupported);
-  free_OBJECT_IDENTIFIER(std::exchange(member, oid.release()));
+  put(member, std::move(oid));
   return 0;
 }
 

@@ -3,6 +3,17 @@
 
 using namespace velpki;
 
+namespace {
+
+owned<ENCAPSULATED_CONTENT_INFO> new_data_content(Octets octets) noexcept {
+  owned<ENCAPSULATED_CONTENT_INFO> content(new_ENCAPSULATED_CONTENT_INFO());
+  const bool made = content && (content->eContentType = oid_of_row(CMS_TYPE_DATA).release()) &&
+                    (content->eContent = new_string(TYPE_OCTET_STRING, octets));
+  return made ? std::move(content) : nullptr;
+}
+
+}  // namespace
+
 int digest_CMS(CMS_CONTENT_INFO *cms, int digest_id, const unsigned char *data, int length) noexcept {
   if (const int code = check_type(cms, CMS_TYPE_DIGESTED_DATA, F_DIGEST_CMS)) return code;
   if (length < 0 || (!data && length > 0)) return fail(F_DIGEST_CMS, kNullArgument);
@@ -11,16 +22,13 @@ int digest_CMS(CMS_CONTENT_INFO *cms, int digest_id, const unsigned char *data, 
   uint8_t digest[PKV_MAX_DIGEST_LENGTH];
   int digest_length = PKV_MAX_DIGEST_LENGTH;
   if (const int code = PKV_DIGEST(digest_id, data, length, digest, &digest_length)) return code;
-  owned<ENCAPSULATED_CONTENT_INFO> content(new_ENCAPSULATED_CONTENT_INFO());
-  owned<X509_ALGO_IDENTIFIER> algorithm(new_X509_ALGO_IDENTIFIER());
+  owned<ENCAPSULATED_CONTENT_INFO> content = new_data_content(octets_of(data, length));
+  owned<X509_ALGO_IDENTIFIER> algorithm = new_bare_algorithm(oid.get());
   owned<ASN1_STRING> value(new_string(TYPE_OCTET_STRING, octets_of(digest, digest_length)));
-  const bool made = content && algorithm && value && (content->eContentType = oid_of_row(CMS_TYPE_DATA).release()) &&
-                    (content->eContent = new_string(TYPE_OCTET_STRING, octets_of(data, length))) &&
-                    !set_X509_ALGO_IDENTIFIER_value_RFC5280(algorithm.get(), oid.get(), nullptr);
-  if (!made) return fail(F_DIGEST_CMS, kNoMemory);
+  if (!content || !algorithm || !value) return fail(F_DIGEST_CMS, kNoMemory);
   CMS_DIGESTED_DATA &out = *digested_data(cms);
-  free_ENCAPSULATED_CONTENT_INFO(std::exchange(out.encapContentInfo, content.release()));
-  free_X509_ALGO_IDENTIFIER(std::exchange(out.digestAlgorithm, algorithm.release()));
-  free_ASN1_STRING(std::exchange(out.digest, value.release()));
+  put(out.encapContentInfo, std::move(content));
+  put(out.digestAlgorithm, std::move(algorithm));
+  put(out.digest, std::move(value));
   return 0;
 }

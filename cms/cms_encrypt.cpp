@@ -35,7 +35,7 @@ int wrap_for_transport(KEY_TRANS_RECIPIENT_INFO &info, Octets key, int padding, 
   if (const int code = wrap_key(info.publicKey, *info.keyEncryptionAlgorithm, padding, key, function, encrypted)) {
     return code;
   }
-  free_ASN1_STRING(std::exchange(info.encryptedKey, encrypted.release()));
+  put(info.encryptedKey, std::move(encrypted));
   return 0;
 }
 

@@ -150,11 +150,11 @@ int set_originator_key(ORIGINATOR_IDENTIFIER_ORKEY &out, const X509_CERT &cert, 
   const X509_PUBKEY *spki = get_X509_SPKI(&cert);
   if (!spki || !spki->algorithm || !spki->subjectPublicKey) return fail(function, kNullArgument);
   owned<ORIGINATOR_PUBLIC_KEY> fresh(new_ORIGINATOR_PUBLIC_KEY());
-  if (!fresh || !(fresh->algorithm = new_X509_ALGO_IDENTIFIER())) return fail(function, kNoMemory);
-  const bool set = !set_X509_ALGO_IDENTIFIER_value_RFC5280(fresh->algorithm, spki->algorithm, nullptr) &&
-                   (fresh->publicKey = dup_ASN1_STRING(spki->subjectPublicKey));
-  if (!set) return fail(function, kNoMemory);
-  free_ORIGINATOR_PUBLIC_KEY(std::exchange(out.originatorKey, fresh.release()));
+  if (!fresh) return fail(function, kNoMemory);
+  fresh->algorithm = new_bare_algorithm(spki->algorithm).release();
+  fresh->publicKey = dup_ASN1_STRING(spki->subjectPublicKey);
+  if (!fresh->algorithm || !fresh->publicKey) return fail(function, kNoMemory);
+  put(out.originatorKey, std::move(fresh));
   out.type = CMS_ORIGINATOR_KEY;
   return 0;
 }

@@ -113,7 +113,7 @@ int finish(const CMS_SIGNED_DATA &data, CMS_SIGNER_INFO &signer, ContentDigests 
   if (!name_signature(signer.signatureAlgorithm, key_type, attributes, false)) {
     return fail(F_FINAL_CMS_SIGN, kNoMemory);
   }
-  free_ASN1_STRING(std::exchange(signer.signature, signature.release()));
+  put(signer.signature, std::move(signature));
   Flat<P7_SIGNER_STATE>::release(std::exchange(signer.state, nullptr));
   return 0;
 }

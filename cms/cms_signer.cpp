@@ -41,7 +41,7 @@ int name_certificate(SIGNER_IDENTIFIER *&out, const X509_CERT &cert, bool by_sub
   } else if (const int code = name_by_serial(fresh->issuerAndSerialNumber, cert, function)) {
     return code;
   }
-  free_SIGNER_IDENTIFIER(std::exchange(out, fresh.release()));
+  put(out, std::move(fresh));
   return 0;
 }
 
@@ -53,7 +53,7 @@ int name_by_serial(ISSUER_AND_SERIAL_NUMBER *&out, const X509_CERT &cert, int fu
   if (!fresh || !(fresh->issuer = dup_X509_NAME(issuer)) || !(fresh->serialNumber = PKV_Dup_BIGINT(serial))) {
     return fail(function, kNoMemory);
   }
-  free_ISSUER_AND_SERIAL_NUMBER(std::exchange(out, fresh.release()));
+  put(out, std::move(fresh));
   return 0;
 }
 
@@ -122,7 +122,7 @@ int set_CMS_SubjectKeyIdentifier(OCTET_STRING **ski, X509_CERT *cert) noexcept {
   if (const int reason = read_subject_key_identifier(*cert, identifier)) {
     return fail(F_SET_CMS_SUBJECTKEYIDENTIFIER, reason);
   }
-  free_ASN1_STRING(std::exchange(*ski, identifier.release()));
+  put(*ski, std::move(identifier));
   return 0;
 }
 

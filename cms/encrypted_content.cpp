@@ -50,7 +50,7 @@ int replace_encrypted_content(P7_ENCRYPTED_CONTENT_INFO *&place, const ContentAr
   if (code && brought) fresh->cipher = nullptr;
   if (code) return code;
   if (brought) place->cipher = nullptr;
-  free_P7_ENCRYPTED_CONTENT_INFO(std::exchange(place, fresh.release()));
+  put(place, std::move(fresh));
   return 0;
 }
 

@@ -86,7 +86,7 @@ int make_ephemeral(const ECC_UNIT &recipient, int function, owned<ECC_UNIT> &key
   constexpr std::string_view kEcPublicKey = "1.2.840.10045.2.1";
   if (const int code = set_algorithm_text(fresh->algorithm, kEcPublicKey, {}, function)) return code;
   if (const int code = ECC_KEY_to_BITSTRING_RFC5280(key.get(), &fresh->publicKey)) return code;
-  free_ORIGINATOR_PUBLIC_KEY(std::exchange(originator.originatorKey, fresh.release()));
+  put(originator.originatorKey, std::move(fresh));
   return 0;
 }
 

@@ -15,7 +15,7 @@ int set_key_encryption_algorithm(X509_ALGO_IDENTIFIER *&algorithm, int padding, 
     if (const int code = parameters.result(function)) return code;
     if (!set_parameters(*fresh, parameters)) return fail(function, kNoMemory);
   }
-  free_X509_ALGO_IDENTIFIER(std::exchange(algorithm, owner.release()));
+  put(algorithm, std::move(owner));
   return 0;
 }
 

@@ -33,16 +33,14 @@ int wrap_cipher(const X509_ALGO_IDENTIFIER *algorithm) noexcept {
 int set_algorithm_text(X509_ALGO_IDENTIFIER *&algorithm, std::string_view oid, Octets parameters,
                        int function) noexcept {
   const owned<OBJECT_IDENTIFIER> name(new_string(TYPE_OBJECT_IDENTIFIER, octets_of_text(oid)));
-  owned<X509_ALGO_IDENTIFIER> fresh(name ? new_X509_ALGO_IDENTIFIER() : nullptr);
-  if (!fresh || set_X509_ALGO_IDENTIFIER_value_RFC5280(fresh.get(), name.get(), nullptr)) {
-    return fail(function, kNoMemory);
-  }
+  owned<X509_ALGO_IDENTIFIER> fresh = new_bare_algorithm(name.get());
+  if (!fresh) return fail(function, kNoMemory);
   Tlv tlv;
   Rules rules;
   if (Tlv::parse(parameters, rules, tlv) && !(fresh->parameters = new_string(tlv.identifier, tlv.content))) {
     return fail(function, kNoMemory);
   }
-  free_X509_ALGO_IDENTIFIER(std::exchange(algorithm, fresh.release()));
+  put(algorithm, std::move(fresh));
   return 0;
 }
 

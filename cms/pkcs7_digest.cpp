@@ -11,11 +11,11 @@ int digest_PKCS7(P7_CONTENT_INFO *p7, int digest_id, const unsigned char *data, 
   int digest_length = 0;
   if (const int code = PKV_DIGEST(digest_id, data, length, octets, &digest_length)) return code;
   owned<P7_CONTENT_INFO> content = new_data(octets_of(data, length));
+  owned<X509_ALGO_IDENTIFIER> algorithm = new_bare_algorithm(oid.get());
   owned<ASN1_STRING> digest(new_string(TYPE_OCTET_STRING, octets_of(octets, digest_length)));
-  owned<X509_ALGO_IDENTIFIER> algorithm(new_X509_ALGO_IDENTIFIER());
-  if (!content || !digest || set_X509_ALGO_IDENTIFIER_value_RFC5280(algorithm.get(), oid.get(), nullptr)) return 1;
-  free_X509_ALGO_IDENTIFIER(std::exchange(digested->digestAlgorithm, algorithm.release()));
-  free_P7_CONTENT_INFO(std::exchange(digested->contentInfo, content.release()));
-  free_ASN1_STRING(std::exchange(digested->digest, digest.release()));
+  if (!content || !algorithm || !digest) return 1;
+  put(digested->digestAlgorithm, std::move(algorithm));
+  put(digested->contentInfo, std::move(content));
+  put(digested->digest, std::move(digest));
   return 0;
 }

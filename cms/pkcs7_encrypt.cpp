@@ -43,7 +43,7 @@ int encrypt_keys(const P7_RECIPIENT_INFOS &recipients, const BLOCK_CIPHER_UNIT &
     const int code = wrap_key(each->publicKey, *each->keyEncryptionAlgorithm, padding, octets_of(key, length),
                               F_P7_ENCRYPT, encrypted);
     if (code) return code;
-    free_ASN1_STRING(std::exchange(each->encryptedKey, encrypted.release()));
+    put(each->encryptedKey, std::move(encrypted));
   }
   return 0;
 }
@@ -104,9 +104,9 @@ int set_PKCS7_P7_ENCRYPTED_CONTENT_INFO(P7_ENCRYPTED_CONTENT_INFO *eci, int type
   owned<X509_ALGO_IDENTIFIER> copy(type ? dup_X509_ALGO_IDENTIFIER(algorithm) : nullptr);
   owned<ASN1_STRING> octets(copy && content ? new_string(TYPE_OCTET_STRING, octets_of(content, length)) : nullptr);
   if (!copy || (content && !octets)) return 1;
-  free_OBJECT_IDENTIFIER(std::exchange(eci->contentType, type.release()));
-  free_X509_ALGO_IDENTIFIER(std::exchange(eci->contentEncryptionAlgorithm, copy.release()));
-  free_ASN1_STRING(std::exchange(eci->encryptedContent, octets.release()));
+  put(eci->contentType, std::move(type));
+  put(eci->contentEncryptionAlgorithm, std::move(copy));
+  put(eci->encryptedContent, std::move(octets));
   if (eci->progress) release(std::exchange(eci->progress, nullptr));
   return 0;
 }

@@ -40,7 +40,7 @@ int keep_content(P7_SIGNED_DATA &data, Octets octets) noexcept {
   if (data.contentInfo && content_row(data.contentInfo) != PKCS7_DATA) return failure(kUnsupported);
   owned<P7_CONTENT_INFO> content = new_data(octets);
   if (!content) return failure(kNoMemory);
-  free_P7_CONTENT_INFO(std::exchange(data.contentInfo, content.release()));
+  put(data.contentInfo, std::move(content));
   return 0;
 }
 
@@ -113,7 +113,7 @@ int finish(P7_SIGNER_INFO &signer, const BIGINT *version, const MessageContent &
   if (!name_signature(signer.digestEncryptionAlgorithm, key_type, attributes, has_version_0(version))) {
     return failure(kNoMemory);
   }
-  free_ASN1_STRING(std::exchange(signer.encryptedDigest, signature.release()));
+  put(signer.encryptedDigest, std::move(signature));
   Flat<P7_SIGNER_STATE>::release(std::exchange(signer.state, nullptr));
   return 0;
 }

@@ -78,7 +78,7 @@ int encrypt_digests(const P7_CONTENT_INFO &p7, const Sealing &sealing, size_t ro
     const size_t needed = size_t(digest.length) + 2 * size_t(PKV_Get_BLOCK_CIPHER_Block_Length(cipher_id));
     if (const int code = encrypt_digest(cipher_id, sealing, room ? room : needed, digest, encrypted)) return code;
     if (!set_algorithm(signer->digestEncryptionAlgorithm, row::kRsaEncryption)) return failure(kNoMemory);
-    free_ASN1_STRING(std::exchange(signer->encryptedDigest, encrypted.release()));
+    put(signer->encryptedDigest, std::move(encrypted));
   }
   return 0;
 }

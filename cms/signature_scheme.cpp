@@ -84,9 +84,8 @@ int set_pss_parameters(const RSASSA_PSS_PARAM *given, const X509_ALGO_IDENTIFIER
 }
 
 bool set_algorithm(X509_ALGO_IDENTIFIER *&algorithm, int row) noexcept {
-  const owned<OBJECT_IDENTIFIER> oid = oid_of_row(row);
-  owned<X509_ALGO_IDENTIFIER> fresh(oid ? new_X509_ALGO_IDENTIFIER() : nullptr);
-  if (!fresh || set_X509_ALGO_IDENTIFIER_value(fresh.get(), oid.get(), nullptr)) return false;
+  owned<X509_ALGO_IDENTIFIER> fresh = new_algorithm(oid_of_row(row).get());
+  if (!fresh) return false;
   free_X509_ALGO_IDENTIFIER(algorithm);
   algorithm = fresh.release();
   return true;

@@ -140,8 +140,8 @@ bool set_prf(P5_PBE_PARAM &param, int digest_id) noexcept {
   if (digest_id == PKV_DIGEST_SHA1) return true;
   const std::string_view text = prf_oid(digest_id);
   const owned<OBJECT_IDENTIFIER> oid(new_OBJECT_IDENTIFIER(text.data(), int(text.size())));
-  owned<X509_ALGO_IDENTIFIER> prf(new_X509_ALGO_IDENTIFIER());
-  if (!oid || !prf || set_X509_ALGO_IDENTIFIER_value(prf.get(), oid.get(), nullptr)) return false;
+  owned<X509_ALGO_IDENTIFIER> prf = new_algorithm(oid.get());
+  if (!prf) return false;
   param.prf = prf.release();
   return true;
 }
@@ -180,12 +180,11 @@ int set_P5_PBE_PARAM(P5_PBE_PARAM *param, const unsigned char *salt, int salt_le
   const bool with_scheme = scheme && scheme_parameters;
   owned<OCTET_STRING> octets(new_string(TYPE_OCTET_STRING, octets_of(salt, salt_length)));
   owned<BIGINT> count(PKV_New_BIGINT_Binary(iteration, iteration_length));
-  owned<X509_ALGO_IDENTIFIER> algorithm(with_scheme ? new_X509_ALGO_IDENTIFIER() : nullptr);
+  owned<X509_ALGO_IDENTIFIER> algorithm = with_scheme ? new_algorithm(scheme, scheme_parameters) : nullptr;
   if (!octets || !count || (with_scheme && !algorithm)) return 1;
-  if (with_scheme && set_X509_ALGO_IDENTIFIER_value(algorithm.get(), scheme, scheme_parameters)) return 1;
-  free_ASN1_STRING(std::exchange(param->salt, octets.release()));
-  PKV_Free_BIGINT(std::exchange(param->iteration, count.release()));
-  if (with_scheme) free_X509_ALGO_IDENTIFIER(std::exchange(param->encryptionScheme, algorithm.release()));
+  put(param->salt, std::move(octets));
+  put(param->iteration, std::move(count));
+  if (with_scheme) put(param->encryptionScheme, std::move(algorithm));
   return 0;
 }
 

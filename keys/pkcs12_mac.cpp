@@ -169,7 +169,7 @@ int set_mac(PKCS12 *p12, const char *password, int length, BmpPassword::Text tex
   owned<P12_MAC_DATA> fresh(p12->macData ? copy(p12->macData) : new_P12_MAC_DATA());
   if (!fresh) return failure(ERR_P12_MAC_INIT);
   if (const int code = fill_mac(*p12, bmp, request, *fresh)) return code;
-  free_P12_MAC_DATA(std::exchange(p12->macData, fresh.release()));
+  put(p12->macData, std::move(fresh));
   return 0;
 }
 
@@ -214,6 +214,6 @@ int set_PKCS12_MAC_iter(PKCS12 *p12, const unsigned char *bytes, int length) noe
   owned<BIGINT> count(PKV_New_BIGINT_Binary(bytes, length));
   if (!count) return 1;
   if (!p12->macData && !(p12->macData = new_P12_MAC_DATA())) return 1;
-  PKV_Free_BIGINT(std::exchange(p12->macData->iteration, count.release()));
+  put(p12->macData->iteration, std::move(count));
   return 0;
 }

@@ -80,11 +80,8 @@ int encrypt(const Means &means, const KeyAndIv &key, Octets in, Protected &out) 
 }
 
 int make_algorithm(int pbe_index, const P5_PBE_PARAM &param, owned<X509_ALGO_IDENTIFIER> &out) noexcept {
-  const owned<OBJECT_IDENTIFIER> oid = oid_of_row(pbe_index);
-  out.reset(new_X509_ALGO_IDENTIFIER());
-  const bool made = oid && out && set_X509_ALGO_IDENTIFIER_value(out.get(), oid.get(), nullptr) == 0 &&
-                    store_pbe_param(*out, param, kStandardRules);
-  return made ? 0 : PKV_ERR_NO_MEMORY;
+  out = new_algorithm(oid_of_row(pbe_index).get());
+  return out && store_pbe_param(*out, param, kStandardRules) ? 0 : PKV_ERR_NO_MEMORY;
 }
 
 }  // namespace

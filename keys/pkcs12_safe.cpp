@@ -103,7 +103,7 @@ int P12_AUTH_SAFE_to_PKCS12(P12_AUTH_SAFE *safes, PKCS12 **p12) noexcept {
   owned<PKCS12> fresh(*p12 ? nullptr : new_PKCS12());
   PKCS12 *target = *p12 ? *p12 : fresh.get();
   if (!content || !target) return 1;
-  free_P7_CONTENT_INFO(std::exchange(target->authSafe, content.release()));
+  put(target->authSafe, std::move(content));
   free_P12_MAC_DATA(std::exchange(target->macData, nullptr));
   if (fresh) *p12 = fresh.release();
   return 0;

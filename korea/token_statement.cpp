@@ -156,7 +156,7 @@ int sign(KISA_HSM_SIGNATURE_TOKEN &token, const ASYMMETRIC_KEY &key, const OBJEC
   value->signatureAlgorithm = identifier.release();
   value->signature = new_string(TYPE_BIT_STRING, signature.written());
   if (!value->signature) return fail(kKisa, kNoMemory);
-  free_KISA_HSM_SIGNATURE_VALUE(std::exchange(token.signatureValue, value.release()));
+  put(token.signatureValue, std::move(value));
   return 0;
 }
 

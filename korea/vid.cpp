@@ -93,11 +93,10 @@ int digest_of(const X509_ALGO_IDENTIFIER &identifier) noexcept {
 
 int identifier_record(int digest_id, Octets digest, owned<VID> &out) noexcept {
   owned<VID> vid(blank<VID>());
-  owned<X509_ALGO_IDENTIFIER> algorithm(new_X509_ALGO_IDENTIFIER());
+  owned<X509_ALGO_IDENTIFIER> algorithm = new_bare_algorithm(oid_of_row(get_OID_from_DigestID(digest_id)).get());
   if (!vid || !algorithm) return fail(kKisa, kNoMemory);
-  algorithm->algorithm = index_to_OBJECT_IDENTIFIER(get_OID_from_DigestID(digest_id));
   vid->virtualID = new_string(TYPE_OCTET_STRING, digest);
-  if (!algorithm->algorithm || !vid->virtualID) return fail(kKisa, kNoMemory);
+  if (!vid->virtualID) return fail(kKisa, kNoMemory);
   vid->hashAlg = algorithm.release();
   out = std::move(vid);
   return 0;

@@ -52,8 +52,8 @@ int read_issuer_and_serial(const X509_CERT &cert, DerWriter &issuer, owned<BIGIN
 }
 
 int new_cert_id(const X509_CERT &cert, const X509_CERT &issuer, int digest_id, owned<OCSP_CERT_ID> &out) noexcept {
-  const owned<OBJECT_IDENTIFIER> oid = oid_of_row(get_OID_from_DigestID(digest_id));
-  if (!get_OID_from_DigestID(digest_id) || !PKV_Get_DIGEST_Length(digest_id)) return ocsp_failure(kUnsupported);
+  const int row = get_OID_from_DigestID(digest_id);
+  if (!row || !PKV_Get_DIGEST_Length(digest_id)) return ocsp_failure(kUnsupported);
   owned<OCSP_CERT_ID> id(blank<OCSP_CERT_ID>());
   DerWriter name(kStandardRules);
   owned<BIGINT> serial;
@@ -62,13 +62,12 @@ int new_cert_id(const X509_CERT &cert, const X509_CERT &issuer, int digest_id, o
   if (const int code = digest_octets(digest_id, name.written(), name_hash)) return code;
   key_hash.length = get_X509_PUBLIC_KEY_hash_RFC5280(&issuer, digest_id, key_hash.octets);
   if (key_hash.length <= 0) return ocsp_failure(kNoKeyIdentifier);
-  if (!id || !oid) return ocsp_failure(kNoMemory);
-  id->hashAlgorithm = new_X509_ALGO_IDENTIFIER();
+  if (!id) return ocsp_failure(kNoMemory);
+  id->hashAlgorithm = new_algorithm(oid_of_row(row).get()).release();
   id->issuerNameHash = new_string(TYPE_OCTET_STRING, name_hash.view());
   id->issuerKeyHash = new_string(TYPE_OCTET_STRING, key_hash.view());
   id->serialNumber = serial.release();
-  if (!id->issuerNameHash || !id->issuerKeyHash) return ocsp_failure(kNoMemory);
-  if (set_X509_ALGO_IDENTIFIER_value(id->hashAlgorithm, oid.get(), nullptr)) return ocsp_failure(kNoMemory);
+  if (!id->hashAlgorithm || !id->issuerNameHash || !id->issuerKeyHash) return ocsp_failure(kNoMemory);
   out = std::move(id);
   return 0;
 }

@@ -56,9 +56,9 @@ Octets key_identifier(const X509_CERT &cert, const X509_CERT *issuer) noexcept {
 int house_cert_id(const X509_CERT &cert, const X509_CERT *issuer, owned<OCSP_CERT_ID> &out) noexcept {
   if (!get_X509_issuer(&cert) || !get_X509_serial(&cert)) return ocsp_failure(kNullArgument);
   owned<OCSP_CERT_ID> id(blank<OCSP_CERT_ID>());
-  const owned<OBJECT_IDENTIFIER> sha1 = oid_of_row(get_OID_from_DigestID(PKV_DIGEST_SHA1));
-  if (!id || !sha1 || !(id->hashAlgorithm = new_X509_ALGO_IDENTIFIER())) return ocsp_failure(kNoMemory);
-  if (set_X509_ALGO_IDENTIFIER_value(id->hashAlgorithm, sha1.get(), nullptr)) return ocsp_failure(kNoMemory);
+  owned<X509_ALGO_IDENTIFIER> sha1 = new_algorithm(oid_of_row(get_OID_from_DigestID(PKV_DIGEST_SHA1)).get());
+  if (!id || !sha1) return ocsp_failure(kNoMemory);
+  id->hashAlgorithm = sha1.release();
   uint8_t hash[PKV_MAX_DIGEST_LENGTH];
   int length = 0;
   if (const int code = hash_X509_NAME(get_X509_issuer(&cert), PKV_DIGEST_SHA1, hash, &length)) return code;

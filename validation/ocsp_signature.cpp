@@ -43,9 +43,8 @@ int sign_house(Octets tbs, const ASYMMETRIC_KEY &key, int digest_id, HouseSigned
   if (!oid_row) return ocsp_failure(kBadValue);
   DerWriter signature;
   if (const int code = write_signature(tbs, key, digest_id, signature)) return code;
-  const owned<OBJECT_IDENTIFIER> oid = oid_of_row(oid_row);
-  out.algorithm.reset(new_X509_ALGO_IDENTIFIER());
-  if (!oid || set_X509_ALGO_IDENTIFIER_value(out.algorithm.get(), oid.get(), nullptr)) return ocsp_failure(kNoMemory);
+  out.algorithm = new_algorithm(oid_of_row(oid_row).get());
+  if (!out.algorithm) return ocsp_failure(kNoMemory);
   return keep_signature(signature, out);
 }
 

@@ -99,3 +99,17 @@ int X509_ALGO_IDENTIFIERS_to_Seq(const X509_ALGO_IDENTIFIERS *in, ASN1_UNIT **ou
 int Seq_to_X509_ALGO_IDENTIFIERS(ASN1_UNIT *in, X509_ALGO_IDENTIFIERS **out) noexcept {
   return list_from_seq<X509_ALGO_IDENTIFIER>(F_SEQ_TO_X509_ALGO_IDENTIFIERS, in, out, decode_algorithms);
 }
+
+namespace velpki {
+
+owned<X509_ALGO_IDENTIFIER> new_algorithm(const OBJECT_IDENTIFIER *oid, const ASN1_STRING *parameters) noexcept {
+  owned<X509_ALGO_IDENTIFIER> made(oid ? new_X509_ALGO_IDENTIFIER() : nullptr);
+  return made && set_X509_ALGO_IDENTIFIER_value(made.get(), oid, parameters) == 0 ? std::move(made) : nullptr;
+}
+
+owned<X509_ALGO_IDENTIFIER> new_bare_algorithm(const OBJECT_IDENTIFIER *oid) noexcept {
+  owned<X509_ALGO_IDENTIFIER> made(oid ? new_X509_ALGO_IDENTIFIER() : nullptr);
+  return made && set_X509_ALGO_IDENTIFIER_value_RFC5280(made.get(), oid, nullptr) == 0 ? std::move(made) : nullptr;
+}
+
+}  // namespace velpki

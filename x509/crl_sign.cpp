@@ -21,7 +21,7 @@ int write_body(const X509_CRL_INFO &info, int function, DerWriter &out) noexcept
 // Signature and algorithm take their places together.
 int attach(X509_CRL &crl, owned<ASN1_STRING> signature, int function) noexcept {
   if (!replace(crl, &X509_CRL::sig_alg, crl.tbs->signature)) return fail(function, kNoMemory);
-  free_ASN1_STRING(std::exchange(crl.sig_value, signature.release()));
+  put(crl.sig_value, std::move(signature));
   drop_content(crl.kept);
   return 0;
 }

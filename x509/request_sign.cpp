@@ -46,7 +46,7 @@ int gen_SIG_PKCS10_X509_REQ(PKCS10_X509_REQ *req, ASYMMETRIC_KEY *key) noexcept 
   DerWriter info;
   if (const int code = encode(*req->info, info)) return code;
   if (const int code = sign_by_key(info.written(), req->sig_alg, key, *signature)) return code;
-  free_ASN1_STRING(std::exchange(req->sig_value, signature.release()));
+  put(req->sig_value, std::move(signature));
   drop_received(*req);
   return 0;
 }

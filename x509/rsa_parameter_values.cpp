@@ -61,18 +61,13 @@ int read_label(const X509_ALGO_IDENTIFIER *identifier, int function, Octets &lab
 
 namespace {
 
-owned<X509_ALGO_IDENTIFIER> new_identifier(const OBJECT_IDENTIFIER *oid, const ASN1_STRING *parameters) noexcept {
-  owned<X509_ALGO_IDENTIFIER> made(new_X509_ALGO_IDENTIFIER());
-  return made && set_X509_ALGO_IDENTIFIER_value(made.get(), oid, parameters) == 0 ? std::move(made) : nullptr;
-}
-
 owned<OBJECT_IDENTIFIER> oid_of(std::string_view text) noexcept {
   return owned<OBJECT_IDENTIFIER>(new_OBJECT_IDENTIFIER(text.data(), int(text.size())));
 }
 
 owned<X509_ALGO_IDENTIFIER> hash_identifier(int digest_id) noexcept {
   const owned<OBJECT_IDENTIFIER> oid = oid_of_row(get_OID_from_DigestID(digest_id));
-  return new_identifier(oid.get(), nullptr);
+  return new_algorithm(oid.get(), nullptr);
 }
 
 owned<X509_ALGO_IDENTIFIER> mask_identifier(int digest_id) noexcept {
@@ -84,13 +79,13 @@ owned<X509_ALGO_IDENTIFIER> mask_identifier(int digest_id) noexcept {
   if (!Tlv::parse(written.written(), rules, tlv)) return nullptr;
   const owned<ASN1_STRING> parameters(new_string(tag::kSequence, tlv.content));
   const owned<OBJECT_IDENTIFIER> mgf1 = oid_of(kMgf1);
-  return parameters ? new_identifier(mgf1.get(), parameters.get()) : nullptr;
+  return parameters ? new_algorithm(mgf1.get(), parameters.get()) : nullptr;
 }
 
 owned<X509_ALGO_IDENTIFIER> label_identifier(Octets label) noexcept {
   const owned<ASN1_STRING> parameters(new_string(TYPE_OCTET_STRING, label));
   const owned<OBJECT_IDENTIFIER> specified = oid_of(kSpecifiedLabel);
-  return parameters ? new_identifier(specified.get(), parameters.get()) : nullptr;
+  return parameters ? new_algorithm(specified.get(), parameters.get()) : nullptr;
 }
 
 int check_values(const void *param, int digest_id, int mgf_digest_id, int length, int function) noexcept {

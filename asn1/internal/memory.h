@@ -8,6 +8,7 @@
 #include <cstring>
 #include <memory>
 #include <span>
+#include <utility>
 
 namespace velpki {
 
@@ -62,6 +63,12 @@ struct FlatRelease {
 };
 template <class T>
 using owned = std::unique_ptr<T, FlatRelease>;
+
+// Puts a value in place of what a member holds.
+template <class T>
+void put(T *&place, owned<T> value) noexcept {
+  const owned<T> before(std::exchange(place, value.release()));
+}
 
 // A new block of `size` octets, owned; null when memory is exhausted.
 inline owned<uint8_t> new_octets(size_t size, const char *file = __builtin_FILE(),

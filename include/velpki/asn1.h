@@ -99,12 +99,10 @@ typedef struct tm ASN1_TIME;
 VELPKI_API ASN1_UNIT *new_ASN1_UNIT(void) VELPKI_NOEXCEPT;
 VELPKI_API void clean_ASN1_UNIT(ASN1_UNIT *unit) VELPKI_NOEXCEPT;
 VELPKI_API void free_ASN1_UNIT(ASN1_UNIT *unit) VELPKI_NOEXCEPT;
-
 /** Copies a unit; null for a unit without tag, length octets or value, hence for every NULL.
  * @warning Length octets are copied up to their first zero octet (a last zero octet is kept): 82 01 00 copies whole,
  * 83 01 00 05 becomes 83 01 00 00 and the unit shorter. dup_ASN1_UNIT_strict copies any unit faithfully. */
 VELPKI_API ASN1_UNIT *dup_ASN1_UNIT(const ASN1_UNIT *unit) VELPKI_NOEXCEPT;
-
 /** Copies any unit that has a tag and readable length octets, a NULL and empty values too; null for others. */
 VELPKI_API ASN1_UNIT *dup_ASN1_UNIT_strict(const ASN1_UNIT *unit) VELPKI_NOEXCEPT;
 /** @} */
@@ -114,23 +112,19 @@ VELPKI_API ASN1_UNIT *dup_ASN1_UNIT_strict(const ASN1_UNIT *unit) VELPKI_NOEXCEP
 /** Returns the number of length octets that start at `length_octets` (X.690 8.1.3): 1 for a first octet of 00 to 80,
  * else (first & 7F) + 1; 0 for null. It reads one octet. */
 VELPKI_API int getASN1LengthSize(const unsigned char *length_octets) VELPKI_NOEXCEPT;
-
 /** Returns the content length of a unit in octets, for the indefinite form the distance to `eoc`; -1 for null, a unit
  * without length octets, more than four octets of length and a length above INT_MAX. */
 VELPKI_API int getASN1ValueLength(const ASN1_UNIT *unit) VELPKI_NOEXCEPT;
-
 /** Returns the content length from the length octets in an encoding; content of the indefinite form, which follows
  * them, is measured. -1 for null and where it cannot be measured.
  * @warning It is given no length and believes the encoding; see getASN1ValueLengthFromLO_n. */
 VELPKI_API int getASN1ValueLengthFromLO(const unsigned char *length_octets) VELPKI_NOEXCEPT;
-
 /** Measures content of the indefinite form up to, not including, its end-of-contents octets; -1 for null and for
  * nesting deeper than 64.
  * @warning After the first indefinite child every later sibling is measured as if it were indefinite too. And it is
  * given no length. getASN1IndefiniteValueLength_n stays within its octets and, where that rule would leave them,
  * measures by X.690 8.1.3.6. */
 VELPKI_API int getASN1IndefiniteValueLength(const unsigned char *content) VELPKI_NOEXCEPT;
-
 /** Does what getASN1LengthSize does within `available` octets; 0 when they do not suffice. */
 VELPKI_API int getASN1LengthSize_n(const unsigned char *length_octets, int available) VELPKI_NOEXCEPT;
 /** Does what getASN1ValueLengthFromLO does within `available` octets, which count from the length octets on; -1 when
@@ -139,21 +133,16 @@ VELPKI_API int getASN1LengthSize_n(const unsigned char *length_octets, int avail
 VELPKI_API int getASN1ValueLengthFromLO_n(const unsigned char *length_octets, int available) VELPKI_NOEXCEPT;
 /** Measures indefinite content within `available` octets; -1 when its end-of-contents octets are not among them. */
 VELPKI_API int getASN1IndefiniteValueLength_n(const unsigned char *content, int available) VELPKI_NOEXCEPT;
-
 /** Returns the length form that DER needs for a content length (X.690 10.1): 0 short, 1 long. For type 3 the
  * unused-bits octet is added to `length`. Negative lengths give 1. */
 VELPKI_API int getASN1LengthForm(int type, int length) VELPKI_NOEXCEPT;
-
 /** Returns the number of decimal digits of n, the sign left out; 1 for 0. */
 VELPKI_API int getAsciiStringLength(int n) VELPKI_NOEXCEPT;
-
 /** Counts the children of a constructed unit; 0 for null and for content that cannot be walked.
  * @warning A universal child whose number this library does not know makes the whole count 0. */
 VELPKI_API int getSequenceChildNum(const ASN1_UNIT *unit) VELPKI_NOEXCEPT;
-
 /** Returns the identifier octet of the child at an index from 0; -1 when there is none. */
 VELPKI_API int getChildType(const ASN1_UNIT *unit, int index) VELPKI_NOEXCEPT;
-
 /** Writes the whole encoding into a new block, released with PKV_Free, and returns its octets. -1, with nothing stored,
  * for null, a unit without tag or with unreadable length octets, and exhausted memory. */
 VELPKI_API int ASN1_to_binary(const ASN1_UNIT *unit, unsigned char **out) VELPKI_NOEXCEPT;
@@ -167,19 +156,16 @@ VELPKI_API ASN1_STRING *new_ASN1_STRING(void) VELPKI_NOEXCEPT;
 VELPKI_API ASN1_STRING *dup_ASN1_STRING(const ASN1_STRING *string) VELPKI_NOEXCEPT;
 VELPKI_API void clean_ASN1_STRING(ASN1_STRING *string) VELPKI_NOEXCEPT;
 VELPKI_API void free_ASN1_STRING(ASN1_STRING *string) VELPKI_NOEXCEPT;
-
 /** Stores the type and a copy of the octets, with no unused bits. Null data with length 0 is the empty value. No
  * character set is checked. Codes: F_SET_ASN1_STRING_VALUE with reason 49 (null string), 2B (bad data or length), 3C
  * (memory); the string is then unchanged. */
 VELPKI_API int set_ASN1_STRING_value(ASN1_STRING *string, int type, const unsigned char *data,
                                      int length) VELPKI_NOEXCEPT;
-
 /** Returns 0 when type, length and octets are equal, else 1 (null equals nothing).
  * @warning Unused bits are not compared; cmp_ASN1_STRING_strict compares those of a BIT STRING as well. */
 VELPKI_API int cmp_ASN1_STRING(const ASN1_STRING *a, const ASN1_STRING *b) VELPKI_NOEXCEPT;
 /** Returns 0 when cmp_ASN1_STRING does and, for a BIT STRING, the unused bits are equal too; else 1. */
 VELPKI_API int cmp_ASN1_STRING_strict(const ASN1_STRING *a, const ASN1_STRING *b) VELPKI_NOEXCEPT;
-
 /** Encodes a string under its own type, as encodeToDER does with TYPE_ASN1_STRING. Codes: F_ASN1_STRING_TO_SEQ with
  * reason 49, 3C or ERR_ASN1_ENCODING. */
 VELPKI_API int ASN1_STRING_to_Seq(const ASN1_STRING *in, ASN1_UNIT **out) VELPKI_NOEXCEPT;
@@ -192,11 +178,9 @@ VELPKI_API ASN1_TIME *new_ASN1_TIME(void) VELPKI_NOEXCEPT;
 VELPKI_API void free_ASN1_TIME(ASN1_TIME *time) VELPKI_NOEXCEPT;
 VELPKI_API void clean_ASN1_TIME(ASN1_TIME *time) VELPKI_NOEXCEPT;
 VELPKI_API ASN1_TIME *dup_ASN1_TIME(const ASN1_TIME *time) VELPKI_NOEXCEPT;
-
 /** Reads exactly YYYY-MM-DD,HH:MM:SS, in UTC, into a new time; null for anything else.
  * @warning The day is not checked against the month: 2009-02-30 passes. */
 VELPKI_API ASN1_TIME *charToASN1_TIME(const char *text) VELPKI_NOEXCEPT;
-
 /** Accepts seconds and minutes 0 to 59, hours 0 to 23, day 1 to 31 and month 0 to 11, each by itself: 0, or
  * F_CHECK_ASN1_TIME with reason 2B. */
 VELPKI_API int check_ASN1_TIME(int seconds, int minutes, int hours, int day, int month) VELPKI_NOEXCEPT;
@@ -204,7 +188,6 @@ VELPKI_API int check_ASN1_TIME(int seconds, int minutes, int hours, int day, int
 VELPKI_API ASN1_TIME *getCurrentGMTime(void) VELPKI_NOEXCEPT;
 /** Makes a new time of the machine's clock in its zone, with the offset field set; null without memory. */
 VELPKI_API ASN1_TIME *getCurrentLocalTime(void) VELPKI_NOEXCEPT;
-
 /** Compares instants: 1 when `a` is later, 0 when equal, -1 when earlier.
  * @warning -1 too when either cannot be converted (null, out of range): it is no ordering function. */
 VELPKI_API int cmp_ASN1_TIME(const ASN1_TIME *a, const ASN1_TIME *b) VELPKI_NOEXCEPT;
@@ -226,20 +209,16 @@ VELPKI_API UTC_TIME *asn1TimeToUTC_TIME(ASN1_TIME *time, int form) VELPKI_NOEXCE
 /** Writes the same forms; 1 and 3 with the offset field of the time, which must be whole minutes within a day.
  * @warning Forms 0 and 2 overwrite `time` with its UTC equivalent. */
 VELPKI_API UTC_TIME *asn1TimeToUTC_TIME_strict(ASN1_TIME *time, int form) VELPKI_NOEXCEPT;
-
 /** Writes the same forms as a new GeneralizedTime (X.680 46), with years of four digits, 0000 to 9999; 1 and 3 with the
  * offset field of the time.
  * @warning Forms 0 and 2 overwrite `time` with its UTC equivalent. */
 VELPKI_API GENERALIZED_TIME *asn1TimeToGENERALIZED_TIME(ASN1_TIME *time, int form) VELPKI_NOEXCEPT;
-
 /** Reads YYMMDDHHMM[SS] and Z or +hhmm or -hhmm into a new time in UTC; years below 50 are 20YY, the others 19YY. Null
  * for null and for text of another form or out of range; the day is not checked against the month. */
 VELPKI_API ASN1_TIME *utcTimeToASN1_TIME(const UTC_TIME *utc) VELPKI_NOEXCEPT;
-
 /** Reads YYYYMMDDHHMM[SS] and Z or +hhmm or -hhmm into a new time in UTC. A fraction before the zone, after "." or ",",
  * is cut off. Null as for utcTimeToASN1_TIME. */
 VELPKI_API ASN1_TIME *generalizedTimeToASN1_TIME(const GENERALIZED_TIME *generalized) VELPKI_NOEXCEPT;
-
 /** Reads the one form that certificates may carry (RFC 5280 4.1.2.5.1): YYMMDDHHMMSSZ, with a real day of the month.
  * Null for any other. */
 VELPKI_API ASN1_TIME *utcTimeToASN1_TIME_RFC5280(const UTC_TIME *utc) VELPKI_NOEXCEPT;

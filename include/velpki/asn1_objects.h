@@ -28,12 +28,10 @@ VELPKI_API int index_from_sn(const char *name, int length) VELPKI_NOEXCEPT;
 VELPKI_API int index_from_ln(const char *name, int length) VELPKI_NOEXCEPT;
 /** Finds the row of an identifier; 0 for none and for null. */
 VELPKI_API int index_from_OBJECT_IDENTIFIER(const OBJECT_IDENTIFIER *oid) VELPKI_NOEXCEPT;
-
 /** Lends the short name of rows 1 to 840 for ever; null for other numbers. */
 VELPKI_API const char *sn_from_index(int index) VELPKI_NOEXCEPT;
 /** Lends the long name of rows 1 to 840 for ever; null for other numbers. */
 VELPKI_API const char *ln_from_index(int index) VELPKI_NOEXCEPT;
-
 /** Lends the three texts of a row (short name, long name, dotted text), those of row 0 for a number outside the table.
  * They must not be written to. */
 VELPKI_API const char **OID_LIST(int index) VELPKI_NOEXCEPT;
@@ -42,7 +40,6 @@ VELPKI_API const char **OID_LIST(int index) VELPKI_NOEXCEPT;
  * @warning Null too for the 48 rows without an identifier, and for those whose text is none: 11, 181, 182, 379, 393,
  * 404, 434, 645, 646, 647 and 676 (a trailing dot) and 794. index_from_oid_string finds such text all the same. */
 VELPKI_API OBJECT_IDENTIFIER *index_to_OBJECT_IDENTIFIER(int index) VELPKI_NOEXCEPT;
-
 /** Makes the identifier of row `index`, or, where that is 0, of the row with the short name `name`, else with that long
  * name; null when there is none. */
 VELPKI_API OBJECT_IDENTIFIER *get_OBJECT_IDENTIFIER(const char *name, int index) VELPKI_NOEXCEPT;
@@ -52,7 +49,6 @@ VELPKI_API OBJECT_IDENTIFIER *get_OBJECT_IDENTIFIER(const char *name, int index)
  * @{ */
 /** Copies an identifier; null for null and for one without text. */
 VELPKI_API OBJECT_IDENTIFIER *dup_OBJECT_IDENTIFIER(const OBJECT_IDENTIFIER *oid) VELPKI_NOEXCEPT;
-
 /** Returns the difference of the text lengths where they differ, else 1, 0 or -1 by octets. Null sorts first, and two
  * nulls give -1, never 0.
  * @warning The order is not that of the arcs: "2.5.4.3" comes before "1.2.840.113549". */
@@ -65,10 +61,8 @@ VELPKI_API int cmp_OBJECT_IDENTIFIER(const OBJECT_IDENTIFIER *a, const OBJECT_ID
 VELPKI_API OBJECT_IDENTIFIERS *new_OBJECT_IDENTIFIERS(void) VELPKI_NOEXCEPT;
 /** Releases the list with its elements. */
 VELPKI_API void free_OBJECT_IDENTIFIERS(OBJECT_IDENTIFIERS *list) VELPKI_NOEXCEPT;
-
 /** Appends a copy: 0, or 1 for null and exhausted memory. */
 VELPKI_API int add_OBJECT_IDENTIFIERS(OBJECT_IDENTIFIERS *list, const OBJECT_IDENTIFIER *oid) VELPKI_NOEXCEPT;
-
 /** Returns the index of the first equal element, or -1. */
 VELPKI_API int get_OBJECT_IDENTIFIERS_index_by_OBJECT_IDENTIFIER(const OBJECT_IDENTIFIERS *list,
                                                                  const OBJECT_IDENTIFIER *oid) VELPKI_NOEXCEPT;
@@ -90,7 +84,6 @@ VELPKI_API int get_CipherID_from_OID(const OBJECT_IDENTIFIER *oid) VELPKI_NOEXCE
 /** Returns the registry row of a symmetric cipher's identifier, 0 for none. See the warning at get_CipherID_from_OID.
  */
 VELPKI_API int get_OID_from_CipherID(int cipher_id) VELPKI_NOEXCEPT;
-
 /** Returns the class of an algorithm: 1 digest or MAC, 2 symmetric cipher, 3 public key or signature, 4 password-based;
  * 0 where the registry gives none.
  * @warning RSA-SHA (42) and RSA-SHA1 (65) are in class 1; ecdsa-with-SHA256, id-ecPublicKey and the ARIA ciphers in

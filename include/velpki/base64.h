@@ -29,7 +29,6 @@ VELPKI_API int encode_Base64_Line(const unsigned char *data, int length, char **
  * @warning Any other character, a space too, is not refused: it counts as a character of value 255 and corrupts the
  * octets of its group. Use decode_Base64_strict for text of a stranger. */
 VELPKI_API int decode_Base64(const char *text, int length, unsigned char **out) VELPKI_NOEXCEPT;
-
 /** Reads text that has no other characters than the alphabet and line ends, and no bits left over that are not zero
  * (RFC 4648 3.5), so that octets have one text but for its lines. */
 VELPKI_API int decode_Base64_strict(const char *text, int length, unsigned char **out) VELPKI_NOEXCEPT;

@@ -23,7 +23,6 @@ VELPKI_BEGIN
  * (F_ENCODE_TO_BER_BOOLEAN ...) with ERR_INVALID_ENCODE_INPUT. */
 VELPKI_API int encodeToBERBoolean(ASN1_UNIT *out, unsigned char tag, unsigned char *value, int length,
                                   int form) VELPKI_NOEXCEPT;
-
 /** Writes the magnitude of a number right-aligned in `length` octets, which must hold it. A magnitude whose first bit
  * is set needs an octet more, or it reads as negative. The rest is as for encodeToBERBoolean. */
 VELPKI_API int encodeToBERInteger(ASN1_UNIT *out, unsigned char tag, BIGINT *value, int length,
@@ -31,7 +30,6 @@ VELPKI_API int encodeToBERInteger(ASN1_UNIT *out, unsigned char tag, BIGINT *val
 VELPKI_API int encodeToBERBitString(ASN1_UNIT *out, unsigned char tag, ASN1_STRING *value, int length,
                                     int form) VELPKI_NOEXCEPT;
 VELPKI_API int encodeToBERNull(ASN1_UNIT *out, unsigned char tag, void *value, int length, int form) VELPKI_NOEXCEPT;
-
 /** Encodes dotted text. The rest is as for encodeToBERBoolean.
  * @warning An empty piece inside reads as 0, a final empty piece is no arc, the first two arcs are not checked against
  * 0 to 2 and 0 to 39, and an arc above 2147483647 is refused: encodeToBERObjectIdentifier_RFC5280 takes arcs of any
@@ -42,7 +40,6 @@ VELPKI_API int encodeToBERObjectIdentifier(ASN1_UNIT *out, unsigned char tag, OB
  * refused. The code is that of encodeToBERObjectIdentifier. */
 VELPKI_API int encodeToBERObjectIdentifier_RFC5280(ASN1_UNIT *out, unsigned char tag, const OBJECT_IDENTIFIER *value,
                                                    int length, int form) VELPKI_NOEXCEPT;
-
 /** Writes the text of a time as it is. Code: F_ENCODE_TO_BER_TIME, which both time encoders have, with
  * ERR_INVALID_ENCODE_INPUT. */
 VELPKI_API int encodeToBERUTCTime(ASN1_UNIT *out, unsigned char tag, ASN1_STRING *value, int length,
@@ -61,7 +58,6 @@ VELPKI_API int encodeToBERASN1String(ASN1_UNIT *out, unsigned char tag, ASN1_STR
  * ASN1_STRING encoded as its own type (an INTEGER string holds a big-endian magnitude). VisibleString and every other
  * number have no encoder. Code: F_ENCODE_TO_BER with ERR_INVALID_ENCODE_INPUT. */
 VELPKI_API int encodeToBER(ASN1_UNIT *out, int type, void *value, int length, int form) VELPKI_NOEXCEPT;
-
 /** Does what encodeToBER does and gives the result the identifier 80 + n (IMPLICIT, primitive); n is 0 to 30. Code:
  * F_ENCODE_TO_BER_CS with ERR_INVALID_ENCODE_INPUT. */
 VELPKI_API int encodeToBER_CS(ASN1_UNIT *out, int n, int type, void *value, int length, int form) VELPKI_NOEXCEPT;
@@ -74,7 +70,6 @@ VELPKI_API int encodeToBER_CS(ASN1_UNIT *out, int n, int type, void *value, int 
  * stays the caller's; passed as TYPE_ASN1_UNIT it is taken over and released, on success only. On failure `seq` is
  * cleaned. Code: F_ADD_TO_BER_SEQUENCE with ERR_INVALID_ENCODE_INPUT. */
 VELPKI_API int addToBERSequence(ASN1_UNIT *seq, int type, void *value, int length, int form) VELPKI_NOEXCEPT;
-
 /** Does what addToBERSequence does; a type that is not constructed, with length 0, makes an empty list. Code:
  * F_ADD_TO_BER_SEQUENCE_OF with ERR_INVALID_ENCODE_INPUT.
  * @warning The empty list has the primitive identifier 10, which standard decoders refuse, and children that `seq` had
@@ -88,11 +83,9 @@ VELPKI_API int addToBERSet(ASN1_UNIT *seq, int type, void *value, int length, in
  * @warning The empty list has the primitive identifier 11, and elements are not sorted. addToDERSetOf_strict writes 31
  * 00 and sorts. */
 VELPKI_API int addToBERSetOf(ASN1_UNIT *seq, int type, void *value, int length, int form) VELPKI_NOEXCEPT;
-
 /** Does what addToBERSequence does, and gives `seq` the identifier A0 + n (EXPLICIT, constructed); n is 0 to 30. Code:
  * F_ADD_TO_BER_SEQUENCE_CS with ERR_INVALID_ENCODE_INPUT. */
 VELPKI_API int addToBERSequence_CS(ASN1_UNIT *seq, int n, int type, void *value, int length, int form) VELPKI_NOEXCEPT;
-
 /** Appends a segment to a constructed string (X.690 8.7.3); of a BIT STRING only the last segment may have unused bits.
  * Code: F_ADD_TO_BER_STRING_SEQUENCE with ERR_INVALID_ENCODE_INPUT. */
 VELPKI_API int addToBERStringSequence(ASN1_UNIT *seq, int type, void *value, int length, int form) VELPKI_NOEXCEPT;
@@ -103,7 +96,6 @@ VELPKI_API int addToBERStringSequence(ASN1_UNIT *seq, int type, void *value, int
 /** Rewrites the length octets of a finished unit: form 0 short (refused from 128 on), 1 long, 2 indefinite (constructed
  * units only). Code: F_SET_BER_LENGTH_FORM with ERR_INVALID_ENCODE_INPUT; the unit is then as it was. */
 VELPKI_API int setBERLengthForm(ASN1_UNIT *unit, int form) VELPKI_NOEXCEPT;
-
 /** ORs a text of exactly `unused_bits` characters "0" and "1" into the unused bits of the last octet, the first
  * character at the highest of them. Code: F_ADD_PAD_TO_BER_BIT_STRING with ERR_INVALID_ENCODE_INPUT; the string is
  * then as it was. */
@@ -118,7 +110,6 @@ VELPKI_API int addPadToBERBitString(ASN1_STRING *bit_string, const char *text) V
  * @warning They are given no length and believe the encoding's own: for octets of a stranger call the `_n` form, which
  * takes the octets available and never reads past them, or a navigator. */
 VELPKI_API unsigned char *decodeToBERBoolean(const unsigned char *encoded) VELPKI_NOEXCEPT;
-
 /** Decodes an INTEGER to a new number, released with PKV_Free_BIGINT.
  * @warning Content is read as an unsigned magnitude: FF gives 255. decodeToBERInteger_strict refuses negative and
  * padded content. And the octets are believed; see decodeToBERBoolean. */
@@ -127,10 +118,8 @@ VELPKI_API BIGINT *decodeToBERInteger(const unsigned char *encoded) VELPKI_NOEXC
 VELPKI_API BIGINT *decodeToBEREnumerated(const unsigned char *encoded) VELPKI_NOEXCEPT;
 VELPKI_API ASN1_STRING *decodeToBERBitString(const unsigned char *encoded) VELPKI_NOEXCEPT;
 VELPKI_API ASN1_STRING *decodeToBEROctetString(const unsigned char *encoded) VELPKI_NOEXCEPT;
-
 /** Returns a new block of four octets, released with PKV_Free, for any input that is not null. */
 VELPKI_API void *decodeToBERNull(const unsigned char *encoded) VELPKI_NOEXCEPT;
-
 /** Decodes an OBJECT IDENTIFIER to dotted text of at most 99 characters, arcs up to 2147483647; null beyond.
  * @warning A single subidentifier leaves a trailing dot: 51 gives "2.1.". decodeToBERObjectIdentifier_RFC5280 takes
  * any size and leaves no dot. And the octets are believed; see decodeToBERBoolean. */
@@ -142,10 +131,8 @@ VELPKI_API ASN1_STRING *decodeToBERIA5String(const unsigned char *encoded) VELPK
 VELPKI_API ASN1_STRING *decodeToBERBMPString(const unsigned char *encoded) VELPKI_NOEXCEPT;
 VELPKI_API ASN1_STRING *decodeToBERUTCTime(const unsigned char *encoded) VELPKI_NOEXCEPT;
 VELPKI_API ASN1_STRING *decodeToBERGENERALIZEDTime(const unsigned char *encoded) VELPKI_NOEXCEPT;
-
 /** Copies the whole encoding of a value into a new unit, whatever its type. See the warning at decodeToBERBoolean. */
 VELPKI_API ASN1_UNIT *decodeToBERSequence(const unsigned char *encoded) VELPKI_NOEXCEPT;
-
 /** Decodes a value as a string whose `type` is the identifier octet found; null for a universal type that this library
  * does not know. See the warning at decodeToBERBoolean. */
 VELPKI_API ASN1_STRING *decodeToBERASN1String(const unsigned char *encoded) VELPKI_NOEXCEPT;
@@ -179,7 +166,6 @@ VELPKI_API ASN1_STRING *decodeToBERBMPString_n(const unsigned char *encoded, int
 VELPKI_API ASN1_STRING *decodeToBERUTCTime_n(const unsigned char *encoded, int available) VELPKI_NOEXCEPT;
 VELPKI_API ASN1_STRING *decodeToBERGENERALIZEDTime_n(const unsigned char *encoded, int available) VELPKI_NOEXCEPT;
 VELPKI_API ASN1_UNIT *decodeToBERSequence_n(const unsigned char *encoded, int available) VELPKI_NOEXCEPT;
-
 /** Copies a value into a new unit as decodeToBERSequence_n does, but measures indefinite lengths by X.690 8.1.3.6 alone
  * and refuses them on primitive values. */
 VELPKI_API ASN1_UNIT *decodeToBERSequence_strict(const unsigned char *encoded, int available) VELPKI_NOEXCEPT;
@@ -198,7 +184,6 @@ VELPKI_API void *getBERChildAt(const ASN1_UNIT *unit, int index, int type) VELPK
 /** Returns the child at an index as getBERChildAt does, but only where its identifier octet is `identifier`.
  * TYPE_ASN1_UNIT takes any child as a unit. */
 VELPKI_API void *getBERChildAt_strict(const ASN1_UNIT *unit, int index, int identifier, int type) VELPKI_NOEXCEPT;
-
 /** Walks: with 0 in `*cursor` it takes the child at `index`, with any other value the child after the one that starts
  * at that offset of the content. `*cursor` receives the offset of the child returned and is unchanged on null. A null
  * `cursor` makes it getBERChildAt.
@@ -308,14 +293,12 @@ VELPKI_API BIT_STRING *binaryToBIT_STRING(const unsigned char *data, int length)
  * without memory, with `to` unchanged. */
 VELPKI_API UTC_TIME *copy_UTC_TIME(UTC_TIME *to, const UTC_TIME *from) VELPKI_NOEXCEPT;
 VELPKI_API GENERALIZED_TIME *copy_GENERALIZED_TIME(GENERALIZED_TIME *to, const GENERALIZED_TIME *from) VELPKI_NOEXCEPT;
-
 /** Shifts a time by seconds in place; form and offset of the text stay. Codes: F_ADD_UTC_TIME with reason 49 (null) or
  * 2B (unreadable, or the result is out of range), the value then unchanged. */
 VELPKI_API int add_UTC_TIME(UTC_TIME *time, long long seconds) VELPKI_NOEXCEPT;
 /** Shifts a time by seconds in place; form, fraction and offset of the text stay. Codes: F_ADD_TIME with reason 49
  * (null) or 2B (unreadable, or the result is out of range), the value then unchanged. */
 VELPKI_API int add_GENERALIZED_TIME(GENERALIZED_TIME *time, long long seconds) VELPKI_NOEXCEPT;
-
 /** Compares the instants of two texts: 1 when `a` is later, 0 when equal, -1 when earlier.
  * @warning -1 too when either cannot be read: it is no ordering function. */
 VELPKI_API int cmp_UTC_TIME(const UTC_TIME *a, const UTC_TIME *b) VELPKI_NOEXCEPT;

@@ -21,7 +21,6 @@ VELPKI_BEGIN
  * @warning checkDER changes the caller's value: a BOOLEAN octet, and a UTCTime, whose offset is dropped.
  * encodeToDER_strict does neither. */
 VELPKI_API int encodeToDER(ASN1_UNIT *out, int type, void *value, int length) VELPKI_NOEXCEPT;
-
 /** Encodes a value and leaves it as it is. UTCTime and GeneralizedTime are written as YY(YY)MMDDHHMMSSZ with the offset
  * applied, BOOLEAN as 00 or FF, and a BIT STRING whose unused bits are not zero is refused. Code: F_ENCODE_TO_DER with
  * ERR_INVALID_ENCODE_INPUT. */
@@ -36,7 +35,6 @@ VELPKI_API int encodeToDER_CS(ASN1_UNIT *out, int n, int type, void *value, int 
 /** Appends a child as addToBERSequence does, with its rules of ownership, in the shortest length form. Code:
  * F_ADD_TO_DER_SEQUENCE with ERR_INVALID_ENCODE_INPUT, and `seq` is then clean. */
 VELPKI_API int addToDERSequence(ASN1_UNIT *seq, int type, void *value, int length) VELPKI_NOEXCEPT;
-
 /** Appends an element as addToBERSequenceOf does. Code: F_ADD_TO_DER_SEQUENCE_OF with ERR_INVALID_ENCODE_INPUT.
  * @warning As in ber.h an empty list has the primitive identifier 10; addToDERSequenceOf_strict writes 30 00. */
 VELPKI_API int addToDERSequenceOf(ASN1_UNIT *seq, int type, void *value, int length) VELPKI_NOEXCEPT;
@@ -77,7 +75,6 @@ VELPKI_API OBJECT_IDENTIFIER *decodeToDERObjectIdentifier(const unsigned char *e
 VELPKI_API BIGINT *decodeToDEREnumerated(const unsigned char *encoded) VELPKI_NOEXCEPT;
 VELPKI_API ASN1_STRING *decodeToDERUTF8String(const unsigned char *encoded) VELPKI_NOEXCEPT;
 VELPKI_API ASN1_UNIT *decodeToDERSequence(const unsigned char *encoded) VELPKI_NOEXCEPT;
-
 /** Copies one DER value that fills `length` octets into a new unit: definite and minimal lengths at every level, and
  * nothing left over. Null otherwise. */
 VELPKI_API ASN1_UNIT *decodeToDERSequence_strict(const unsigned char *encoded, int length) VELPKI_NOEXCEPT;

@@ -22,7 +22,6 @@ typedef struct {
 /** A new record names no certificate. */
 VELPKI_API ISSUER_AND_SERIAL_NUMBER *new_ISSUER_AND_SERIAL_NUMBER(void) VELPKI_NOEXCEPT;
 VELPKI_API void free_ISSUER_AND_SERIAL_NUMBER(ISSUER_AND_SERIAL_NUMBER *p) VELPKI_NOEXCEPT;
-
 /** Encodes in house form. Codes: F_ISSUER_AND_SERIAL_NUMBER_TO_SEQ with 49, 3C or ERR_ASN1_ENCODING.
  * @warning A member that is null is left out; Seq_to_ISSUER_AND_SERIAL_NUMBER does not read such a value back. */
 VELPKI_API int ISSUER_AND_SERIAL_NUMBER_to_Seq(const ISSUER_AND_SERIAL_NUMBER *in, ASN1_UNIT **out) VELPKI_NOEXCEPT;
@@ -36,7 +35,6 @@ VELPKI_API int Seq_to_ISSUER_AND_SERIAL_NUMBER(ASN1_UNIT *in, ISSUER_AND_SERIAL_
  * member is missing, else what cmp_X509_NAME says. */
 VELPKI_API int cmp_ISSUER_AND_SERIAL_NUMBER(const X509_CERT *cert,
                                             const ISSUER_AND_SERIAL_NUMBER *record) VELPKI_NOEXCEPT;
-
 /** Lends the first certificate of the list that the record names; null when there is none. */
 VELPKI_API X509_CERT *find_X509_CERT_by_IssuerAndSerialNumber(const X509_CERTIFICATES *certs,
                                                               const ISSUER_AND_SERIAL_NUMBER *record) VELPKI_NOEXCEPT;

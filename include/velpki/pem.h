@@ -30,11 +30,9 @@ VELPKI_API int encode_PEM(const unsigned char *data, int length, const char *lab
  * @warning It expects the BEGIN line at the start: text before it, header lines and an empty body give nothing or,
  * with a length, wrong octets; only the first block is seen. decode_PEM_strict and decode_PEM_ex have none of this. */
 VELPKI_API int decode_PEM(const char *text, int length, unsigned char **out) VELPKI_NOEXCEPT;
-
 /** Decodes text that is exactly one block: the BEGIN line first, strict Base64, an END line of the same label, and only
  * line ends after it. */
 VELPKI_API int decode_PEM_strict(const char *text, int length, unsigned char **out) VELPKI_NOEXCEPT;
-
 /** Decodes the next block of a text of any number of blocks with anything between them. `wanted` is the label of the
  * blocks to stop at, or null for any. Blanks inside the Base64 are skipped; header lines are refused.
  *

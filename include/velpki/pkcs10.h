@@ -108,7 +108,6 @@ VELPKI_API ASN1_STRING *get_PKCS10_X509_REQ_sig_value(const PKCS10_X509_REQ *req
  * when `info` is not 0; null, with 0 in `*length`, for one that was built or changed. */
 VELPKI_API const unsigned char *get_PKCS10_X509_REQ_received(const PKCS10_X509_REQ *req, int info,
                                                              int *length) VELPKI_NOEXCEPT;
-
 /** Inserts a deep copy of an attribute; a position outside the list, which is made when there is none, appends. */
 VELPKI_API int add_PKCS10_X509_REQ_attribute(PKCS10_X509_REQ *req, const X509_ATTRIBUTE *attribute,
                                              int position) VELPKI_NOEXCEPT;

@@ -28,7 +28,6 @@ typedef struct {
 VELPKI_API STACK *new_STACK(void) VELPKI_NOEXCEPT;
 /** Makes an empty stack of four slots with a comparator, which may be null. */
 VELPKI_API STACK *new_STACK_compare_func(int (*compare)(const void *, const void *)) VELPKI_NOEXCEPT;
-
 /** Makes a second list of the same elements, with the same comparator.
  * @warning free_STACK_values on both releases them twice. */
 VELPKI_API STACK *dup_STACK(const STACK *stack) VELPKI_NOEXCEPT;
@@ -41,12 +40,10 @@ VELPKI_API STACK *dup_STACK(const STACK *stack) VELPKI_NOEXCEPT;
 VELPKI_API int insert_STACK_value(STACK *stack, void *element, int position) VELPKI_NOEXCEPT;
 /** Appends an element; the results of insert_STACK_value. */
 VELPKI_API int push_STACK_value(STACK *stack, void *element) VELPKI_NOEXCEPT;
-
 /** Takes the element at a position out and returns it; null for a position outside the list. */
 VELPKI_API void *remove_STACK_value(STACK *stack, int position) VELPKI_NOEXCEPT;
 /** Takes the last element out and returns it; null for an empty list. */
 VELPKI_API void *pop_STACK_value(STACK *stack) VELPKI_NOEXCEPT;
-
 /** Replaces the element at a position and returns the new one; null for a position outside the list.
  * @warning The sorted flag stays as it is, and the old element is not released. */
 VELPKI_API void *set_STACK_value(STACK *stack, void *element, int position) VELPKI_NOEXCEPT;
@@ -79,7 +76,6 @@ VELPKI_API int is_STACK_sorted(const STACK *stack) VELPKI_NOEXCEPT;
  * @{ */
 /** Releases the list, not its elements. */
 VELPKI_API void free_STACK(STACK *stack) VELPKI_NOEXCEPT;
-
 /** Clears each slot and calls `release` on its element if that is not null, then releases the list. A null `release`
  * leaves the elements. */
 VELPKI_API void free_STACK_values(STACK *stack, void (*release)(void *)) VELPKI_NOEXCEPT;

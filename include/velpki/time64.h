@@ -21,7 +21,6 @@ VELPKI_BEGIN
  * the offset field is not used.
  * @warning -1 is an instant too, 1969-12-31 23:59:59: set errno to 0 before the call to tell it from failure. */
 VELPKI_API long long timegm64(const struct tm *fields) VELPKI_NOEXCEPT;
-
 /** Reads the fields as local time, as mktime does: it normalises them and obeys `tm_isdst`.
  * @warning -1 is an instant too, 1969-12-31 23:59:59 UTC: set errno to 0 before the call to tell it from failure. */
 VELPKI_API long long mktime64(struct tm *fields) VELPKI_NOEXCEPT;
@@ -31,7 +30,6 @@ VELPKI_API long long mktime64(struct tm *fields) VELPKI_NOEXCEPT;
  * @{ */
 /** Writes the fields of an instant, in seconds since 1970-01-01 00:00:00 UTC, in UTC and returns `out`. */
 VELPKI_API struct tm *gmtime64(const long long *seconds, struct tm *out) VELPKI_NOEXCEPT;
-
 /** Writes the fields in the machine's zone and returns `out`. Outside 1971 to 2037 the zone's rules of a year from 2010
  * to 2037 with the same calendar are taken. */
 VELPKI_API struct tm *localtime64(const long long *seconds, struct tm *out) VELPKI_NOEXCEPT;

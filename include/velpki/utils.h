@@ -19,7 +19,6 @@ VELPKI_API void print_hex_no_nl(const unsigned char *data, int length) VELPKI_NO
 VELPKI_API void print_hex_nl(const unsigned char *data, int length) VELPKI_NOEXCEPT;
 /** Does what print_hex_nl does. */
 VELPKI_API void print_hex(const unsigned char *data, int length) VELPKI_NOEXCEPT;
-
 /** Writes 16 octets a line: offset, hexadecimal, and the text with "." for octets that are not printable. */
 VELPKI_API void dump_hex(const unsigned char *data, int length) VELPKI_NOEXCEPT;
 /** @} */

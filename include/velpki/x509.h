@@ -1,9 +1,11 @@
 /** @file velpki/x509.h
  * Names, algorithm identifiers, attributes, extension records, public keys and certificates (RFC 5280).
  *
- * Start with readPEM_X509_CERT_from_File, the getters of a certificate, verify_SIG_X509_CERT_RFC5280 and
- * verify_X509_validity_RFC5280; a path of certificates is validated by cpv_validate.h. What stands inside the
- * extensions is in x509v3.h, revocation lists in x509_crl.h, requests in pkcs10.h.
+ * Start with readPEM_X509_CERT_from_File, or with readDER_X509_CERT_from_Binary_RFC5280, which takes every certificate
+ * of the standard and not only those with the keys and names of the house form; then the getters of a certificate,
+ * verify_SIG_X509_CERT_RFC5280 and verify_X509_validity_RFC5280. A path of certificates is validated by
+ * cpv_validate.h. What stands inside the extensions is in x509v3.h, revocation lists in x509_crl.h, requests in
+ * pkcs10.h.
  *
  * Families (new_, free_, clean_, dup_, X_to_Seq, Seq_to_X, and the eight readers and writers of DER and PEM) behave as
  * docs/conventions.md says of SAMPLE. Codes: each function's own with reason 49, 3C, ERR_ASN1_ENCODING or
@@ -168,12 +170,10 @@ VELPKI_API X509_NAME_CHILD *get_X509_NAME_CHILD(const X509_NAME *name, int index
 VELPKI_API OBJECT_IDENTIFIER *get_X509_NAME_CHILD_OID(const X509_NAME_CHILD *child) VELPKI_NOEXCEPT;
 /** Lends the value of a child. */
 VELPKI_API ASN1_STRING *get_X509_NAME_CHILD_data(const X509_NAME_CHILD *child) VELPKI_NOEXCEPT;
-
 /** Returns the first index after `last` (from 0 when it is negative) whose type equals `oid`; -1 when there is none.
  * Passing the result back finds the next one. */
 VELPKI_API int get_X509_NAME_index_by_OID(const X509_NAME *name, const OBJECT_IDENTIFIER *oid,
                                           int last) VELPKI_NOEXCEPT;
-
 /** Inserts a deep copy, appending when `position` is below 0 or above the count; 0, or 1 on failure. */
 VELPKI_API int add_X509_NAME_child(X509_NAME *name, const X509_NAME_CHILD *child, int position) VELPKI_NOEXCEPT;
 /** Inserts a child of a type, a string type (TYPE_UTF8_STRING ...) and octets; a negative length measures
@@ -201,7 +201,6 @@ VELPKI_API void remove_X509_NAME_child(X509_NAME *name, int index) VELPKI_NOEXCE
 /** Digests the DER octets of a name into `out`, which has PKV_MAX_DIGEST_LENGTH octets, and returns the digest's length
  * in octets; -1 for null, an empty name and any failure. */
 VELPKI_API int get_X509_NAME_hash(const X509_NAME *name, int digest_id, unsigned char *out) VELPKI_NOEXCEPT;
-
 /** Returns 0 when both names have the same DER octets, 1 when either is null or cannot be encoded, else -1. It is no
  * ordering function.
  * @warning Text that differs only in string type, case or spaces compares unequal; cmp_X509_NAME_RFC5280 compares as
@@ -210,7 +209,6 @@ VELPKI_API int cmp_X509_NAME(const X509_NAME *a, const X509_NAME *b) VELPKI_NOEX
 /** Compares as RFC 5280 7.1 says (case and spaces folded, any string type, each RDN as a set): 0 when equal, 1 for
  * null, else -1. It is no ordering function. */
 VELPKI_API int cmp_X509_NAME_RFC5280(const X509_NAME *a, const X509_NAME *b) VELPKI_NOEXCEPT;
-
 /** Writes "  - CN=..." lines to standard output; control characters are made visible. */
 VELPKI_API void print_X509_NAME(const X509_NAME *name) VELPKI_NOEXCEPT;
 /** @} */
@@ -231,7 +229,6 @@ VELPKI_API int X509_NAME_to_Seq_RFC5280(const X509_NAME *in, ASN1_UNIT **out) VE
 /** Decodes a name with its multi-valued and empty RDNs, and with values of every string type. Codes of
  * Seq_to_X509_NAME. */
 VELPKI_API int Seq_to_X509_NAME_RFC5280(ASN1_UNIT *in, X509_NAME **out) VELPKI_NOEXCEPT;
-
 /** Decodes a name in standard form that has one attribute in each RDN; F_SEQ_TO_X509_NAME with ERR_MULTIVALUED_RDN for
  * any other, or the codes of Seq_to_X509_NAME. */
 VELPKI_API int Seq_to_X509_NAME_strict(ASN1_UNIT *in, X509_NAME **out) VELPKI_NOEXCEPT;
@@ -243,7 +240,6 @@ VELPKI_API int Seq_to_X509_NAME_strict(ASN1_UNIT *in, X509_NAME **out) VELPKI_NO
 VELPKI_API X509_ALGO_IDENTIFIER *new_X509_ALGO_IDENTIFIER(void) VELPKI_NOEXCEPT;
 VELPKI_API void free_X509_ALGO_IDENTIFIER(X509_ALGO_IDENTIFIER *p) VELPKI_NOEXCEPT;
 VELPKI_API X509_ALGO_IDENTIFIER *dup_X509_ALGO_IDENTIFIER(const X509_ALGO_IDENTIFIER *p) VELPKI_NOEXCEPT;
-
 /** Stores copies of OID and parameters; 0, or 1 (unchanged) for a null identifier or OID or a failed copy.
  * @warning Null parameters store an explicit NULL, which ECDSA, EdDSA and PSS must not have;
  * set_X509_ALGO_IDENTIFIER_value_RFC5280 leaves them out. */
@@ -252,7 +248,6 @@ VELPKI_API int set_X509_ALGO_IDENTIFIER_value(X509_ALGO_IDENTIFIER *identifier, 
 /** Stores copies of OID and parameters, which are absent when null; results as set_X509_ALGO_IDENTIFIER_value. */
 VELPKI_API int set_X509_ALGO_IDENTIFIER_value_RFC5280(X509_ALGO_IDENTIFIER *identifier, const OBJECT_IDENTIFIER *oid,
                                                       const ASN1_STRING *parameters) VELPKI_NOEXCEPT;
-
 /** Encodes into `*out`, which it refills when it holds a unit. Codes: F_X509_ALGO_IDENTIFIER_TO_SEQ with 49, 3C or
  * ERR_ASN1_ENCODING. */
 VELPKI_API int X509_ALGO_IDENTIFIER_to_Seq(const X509_ALGO_IDENTIFIER *in, ASN1_UNIT **out) VELPKI_NOEXCEPT;
@@ -266,14 +261,12 @@ VELPKI_API int Seq_to_X509_ALGO_IDENTIFIER(ASN1_UNIT *in, X509_ALGO_IDENTIFIER *
 /** A list owns its elements, and is empty when new. */
 VELPKI_API X509_ALGO_IDENTIFIERS *new_X509_ALGO_IDENTIFIERS(void) VELPKI_NOEXCEPT;
 VELPKI_API void free_X509_ALGO_IDENTIFIERS(X509_ALGO_IDENTIFIERS *p) VELPKI_NOEXCEPT;
-
 /** Makes a second list of the same elements. Each list is released with its own free_.
  * @warning The elements are shared: a change to one shows in both lists. dup_X509_ALGO_IDENTIFIERS_strict copies them.
  */
 VELPKI_API X509_ALGO_IDENTIFIERS *dup_X509_ALGO_IDENTIFIERS(const X509_ALGO_IDENTIFIERS *p) VELPKI_NOEXCEPT;
 /** Makes a deep copy. */
 VELPKI_API X509_ALGO_IDENTIFIERS *dup_X509_ALGO_IDENTIFIERS_strict(const X509_ALGO_IDENTIFIERS *p) VELPKI_NOEXCEPT;
-
 /** Encodes a SET OF AlgorithmIdentifier, in list order, into `*out`, which it refills when it holds a unit. Codes:
  * F_X509_ALGO_IDENTIFIERS_TO_SEQ, or the element's. */
 VELPKI_API int X509_ALGO_IDENTIFIERS_to_Seq(const X509_ALGO_IDENTIFIERS *in, ASN1_UNIT **out) VELPKI_NOEXCEPT;
@@ -290,7 +283,6 @@ VELPKI_API X509_ATTRIBUTE *dup_X509_ATTRIBUTE(const X509_ATTRIBUTE *p) VELPKI_NO
 VELPKI_API X509_ATTRIBUTE_DATA *new_X509_ATTRIBUTE_DATA(void) VELPKI_NOEXCEPT;
 VELPKI_API void free_X509_ATTRIBUTE_DATA(X509_ATTRIBUTE_DATA *p) VELPKI_NOEXCEPT;
 VELPKI_API X509_ATTRIBUTE_DATA *dup_X509_ATTRIBUTE_DATA(const X509_ATTRIBUTE_DATA *p) VELPKI_NOEXCEPT;
-
 /** Stores a copy of the OID; 0, or 1 on failure. */
 VELPKI_API int set_X509_ATTRIBUTE_OID(X509_ATTRIBUTE *attribute, const OBJECT_IDENTIFIER *oid) VELPKI_NOEXCEPT;
 /** Appends a copy of a value under an identifier octet. `value` is an ASN1_UNIT when `type` has bit 0x20, else an
@@ -308,7 +300,6 @@ VELPKI_API int get_X509_ATTRIBUTE_count(const X509_ATTRIBUTE *attribute) VELPKI_
 VELPKI_API int get_X509_ATTRIBUTE_data_type(const X509_ATTRIBUTE *attribute, int index) VELPKI_NOEXCEPT;
 /** Lends the value at an index, of the type that get_X509_ATTRIBUTE_data_type says; or null. */
 VELPKI_API void *get_X509_ATTRIBUTE_data(const X509_ATTRIBUTE *attribute, int index) VELPKI_NOEXCEPT;
-
 /** Sets the OID of `*attribute` and adds a value, as add_X509_ATTRIBUTE_data does; when the address or what it holds is
  * null it makes a new attribute, stored at a non-null address. It returns the attribute; null on failure, with the
  * caller's attribute unchanged. */
@@ -329,7 +320,6 @@ VELPKI_API X509_ATTRIBUTES *dup_X509_ATTRIBUTES(const X509_ATTRIBUTES *p) VELPKI
 VELPKI_API int get_X509_ATTRIBUTES_count(const X509_ATTRIBUTES *list) VELPKI_NOEXCEPT;
 /** Lends the attribute at an index, or null. */
 VELPKI_API X509_ATTRIBUTE *get_X509_ATTRIBUTES_child(const X509_ATTRIBUTES *list, int index) VELPKI_NOEXCEPT;
-
 /** Inserts a deep copy; a position outside the list appends. 0, or 1 on failure. */
 VELPKI_API int add_X509_ATTRIBUTES_child(X509_ATTRIBUTES *list, const X509_ATTRIBUTE *attribute,
                                          int position) VELPKI_NOEXCEPT;
@@ -349,7 +339,6 @@ VELPKI_API int add_X509_ATTRIBUTES_OID_INDEX(X509_ATTRIBUTES *list, int oid_inde
 VELPKI_API int X509_ATTRIBUTE_to_Seq(const X509_ATTRIBUTE *in, ASN1_UNIT **out) VELPKI_NOEXCEPT;
 /** Decodes Attribute. Codes: F_SEQ_TO_X509_ATTRIBUTE. */
 VELPKI_API int Seq_to_X509_ATTRIBUTE(ASN1_UNIT *in, X509_ATTRIBUTE **out) VELPKI_NOEXCEPT;
-
 /** Encodes a SET OF Attribute into `*out`, which it refills when it holds a unit. Codes: F_X509_ATTRIBUTES_TO_SEQ, or
  * the attribute's.
  * @warning The order of the list and of the values is kept, which is DER only when they are sorted;
@@ -368,7 +357,6 @@ VELPKI_API int Seq_to_X509_ATTRIBUTES(ASN1_UNIT *in, X509_ATTRIBUTES **out) VELP
 VELPKI_API X509_EXTENSION *new_X509_EXTENSION(void) VELPKI_NOEXCEPT;
 VELPKI_API void free_X509_EXTENSION(X509_EXTENSION *p) VELPKI_NOEXCEPT;
 VELPKI_API X509_EXTENSION *dup_X509_EXTENSION(const X509_EXTENSION *p) VELPKI_NOEXCEPT;
-
 /** Stores a copy of the OID; 0, or 1 on failure. */
 VELPKI_API int set_X509_EXTENSION_object(X509_EXTENSION *extension, const OBJECT_IDENTIFIER *oid) VELPKI_NOEXCEPT;
 /** Stores 0, or 1 for any other number; 1 for a null extension. */
@@ -381,7 +369,6 @@ VELPKI_API OBJECT_IDENTIFIER *get_X509_EXTENSION_object(const X509_EXTENSION *ex
 VELPKI_API ASN1_STRING *get_X509_EXTENSION_data(const X509_EXTENSION *extension) VELPKI_NOEXCEPT;
 /** Returns 1 for a critical extension; 0 for another and for null. */
 VELPKI_API int get_X509_EXTENSION_critical(const X509_EXTENSION *extension) VELPKI_NOEXCEPT;
-
 /** Makes an extension of copies. It replaces the content of `*extension`; when the address or what it holds is null it
  * makes a new one, stored at a non-null address. It returns the extension; null on failure, with the caller's
  * unchanged. */
@@ -409,12 +396,10 @@ VELPKI_API int get_X509_EXTENSION_count(const X509_EXTENSIONS *list) VELPKI_NOEX
 VELPKI_API X509_EXTENSION *get_X509_EXTENSION(const X509_EXTENSIONS *list, int index) VELPKI_NOEXCEPT;
 /** Takes the extension at an index out and releases it. */
 VELPKI_API void remove_X509_EXTENSION(X509_EXTENSIONS *list, int index) VELPKI_NOEXCEPT;
-
 /** Inserts a deep copy into the list at `*list`, which it makes when that is null; a position outside the list appends.
  * 0, or 1 on failure. */
 VELPKI_API int add_X509_EXTENSION(X509_EXTENSIONS **list, const X509_EXTENSION *extension,
                                   int position) VELPKI_NOEXCEPT;
-
 /** Returns the first index after `last` (from 0 when it is negative) with that OID, or -1. */
 VELPKI_API int get_X509_EXTENSION_index_by_OID(const X509_EXTENSIONS *list, const OBJECT_IDENTIFIER *oid,
                                                int last) VELPKI_NOEXCEPT;
@@ -424,7 +409,6 @@ VELPKI_API int get_X509_EXTENSION_index_by_OID_index(const X509_EXTENSIONS *list
 /** Encodes SEQUENCE OF Extension, an empty one too, into `*out`, which it refills when it holds a unit. Codes:
  * F_X509_EXT_TO_SEQ. */
 VELPKI_API int X509_EXTENSIONS_to_Seq(const X509_EXTENSIONS *in, ASN1_UNIT **out) VELPKI_NOEXCEPT;
-
 /** Decodes SEQUENCE OF Extension. Codes: F_SEQ_TO_X509_EXT.
  * @warning Duplicates, an empty list and a written FALSE are taken; Seq_to_X509_EXTENSIONS_strict refuses them. */
 VELPKI_API int Seq_to_X509_EXTENSIONS(ASN1_UNIT *in, X509_EXTENSIONS **out) VELPKI_NOEXCEPT;
@@ -439,10 +423,8 @@ VELPKI_API int Seq_to_X509_EXTENSIONS_strict(ASN1_UNIT *in, X509_EXTENSIONS **ou
 VELPKI_API ASYMMETRIC_KEY *new_ASYMMETRIC_KEY(void) VELPKI_NOEXCEPT;
 VELPKI_API void free_ASYMMETRIC_KEY(ASYMMETRIC_KEY *p) VELPKI_NOEXCEPT;
 VELPKI_API ASYMMETRIC_KEY *dup_ASYMMETRIC_KEY(const ASYMMETRIC_KEY *p) VELPKI_NOEXCEPT;
-
 /** Compares types, public values and domain: 0 equal, 1 not (also for null and empty keys). */
 VELPKI_API int cmp_ASYMMETRIC_KEY(const ASYMMETRIC_KEY *a, const ASYMMETRIC_KEY *b) VELPKI_NOEXCEPT;
-
 /** Wraps a copy of an RSA key in a new record; null for null. */
 VELPKI_API ASYMMETRIC_KEY *RSA_UNIT_to_ASYMMETRIC_KEY(RSA_UNIT *key) VELPKI_NOEXCEPT;
 /** Wraps a copy of a KCDSA key in a new record; null for null. */
@@ -465,7 +447,6 @@ VELPKI_API void free_X509_PUBKEY(X509_PUBKEY *p) VELPKI_NOEXCEPT;
 VELPKI_API X509_PUBKEY *dup_X509_PUBKEY(const X509_PUBKEY *p) VELPKI_NOEXCEPT;
 /** Compares algorithms and keys, and the octets of keys that are not known: 0 equal, 1 not (also for null). */
 VELPKI_API int cmp_X509_PUBKEY(const X509_PUBKEY *a, const X509_PUBKEY *b) VELPKI_NOEXCEPT;
-
 /** Fills a record from an RSA key, of which only the public numbers are stored; 0, or 1 (unchanged). */
 VELPKI_API int set_X509_PUBKEY_rsa(X509_PUBKEY *pubkey, RSA_UNIT *key) VELPKI_NOEXCEPT;
 /** Fills a record from a KCDSA key, of which only the public value and the domain are stored; 0, or 1 (unchanged). */
@@ -545,7 +526,6 @@ VELPKI_API int ECC_KEY_to_BITSTRING(ECC_UNIT *in, ASN1_STRING **out) VELPKI_NOEX
 /** Makes a new BIT STRING of 04 and both coordinates, padded to the length of the curve's field (SEC 1 2.3.3). Codes of
  * ECC_KEY_to_BITSTRING. */
 VELPKI_API int ECC_KEY_to_BITSTRING_RFC5280(ECC_UNIT *in, ASN1_STRING **out) VELPKI_NOEXCEPT;
-
 /** Loads the curve of a registry row (415, prime256v1) into `*curve`, which is made when null; 0, or 1 for any other
  * row and on failure. */
 VELPKI_API int set_ECURVE_from_list(ECURVE **curve, int index) VELPKI_NOEXCEPT;
@@ -562,7 +542,6 @@ VELPKI_API int get_X509_PUBLIC_KEY_hash(const X509_CERT *cert, int digest_id, un
  * 5280 4.2.1.2); results as get_X509_PUBLIC_KEY_hash. */
 VELPKI_API int get_X509_PUBLIC_KEY_hash_RFC5280(const X509_CERT *cert, int digest_id,
                                                 unsigned char *out) VELPKI_NOEXCEPT;
-
 /** Tells whether a private key belongs to the certificate's public key: 0, or 1 (another key or type, ECC, null).
  * @warning The public numbers of both are compared. Whether the private numbers fit them PKV_Check_RSA tells, or a
  * signature that is made and verified. */
@@ -580,7 +559,6 @@ VELPKI_API X509_TIME *new_X509_TIME(void) VELPKI_NOEXCEPT;
 VELPKI_API void free_X509_TIME(X509_TIME *p) VELPKI_NOEXCEPT;
 VELPKI_API X509_TIME *dup_X509_TIME(const X509_TIME *p) VELPKI_NOEXCEPT;
 VELPKI_API void clean_X509_TIME(X509_TIME *p) VELPKI_NOEXCEPT;
-
 /** Makes a UTCTime to 2049 and a GeneralizedTime from 2050 on (RFC 5280 4.1.2.5); null for null and for a time that has
  * neither text. `time` is not changed. */
 VELPKI_API X509_TIME *asn1TimeToX509_TIME_RFC5280(const ASN1_TIME *time) VELPKI_NOEXCEPT;
@@ -640,7 +618,6 @@ VELPKI_API X509_TIME *get_X509_notAfter(const X509_CERT *cert) VELPKI_NOEXCEPT;
 VELPKI_API int set_X509_pub_key(X509_CERT *cert, const X509_PUBKEY *pubkey) VELPKI_NOEXCEPT;
 /** Lends the subject's public key. */
 VELPKI_API X509_PUBKEY *get_X509_SPKI(const X509_CERT *cert) VELPKI_NOEXCEPT;
-
 /** Stores a copy of the list, and null takes the list away; 0, or plain 1. */
 VELPKI_API int set_X509_extensions(X509_CERT *cert, const X509_EXTENSIONS *extensions) VELPKI_NOEXCEPT;
 /** Lends the list of extensions; null when there is none. */
@@ -649,7 +626,6 @@ VELPKI_API X509_EXTENSIONS *get_X509_extensions(const X509_CERT *cert) VELPKI_NO
 VELPKI_API OBJECT_IDENTIFIER *get_X509_sig_alg(const X509_CERT *cert) VELPKI_NOEXCEPT;
 /** Lends the signature, a BIT STRING. */
 VELPKI_API ASN1_STRING *get_X509_sig_value(const X509_CERT *cert) VELPKI_NOEXCEPT;
-
 /** Lends the octets that a certificate was decoded from, or signed as by gen_SIG_X509_Cert_RFC5280, its `tbs` part when
  * `tbs` is not 0; null, with 0 in `*length`, for one that was built or changed. */
 VELPKI_API const unsigned char *get_X509_received(const X509_CERT *cert, int tbs, int *length) VELPKI_NOEXCEPT;
@@ -721,7 +697,6 @@ VELPKI_API int gen_RSA_SIG_X509_TBS_CERT(X509_TBS_CERT *tbs, ASN1_STRING *out, c
  * gen_SIG_X509_Cert. */
 VELPKI_API int gen_KCDSA_SIG_X509_TBS_CERT(X509_TBS_CERT *tbs, ASN1_STRING *out, const OBJECT_IDENTIFIER *oid,
                                            KCDSA_UNIT *key) VELPKI_NOEXCEPT;
-
 /** Signs the standard encoding with a private RSA (PKCS#1 v1.5 or PSS), ECDSA or KCDSA key and the digest that the
  * TBS's algorithm names, and keeps the finished octets as if they had been received. The OID of RSASSA-PSS names no
  * digest: it is SHA-256, MGF1 has the same, and the salt its length. Codes: F_GEN_RSASIGN_TBS_CERT with 49, 48 (an
@@ -750,7 +725,6 @@ VELPKI_API int verify_RSA_SIG_X509_CERT(X509_CERT *cert, RSA_UNIT *rsa_key) VELP
 /** Does what verify_SIG_X509_CERT does with a KCDSA key, with its warning; F_VERIFY_KCDSASIGN_TBS_CERT with 49 for
  * null. */
 VELPKI_API int verify_KCDSA_SIG_X509_CERT(X509_CERT *cert, KCDSA_UNIT *kcdsa_key) VELPKI_NOEXCEPT;
-
 /** Verifies the received octets of a decoded certificate with the issuer's public key: RSA (PKCS#1 v1.5 and PSS),
  * ECDSA, Ed25519, KCDSA and DSA, the digest as the algorithm says. PSS takes digest, mask generation and the exact
  * length of the salt from its parameters, which have to be there; a key for id-RSASSA-PSS verifies PSS alone, and only
@@ -761,7 +735,6 @@ VELPKI_API int verify_KCDSA_SIG_X509_CERT(X509_CERT *cert, KCDSA_UNIT *kcdsa_key
  * @warning The strength of a digest or key is not judged: MD5 and SHA-1 verify. And a valid signature says nothing of
  * dates, names and powers; cpv_validate.h judges a path. */
 VELPKI_API int verify_SIG_X509_CERT_RFC5280(const X509_CERT *cert, const X509_PUBKEY *issuer_key) VELPKI_NOEXCEPT;
-
 /** Compares the certificate's dates with a time, null meaning now. Codes: F_VERIFY_X509_VALIDITY with
  * ERR_INVALID_X509_TIME_TYPE, ERR_CERT_NOT_BEFORE and ERR_CERT_NOT_AFTER (unreadable), ERR_INVALID_CERT_NOT_BEFORE and
  * ERR_INVALID_CERT_NOT_AFTER (outside), 49, 3C (no clock).
@@ -794,10 +767,8 @@ VELPKI_API X509_CERTIFICATES *new_X509_CERTIFICATES(void) VELPKI_NOEXCEPT;
 VELPKI_API void free_X509_CERTIFICATES(X509_CERTIFICATES *p) VELPKI_NOEXCEPT;
 /** Appends a deep copy; 0, or 1 on failure. */
 VELPKI_API int add_X509_CERTIFICATES(X509_CERTIFICATES *list, const X509_CERT *cert) VELPKI_NOEXCEPT;
-
 /** Returns the first index whose serial number and whole house encoding equal the certificate's, or -1. */
 VELPKI_API int get_X509_CERTS_index_by_X509_CERT(const X509_CERTIFICATES *certs, const X509_CERT *cert) VELPKI_NOEXCEPT;
-
 /** Encodes SEQUENCE OF Certificate in house form. Codes: F_X509_CERTIFICATES_TO_SEQ, or the certificate's. */
 VELPKI_API int X509_CERTIFICATES_to_Seq(const X509_CERTIFICATES *in, ASN1_UNIT **out) VELPKI_NOEXCEPT;
 /** Decodes SEQUENCE OF Certificate in house form. Codes: F_SEQ_TO_X509_CERTIFICATES, or the certificate's. */
@@ -831,14 +802,12 @@ VELPKI_API int decode_KCDSASignatureValue(unsigned char *r, int *r_length, unsig
  * do not suffice. */
 VELPKI_API int decode_KCDSASignatureValue_n(unsigned char *r, int *r_length, unsigned char *s, int *s_length,
                                             const ASN1_STRING *encoded) VELPKI_NOEXCEPT;
-
 /** Is encode_KCDSASignatureValue under a second spelling. */
 VELPKI_API int encode_KCDSASignatrueValue(const unsigned char *r, int r_length, const unsigned char *s, int s_length,
                                           ASN1_STRING **encoded) VELPKI_NOEXCEPT;
 /** Is decode_KCDSASignatureValue under a second spelling, with its warning. */
 VELPKI_API int decode_KCDSASignatrueValue(unsigned char *r, int *r_length, unsigned char *s, int *s_length,
                                           const ASN1_STRING *encoded) VELPKI_NOEXCEPT;
-
 /** Makes a new BIT STRING of ECDSA-Sig-Value ::= SEQUENCE { r INTEGER, s INTEGER } (RFC 3279 2.2.3), with r and s given
  * as big-endian octets. Codes: F_ENCODE_ECDSA_SIGNATURE_VALUE with 49, 2B, 3C or ERR_ASN1_ENCODING. */
 VELPKI_API int encode_ECDSA_SIGNATURE_VALUE(const unsigned char *r, int r_length, const unsigned char *s, int s_length,

@@ -100,7 +100,6 @@ VELPKI_API int X509_CRL_to_Seq(const X509_CRL *in, ASN1_UNIT **out) VELPKI_NOEXC
 /** Decodes a CRL in house form, and keeps the octets. Codes: F_SEQ_TO_X509_CRL with 49, 3C or ERR_ASN1_DECODING, and
  * those of Seq_to_X509_CRL_INFO. See the warning there. */
 VELPKI_API int Seq_to_X509_CRL(ASN1_UNIT *in, X509_CRL **out) VELPKI_NOEXCEPT;
-
 /** Encodes SEQUENCE OF entries, of which an empty one is refused. Codes: F_X509_REVOKED_TO_SEQ with 49, 3C, 2B (no
  * entries) or ERR_ASN1_ENCODING. */
 VELPKI_API int X509_REVOKED_to_Seq(const STACK *revoked, ASN1_UNIT **out) VELPKI_NOEXCEPT;
@@ -112,7 +111,6 @@ VELPKI_API int X509_CRLS_to_Seq(const X509_CRLS *in, ASN1_UNIT **out) VELPKI_NOE
 /** Decodes SEQUENCE OF CertificateList in house form. A list at `*out` is appended to, all or nothing. Codes:
  * F_SEQ_TO_X509_CRLS, or the CRL's. */
 VELPKI_API int Seq_to_X509_CRLS(ASN1_UNIT *in, X509_CRLS **out) VELPKI_NOEXCEPT;
-
 /** Encodes a CRL in standard form. What was received is written back octet for octet; a CRL that was built or changed
  * gets a version for v2 only, NULL parameters for RSA and KCDSA algorithms, those of SHA-256 for PSS, and none for the
  * others. Codes of X509_CRL_to_Seq. */
@@ -123,7 +121,6 @@ VELPKI_API int Seq_to_X509_CRL_RFC5280(ASN1_UNIT *in, X509_CRL **out) VELPKI_NOE
 /** Reads a CRL as Seq_to_X509_CRL_RFC5280 does, from DER octets; results as asn1_io.h says. */
 VELPKI_API int readDER_X509_CRL_from_Binary_RFC5280(X509_CRL **out, const unsigned char *data,
                                                     int length) VELPKI_NOEXCEPT;
-
 /** Lends the octets that a CRL was decoded from, or signed as by gen_SIG_X509_CRL_RFC5280, its signed part when `tbs`
  * is not 0; null, with 0 in `*length`, for one that was built or changed. */
 VELPKI_API const unsigned char *get_X509_CRL_received(const X509_CRL *crl, int tbs, int *length) VELPKI_NOEXCEPT;
@@ -194,7 +191,6 @@ VELPKI_API X509_TIME *get_X509_REVOKED_revocationDate(const X509_REVOKED *entry)
 VELPKI_API int set_X509_REVOKED_userCert(X509_REVOKED *entry, const BIGINT *serial) VELPKI_NOEXCEPT;
 /** Stores a copy of the date of revocation; 0, or 1 on failure. */
 VELPKI_API int set_X509_REVOKED_revocationDate(X509_REVOKED *entry, const X509_TIME *time) VELPKI_NOEXCEPT;
-
 /** Inserts a deep copy into the list at `*list`, which it makes when that is null; a position outside the list appends.
  * 0, or 1 on failure. The list is not searched for the serial number.
  * @warning The list of a signed CRL is to be signed again after this. */
@@ -206,7 +202,6 @@ VELPKI_API int add_X509_CRL_revoked(X509_CRL *crl, const X509_REVOKED *entry) VE
 /** Takes the entry at an index out and releases it.
  * @warning A signed CRL is to be signed again after this. */
 VELPKI_API void remove_X509_CRL_revoked(X509_CRL *crl, int index) VELPKI_NOEXCEPT;
-
 /** Sorts the entries by serial number and numbers them; 0, or 1 for null.
  * @warning A signed CRL is to be signed again after this. */
 VELPKI_API int sort_X509_CRL_revoked(X509_CRL *crl) VELPKI_NOEXCEPT;
@@ -228,7 +223,6 @@ VELPKI_API X509_EXTENSION *get_X509_REVOKED_ext(const X509_REVOKED *entry, int i
 VELPKI_API void remove_X509_REVOKED_ext(X509_REVOKED *entry, int index) VELPKI_NOEXCEPT;
 /** Inserts a deep copy; a position outside the list, which is made when there is none, appends. 0, or 1 on failure. */
 VELPKI_API int add_X509_REVOKED_ext(X509_REVOKED *entry, const X509_EXTENSION *extension, int position) VELPKI_NOEXCEPT;
-
 /** Reads the reason code (RFC 5280 5.3.1) of the extension at `index`: INT_MAX for a larger one, 0 for an index below 0
  * or outside the list, for another extension and for a value that is none.
  * @warning 0 is also the code "unspecified". get_X509_REVOKED_CRLreason_strict tells them apart. */
@@ -281,7 +275,6 @@ VELPKI_API int verify_SIG_X509_CRL_RFC5280(const X509_CRL *crl, const X509_PUBKE
  * @warning 0 means the entry at index 0 and also that there is none. Issuer, dates and signature of the CRL are not
  * looked at. find_X509_CRL_revoked and check_X509_CRL_revocation_strict are unambiguous. */
 VELPKI_API int verify_CRL_X509_CERT(X509_CRL *crl, X509_CERT *cert) VELPKI_NOEXCEPT;
-
 /** Lends the first entry with a serial number, or null. The first call makes an index (a few octets an entry), which
  * later ones use; any number of threads may search one CRL at a time. Where memory does not suffice for the index, or
  * the list was changed by the functions of stack.h, the list is walked. */

@@ -113,11 +113,11 @@ typedef STACK CRL_DIST_POINTS;
  * decoded. */
 typedef struct {
   DIST_POINT_NAME *distpoint;     /**< null when absent */
-  int onlyContainsUserCerts;      /**< not 0: certificates of no authority */
-  int onlyContainsCACerts;        /**< not 0: certificates of authorities */
+  int onlyContainsUserCerts;      /**< not 0: the list covers certificates of end entities only */
+  int onlyContainsCACerts;        /**< not 0: certificates of authorities only */
   BIT_STRING *onlySomeReasons;    /**< ReasonFlags; null when the list covers all reasons */
   int indirectCRL;                /**< not 0: entries may be of other issuers */
-  int onlyContainsAttributeCerts; /**< neither read nor written in house form */
+  int onlyContainsAttributeCerts; /**< not 0: attribute certificates only; neither read nor written in house form */
 } ISSUING_DIST_POINT;
 
 /** A list of ISSUING_DIST_POINT. */
@@ -192,7 +192,7 @@ typedef STACK GENERAL_SUBTREES;
 
 /** NameConstraints (RFC 5280 4.2.1.10): which names the certificates below may have. */
 typedef struct {
-  GENERAL_SUBTREES *permittedSubtrees; /**< null when absent: then nothing is permitted or refused by it */
+  GENERAL_SUBTREES *permittedSubtrees; /**< null when absent: then every name is permitted that is not excluded */
   GENERAL_SUBTREES *excludedSubtrees;  /**< null when absent */
 } NAME_CONSTRAINTS;
 

@@ -8,7 +8,7 @@ using namespace test;
 
 namespace {
 
-using Certificates = WithKeys;
+using SignedCertificates = WithKeys;
 
 Owned<X509_TIME> time(const char *text) {
   const Time made(charToASN1_TIME(text));
@@ -31,7 +31,7 @@ Certificate unsigned_certificate(int signature_row, bool with_kcdsa) {
   return cert;
 }
 
-TEST_F(Certificates, SignAndVerifyByKeyAndAlgorithm) {
+TEST_F(SignedCertificates, SignAndVerifyByKeyAndAlgorithm) {
   for (const Row &each : table("certificate_signatures")) {
     const int row = number_in(each, "algorithm"), code = code_at(each, "code");
     const bool with_kcdsa = each.at("key") == "kcdsa";
@@ -48,7 +48,7 @@ TEST_F(Certificates, SignAndVerifyByKeyAndAlgorithm) {
   }
 }
 
-TEST_F(Certificates, StandardSigningUsesTheAlgorithmsDigest) {
+TEST_F(SignedCertificates, StandardSigningUsesTheAlgorithmsDigest) {
   const Owned<ASYMMETRIC_KEY> ec_key = new_ec("prime256v1");
   const Owned<ASYMMETRIC_KEY> rsa_private = rsa(), kcdsa_private = kcdsa();
   for (const char *algorithm : {"1.2.840.10045.4.3.2", "1.2.840.10045.4.3.4", "1.2.840.113549.1.1.13",
@@ -74,7 +74,7 @@ TEST_F(Certificates, StandardSigningUsesTheAlgorithmsDigest) {
   }
 }
 
-TEST_F(Certificates, OtherKeysFailPlainly) {
+TEST_F(SignedCertificates, OtherKeysFailPlainly) {
   const Certificate cert = unsigned_certificate(840, false);
   const Owned<ASYMMETRIC_KEY> empty(new_ASYMMETRIC_KEY());
   EXPECT_EQ(gen_SIG_X509_Cert(cert, empty), 1);
@@ -87,7 +87,7 @@ TEST_F(Certificates, OtherKeysFailPlainly) {
   EXPECT_EQ(check_X509_keypair(cert, nullptr), 1);
 }
 
-TEST_F(Certificates, MissingFieldsHaveTheirCodes) {
+TEST_F(SignedCertificates, MissingFieldsHaveTheirCodes) {
   const auto code = [](const X509_CERT *cert) {
     Unit out;
     return X509_CERT_to_Seq(cert, &out);
@@ -140,7 +140,7 @@ TEST(CertificateCodec, WhatIsReadAndWhatIsRefused) {
 }
 
 // Octets that were never signed: the house verification does not see them, the standard one does.
-TEST_F(Certificates, UnsignedChangesAndBothVerifications) {
+TEST_F(SignedCertificates, UnsignedChangesAndBothVerifications) {
   const Certificate cert = unsigned_certificate(668, false);
   ASSERT_EQ(gen_SIG_X509_Cert(cert, rsa()), 0);
   const Bytes der = hex(written(cert));
@@ -169,7 +169,7 @@ TEST_F(Certificates, UnsignedChangesAndBothVerifications) {
   EXPECT_EQ(verify_both(unused).second, F_VERIFY_RSASIGN_TBS_CERT | ERR_UNUSED_BITS);
 }
 
-TEST_F(Certificates, SettersDropWhatWasReceived) {
+TEST_F(SignedCertificates, SettersDropWhatWasReceived) {
   const Certificate cert = read_certificate(CertificateParts().der());
   int length = 0;
   ASSERT_TRUE(get_X509_received(cert, 1, &length));
@@ -205,7 +205,7 @@ TEST(CertificateValidity, BoundsByBothRules) {
   EXPECT_EQ(verify_X509_validity_RFC5280(cert, nullptr), f | ERR_CERT_NOT_BEFORE);
 }
 
-TEST_F(Certificates, OpensslTakesThem) {
+TEST_F(SignedCertificates, OpensslTakesThem) {
   const Certificate cert = unsigned_certificate(668, false);
   set_X509_version(cert, 2);
   ASSERT_EQ(gen_SIG_X509_Cert(cert, rsa()), 0);
@@ -229,7 +229,7 @@ TEST_F(Certificates, OpensslTakesThem) {
 }
 
 TEST(CertificateLists, SearchAndPair) {
-  const test::Certificates list(new_X509_CERTIFICATES());
+  const Certificates list(new_X509_CERTIFICATES());
   CertificateParts other;
   other.serial = TLV(0x02, "06");
   const Certificate a = read_certificate(CertificateParts().der()), b = read_certificate(other.der());

@@ -147,6 +147,10 @@ inline int saturated_number(Octets content) noexcept {
 inline owned<OBJECT_IDENTIFIER> oid_of_row(int index) noexcept {
   return owned<OBJECT_IDENTIFIER>(index_to_OBJECT_IDENTIFIER(index));
 }
+// A new AlgorithmIdentifier: with parameters, NULL for none; or bare of them. Null without an OID, and without memory.
+owned<X509_ALGO_IDENTIFIER> new_algorithm(const OBJECT_IDENTIFIER *oid,
+                                          const ASN1_STRING *parameters = nullptr) noexcept;
+owned<X509_ALGO_IDENTIFIER> new_bare_algorithm(const OBJECT_IDENTIFIER *oid) noexcept;
 
 // SEQUENCE { OID, NULL }, the form in which certificates and lists carry their signature algorithm. In standard form
 // what the algorithm wants: a NULL for RSA and KCDSA, for RSASSA-PSS the usual parameters of a digest, else nothing.
