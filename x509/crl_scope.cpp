@@ -131,8 +131,9 @@ class Coverage {
   int run(const X509_CERT &cert, Reasons &out) noexcept {
     if (!direct_ && !(scope_ && scope_->indirectCRL)) return failure(ERR_CRL_ISSUER);
     if (scope_ && scope_->distpoint && !names_.set(*scope_->distpoint, issuer_)) return failure(kNoMemory);
-    if (direct_) add_point_of_issuer();
-    if (const int code = add_points(cert)) return code;
+    const X509_EXTENSION *points = extension_of(cert, row::kCrlDistributionPoints);
+    if (direct_ && (any_point() || (!points && is_point_of_issuer()))) found_ = kAllReasons;
+    if (const int code = points && found_ != kAllReasons ? add_points(*points) : 0) return code;
     out = found_ & reasons_of(scope_ ? scope_->onlySomeReasons : nullptr);
     return found_ ? 0 : failure(ERR_CRL_SCOPE);
   }
@@ -140,18 +141,16 @@ class Coverage {
  private:
   bool any_point() const noexcept { return !scope_ || !scope_->distpoint; }
 
-  // Besides its own points a certificate has one that is its issuer's name (RFC 5280 6.3.3, at the end).
-  void add_point_of_issuer() noexcept {
+  // A certificate without points counts as one with its issuer's name for one.
+  bool is_point_of_issuer() const noexcept {
     PointNames names;
     names.set_directory(cert_issuer_);
-    if (any_point() || names.has_one_of(names_)) found_ = kAllReasons;
+    return names.has_one_of(names_);
   }
 
-  int add_points(const X509_CERT &cert) noexcept {
-    const X509_EXTENSION *extension = extension_of(cert, row::kCrlDistributionPoints);
-    if (!extension || found_ == kAllReasons) return 0;
+  int add_points(const X509_EXTENSION &extension) noexcept {
     CRL_DIST_POINTS *points = nullptr;
-    if (const int code = X509_EXTENSION_to_CRL_DIST_POINTS_RFC5280(extension, &points)) return code;
+    if (const int code = X509_EXTENSION_to_CRL_DIST_POINTS_RFC5280(&extension, &points)) return code;
     const std::unique_ptr<STACK, ReleasePoints> owner(points);
     for (const DIST_POINT *each : elements<DIST_POINT>(points))
       if (const int code = each ? add(*each) : 0) return code;
