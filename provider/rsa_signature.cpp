@@ -40,8 +40,16 @@ int sign_encoded(const RSA_UNIT &key, Octets em, uint8_t *signature) noexcept {
   return 0;
 }
 
+// A callback is told the digest and the scheme, so of PSS only the usual parameters can be asked of it.
+bool callback_can(const RsaSignatureScheme &scheme) noexcept {
+  const RsaSignatureScheme usual = usual_scheme(scheme.digest_id, scheme.scheme);
+  return scheme.scheme != PKV_RSA_PSS ||
+         (scheme.mgf_digest_id == usual.mgf_digest_id && scheme.salt_length == usual.salt_length);
+}
+
 int sign_elsewhere(const RSA_UNIT &key, const RsaSignatureScheme &scheme, Octets digest, size_t length,
                    uint8_t *signature) noexcept {
+  if (!callback_can(scheme)) return PKV_ERR_UNSUPPORTED;
   EncodingBlock made;
   int written = int(length);
   if (int error = key.signer.sign(key.signer.context, PKV_KEY_RSA, scheme.digest_id, scheme.scheme, digest.data(),

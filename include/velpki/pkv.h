@@ -334,7 +334,9 @@ typedef int PKV_PROGRESS(int count, void *context);
  * octets; for KCDSA and ECC both halves, each as long as PKV_Get_KCDSA_Lengths or PKV_Get_ECC_Lengths says.
  * `*signature_length` is the capacity, and is set to what was written. `key` is one of PKV_KEY_; `digest_id` is the
  * digest of which `input` is the value (for KCDSA that of z || message, whole), or 0 when `input` is the message itself
- * (Ed25519); `scheme` is the RSA scheme. It returns 0 or a PKV_ERR_ code, which the signing call passes on. */
+ * (Ed25519); `scheme` is the RSA scheme. PSS is asked for with MGF1 over the same digest and a salt of its length; a
+ * signing call with other parameters is PKV_ERR_UNSUPPORTED. It returns 0 or a PKV_ERR_ code, which the call passes on.
+ */
 typedef int PKV_SIGN_CALLBACK(void *context, int key, int digest_id, int scheme, const unsigned char *input,
                               int input_length, unsigned char *signature, int *signature_length);
 
