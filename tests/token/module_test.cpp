@@ -69,11 +69,13 @@ int count_null() {
   return int(std::count_if(std::begin(kWrappers), std::end(kWrappers), [](auto &each) { return each.is_null(); }));
 }
 
+const int kNullAtStart = count_null();
 const std::string kByName = VELPKI_TEST_MODULES "/libtoken_by_name.so";
 const std::string kListOnly = VELPKI_TEST_MODULES "/libtoken_list_only.so";
 
 TEST(Pkcs11Module, IsLoadedUnloadedAndLoadedAgain) {
   ASSERT_EQ(g_hModule, nullptr);
+  EXPECT_EQ(kNullAtStart, 37);
   expect_nothing_called();
   _unload_pkcs11_module();
   for (const char *refused : {(const char *)nullptr, "/nowhere/module.so", VELPKI_SOURCE_DIR "/README.md"})
