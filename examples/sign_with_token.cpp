@@ -1,5 +1,6 @@
 // Signs a document with an RSA key that stays in a token: makes the key where the token has none, a certificate for it,
 // and a PKCS#7 message: sign_with_token MODULE.so PIN DOCUMENT DIRECTORY
+#include <dlfcn.h>
 #include <velpki/asn1_io.h>
 #include <velpki/asn1_objects.h>
 #include <velpki/pkcs7.h>
@@ -23,7 +24,10 @@ void check_token(CK_RV result, const char *what) {
 class Session {
  public:
   Session(const char *module, std::string pin) {
-    if (_load_pkcs11_module_ex(module)) die("loading the module");
+    if (const int code = _load_pkcs11_module_ex(module)) {
+      std::fprintf(stderr, "%s: %s\n", module, code == P11_LOAD_REFUSED ? dlerror() : "no PKCS#11 module");
+      std::exit(1);
+    }
     check_token(p11_C_Initialize(nullptr), "C_Initialize");
     CK_SLOT_ID slots[16];
     CK_ULONG count = 16;

@@ -16,9 +16,25 @@ std::string content(const fs::path &path) {
   return out.str();
 }
 
+// The token that tokens.md is about, made as the page says; false without SoftHSM2.
+bool has_token() {
+  static const bool made = [] {
+    const std::string folder = testing::TempDir() + "velpki_guide_token", conf = folder + "/softhsm2.conf";
+    fs::remove_all(folder);
+    fs::create_directories(folder + "/tokens");
+    std::ofstream(conf) << "directories.tokendir = " << folder << "/tokens\n";
+    setenv("SOFTHSM2_CONF", conf.c_str(), 1);
+    return fs::exists("/usr/lib/softhsm/libsofthsm2.so") &&
+           std::system(
+               "softhsm2-util --init-token --free --label guide --so-pin 12345678 --pin 1234 >/dev/null 2>&1") == 0;
+  }();
+  return made;
+}
+
 class Program : public testing::Test {
   const fs::path program_;
   void TestBody() override {
+    if (program_.stem().string().rfind("tokens", 0) == 0 && !has_token()) GTEST_SKIP() << "no SoftHSM2 here";
     const std::string folder = testing::TempDir() + "velpki_guide_" + program_.stem().string();
     fs::remove_all(folder);
     fs::create_directory(folder);
