@@ -1,4 +1,5 @@
 // Headers, version script and libraries say the same; nothing else is exported and nothing else is linked.
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <regex>
@@ -61,6 +62,32 @@ TEST(Interface, LibraryExportsWhatTheHeadersDeclare) {
 
 TEST(Interface, ProviderExportsItsContract) {
   EXPECT_EQ(exported_by(kProvider, "VELCRYPTO_1"), declared_in(VELPKI_SOURCE_DIR "/include/velpki/pkv.h"));
+}
+
+// The functions declared from a place up to the next comment that begins a line.
+std::vector<std::string> functions_at(const std::string &text, size_t place) {
+  static const std::regex function("VELPKI_API\\s[^;(]*?(\\w+)\\s*\\(");
+  const std::string declarations = text.substr(place, text.find("\n/*", place) - place);
+  std::vector<std::string> names;
+  for (std::sregex_iterator at(declarations.begin(), declarations.end(), function), end; at != end; ++at)
+    names.push_back((*at)[1]);
+  return names;
+}
+
+// A warning of a whole header, and one of a member of a record, is followed by no function.
+TEST(Interface, EveryWarningIsOnThePageOfOddities) {
+  const std::string page = text_of_file(VELPKI_SOURCE_DIR "/docs/guide/oddities.md");
+  int warned = 0;
+  for (const auto &entry : std::filesystem::directory_iterator(VELPKI_SOURCE_DIR "/include/velpki")) {
+    const std::string text = text_of_file(entry.path());
+    for (size_t at = text.find("@warning"); at != text.npos; at = text.find("@warning", text.find("*/", at))) {
+      const auto names = functions_at(text, text.find("*/", at));
+      const auto named = [&](const std::string &name) { return page.find('`' + name + '`') != page.npos; };
+      warned += !names.empty();
+      EXPECT_TRUE(names.empty() || std::any_of(names.begin(), names.end(), named)) << entry.path() << ": " << names[0];
+    }
+  }
+  EXPECT_GT(warned, 90);
 }
 
 TEST(Interface, LinksNothingElseAndHasItsName) {
