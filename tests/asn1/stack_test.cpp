@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <random>
 
+#include "support/owned.h"
 #include "support/support.h"
 
 namespace {
@@ -18,6 +19,8 @@ int at_random(const void *, const void *) {
   return int(random() % 3) - 1;
 }
 
+using List = test::Owned<STACK, free_STACK>;
+
 struct Numbers {
   Numbers(size_t n, int (*compare)(const void *, const void *)) : values(n), stack(new_STACK_compare_func(compare)) {
     for (size_t i = 0; i < n; ++i) values[i] = int(i * 7919 % 101), push_STACK_value(stack, &values[i]);
@@ -31,7 +34,7 @@ TEST(Stack, EditsLikeAVector) {
   std::minstd_rand random(1);
   std::vector<int> elements(64);
   std::vector<void *> model;
-  STACK *stack = new_STACK();
+  const List stack(new_STACK());
   int capacity = 4;
   for (int step = 0; step < 3000; ++step) {
     const int position = int(random() % 40) - 2;
@@ -54,12 +57,10 @@ TEST(Stack, EditsLikeAVector) {
     const auto found = std::find(model.begin(), model.end(), element);
     EXPECT_EQ(find_STACK_value(stack, element), found == model.end() ? -1 : int(found - model.begin()));
   }
-  STACK *copy = dup_STACK(stack);
+  const List copy(dup_STACK(stack));
   EXPECT_EQ(copy->capacity, capacity);
   EXPECT_TRUE(std::equal(model.begin(), model.end(), copy->data));
   EXPECT_EQ(pop_STACK_value(copy), model.back());
-  free_STACK(copy);
-  free_STACK(stack);
 }
 
 TEST(Stack, SortsAndSearches) {
@@ -113,13 +114,12 @@ TEST(Stack, NullAndExhaustedMemory) {
   STACK *stack = numbers.stack;
   for (const long n : {0, 1, 2}) {
     test::fail_allocation(n);
-    STACK *copy = dup_STACK(stack);
+    const List copy(dup_STACK(stack));
     const int count = n == 0 ? push_STACK_value(stack, stack) : 0;
     test::fail_allocation(-1);
     EXPECT_EQ(copy == nullptr, n < 2);
     EXPECT_EQ(count, 0);
     EXPECT_EQ(get_STACK_count(stack), 4);
-    free_STACK(copy);
   }
   static int released;
   released = 0;

@@ -100,14 +100,7 @@ TEST(Units, ChildrenAreCountedAndTyped) {
 
 TEST(Units, CopiesCutLengthsAtAZero) {
   for (const size_t length : {size_t(0), size_t(127), size_t(256), size_t(65535), size_t(65536), size_t(65541)}) {
-    Bytes octets{0x04};
-    if (length < 128)
-      octets.push_back(uint8_t(length));
-    else if (length < 65536)
-      octets.insert(octets.end(), {0x82, uint8_t(length >> 8), uint8_t(length)});
-    else
-      octets.insert(octets.end(), {0x83, uint8_t(length >> 16), uint8_t(length >> 8), uint8_t(length)});
-    octets.resize(octets.size() + length, 0x41);
+    const Bytes octets = TLV(0x04, Bytes(length, 0x41));
     const Unit u = unit(octets), faithful(dup_ASN1_UNIT_strict(u)), cut(dup_ASN1_UNIT(u));
     ASSERT_TRUE(cut && faithful) << length;
     EXPECT_EQ(flat(faithful), to_hex(octets)) << length;

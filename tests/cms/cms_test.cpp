@@ -235,12 +235,6 @@ TEST(Cms, WrappedKeysAndIvsOfOtherLengths) {
     EXPECT_EQ(code_with([&](Sealed &s) { s.cipher = TLV(0x06, oid); }), F_DECRYPT_CMS | 0x48) << oid;
 }
 
-// A value of more octets than TLV takes.
-Bytes large(uint8_t tag, const Bytes &content) {
-  const size_t n = content.size();
-  return Bytes{tag, 0x83, uint8_t(n >> 16), uint8_t(n >> 8), uint8_t(n)} + content;
-}
-
 TEST(Cms, ThousandsOfRecipientsAndNestedContents) {
   const CmsParts parts;
   Bytes recipients, signers;
@@ -249,14 +243,14 @@ TEST(Cms, ThousandsOfRecipientsAndNestedContents) {
     recipients.insert(recipients.end(), recipient.begin(), recipient.end());
     signers.insert(signers.end(), signer.begin(), signer.end());
   }
-  const Bytes enveloped = large(0x30, TLV(0x02, "02") + large(0x31, recipients) + parts.encrypted);
+  const Bytes enveloped = TLV(0x30, TLV(0x02, "02") + TLV(0x31, recipients) + parts.encrypted);
   int code = 0;
-  const Cms many = read_cms(large(0x30, TLV(0x06, "2a864886f70d010703") + large(0xA0, enveloped)), &code);
+  const Cms many = read_cms(TLV(0x30, TLV(0x06, "2a864886f70d010703") + TLV(0xA0, enveloped)), &code);
   ASSERT_NE(many, nullptr) << std::hex << code;
   EXPECT_EQ(content<CMS_ENVELOPED_DATA>(many)->recipientInfos->count, 5000);
-  const Bytes data = large(0x30, TLV(0x02, "03") + TLV(0x31, parts.sha256) + parts.encapsulated +
-                                     TLV(0xA0, parts.certificate.der()) + large(0x31, signers));
-  const Cms signed_by_many = read_cms(large(0x30, TLV(0x06, "2a864886f70d010702") + large(0xA0, data)));
+  const Bytes data = TLV(0x30, TLV(0x02, "03") + TLV(0x31, parts.sha256) + parts.encapsulated +
+                                   TLV(0xA0, parts.certificate.der()) + TLV(0x31, signers));
+  const Cms signed_by_many = read_cms(TLV(0x30, TLV(0x06, "2a864886f70d010702") + TLV(0xA0, data)));
   ASSERT_NE(signed_by_many, nullptr);
   EXPECT_NE(verify_strict(signed_by_many), 0);
   EXPECT_NE(verify(signed_by_many), 0);

@@ -153,8 +153,10 @@ inline Bytes TLV(uint8_t identifier, const Bytes &content) {
     out.push_back(uint8_t(content.size()));
   else if (content.size() < 0x100)
     out.insert(out.end(), {0x81, uint8_t(content.size())});
-  else
+  else if (content.size() < 0x10000)
     out.insert(out.end(), {0x82, uint8_t(content.size() >> 8), uint8_t(content.size())});
+  else
+    out.insert(out.end(), {0x83, uint8_t(content.size() >> 16), uint8_t(content.size() >> 8), uint8_t(content.size())});
   out.insert(out.end(), content.begin(), content.end());
   return out;
 }
@@ -162,6 +164,10 @@ inline Bytes TLV(uint8_t identifier, std::string_view content) { return TLV(iden
 inline Bytes operator+(Bytes a, const Bytes &b) {
   a.insert(a.end(), b.begin(), b.end());
   return a;
+}
+// An Extension by the hexadecimal octets of its OID.
+inline Bytes extension(std::string_view oid, const Bytes &value, bool critical = false) {
+  return TLV(0x30, TLV(0x06, oid) + (critical ? TLV(0x01, "ff") : Bytes()) + TLV(0x04, value));
 }
 
 }  // namespace test

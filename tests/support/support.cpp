@@ -17,21 +17,11 @@ namespace test {
 
 Bytes hex(std::string_view text) {
   Bytes out;
-  int high = -1;
-  for (const char c : text) {
-    if (c == ' ' || c == '\n') continue;
-    const char *digits = "0123456789abcdef";
-    const char *at = std::strchr(digits, c >= 'A' && c <= 'F' ? c + 32 : c);
-    if (!at || !c) std::abort();
-    const int value = int(at - digits);
-    if (high < 0) {
-      high = value;
-    } else {
-      out.push_back(uint8_t(high << 4 | value));
-      high = -1;
-    }
-  }
-  if (high >= 0) std::abort();
+  std::string digits;
+  for (const char c : text)
+    if (c != ' ' && c != '\n') digits += c;
+  if (digits.size() % 2 || digits.find_first_not_of("0123456789abcdefABCDEF") != digits.npos) std::abort();
+  for (size_t i = 0; i < digits.size(); i += 2) out.push_back(uint8_t(std::stoul(digits.substr(i, 2), nullptr, 16)));
   return out;
 }
 
@@ -87,19 +77,13 @@ std::vector<Row> read_tsv(const std::string &path) {
   std::vector<std::string> names;
   std::vector<Row> rows;
   for (std::string line; std::getline(in, line);) {
-    std::vector<std::string> cells(1);
-    for (const char c : line) {
-      if (c == '\t')
-        cells.emplace_back();
-      else
-        cells.back() += c;
-    }
+    const std::vector<std::string> cells = split(line, '\t');
     if (names.empty()) {
       names = cells;
       continue;
     }
     auto &row = rows.emplace_back();
-    for (size_t i = 0; i < names.size() && i < cells.size(); ++i) row[names[i]] = cells[i];
+    for (size_t i = 0; i < names.size(); ++i) row[names[i]] = i < cells.size() ? cells[i] : "";
   }
   return rows;
 }

@@ -53,9 +53,6 @@ struct Made {
   bool extended = true;                              // whether there is a list
   std::string until = "3430303130313030303030305a";  // of 2040
 };
-inline Bytes extension(std::string_view oid, const Bytes &value, bool critical = false) {
-  return TLV(0x30, TLV(0x06, oid) + (critical ? TLV(0x01, "ff") : Bytes()) + TLV(0x04, value));
-}
 inline Bytes name_of(const std::string &text) {
   return TLV(0x30, TLV(0x31, TLV(0x30, TLV(0x06, "550403") + TLV(0x0C, Bytes(text.begin(), text.end())))));
 }

@@ -28,7 +28,7 @@ Bytes long_list(unsigned count) {
   for (unsigned i = 0; i <= count; ++i) {
     const unsigned n = i == count ? 3 : 3 * i;
     const uint8_t octets[] = {0, uint8_t(n >> 16), uint8_t(n >> 8), uint8_t(n)};
-    const Bytes reason = i % 2 ? TLV(0x30, CrlParts::extension("551d15", TLV(0x0A, i % 3 ? "01" : "04"))) : Bytes();
+    const Bytes reason = i % 2 ? TLV(0x30, extension("551d15", TLV(0x0A, i % 3 ? "01" : "04"))) : Bytes();
     parts.entries = std::move(parts.entries) + CrlParts::entry(to_hex(octets, 4), reason);
   }
   parts.revoked = TLV(0x30, parts.entries);

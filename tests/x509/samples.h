@@ -41,9 +41,6 @@ struct CrlParts {
   static Bytes entry(std::string_view serial, const Bytes &extensions = {}) {
     return TLV(0x30, TLV(0x02, serial) + TLV(0x17, "3235303130313030303030305a") + extensions);
   }
-  static Bytes extension(std::string_view oid, const Bytes &value, bool critical = false) {
-    return TLV(0x30, TLV(0x06, oid) + (critical ? TLV(0x01, "ff") : Bytes()) + TLV(0x04, value));
-  }
   Bytes version = TLV(0x02, "01"), signature = TLV(0x30, "06092a864886f70d01010b0500");
   Bytes issuer = CertificateParts().issuer;
   Bytes this_update = TLV(0x17, "3236303130313030303030305a"),
@@ -87,6 +84,13 @@ inline std::string written(X509_CERT *cert) {
 }
 
 // The OIDs of a list, each critical one with "!".
-std::string extension_list(const X509_EXTENSIONS *extensions);
+inline std::string extension_list(const X509_EXTENSIONS *extensions) {
+  std::string list;
+  for (int i = 0; i < get_X509_EXTENSION_count(extensions); ++i) {
+    const X509_EXTENSION *each = get_X509_EXTENSION(extensions, i);
+    list += (i ? "," : "") + text_of(each->object) + (each->critical ? "!" : "");
+  }
+  return list;
+}
 
 }  // namespace test
