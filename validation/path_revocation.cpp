@@ -10,7 +10,8 @@ namespace {
 
 constexpr int failure(int reason) noexcept { return fail(kCrlModule, reason); }
 
-constexpr int kSignatures = 64;  // of lists that are verified for one certificate at most
+// Signatures of lists that are verified for one certificate at most, and signers whose own path is looked for.
+constexpr int kSignatures = 64, kSigners = 8;
 
 bool same_value(const X509_EXTENSION *a, const X509_EXTENSION *b) noexcept {
   return a && b ? same_octets(a->value, b->value) : a == b;
@@ -128,7 +129,7 @@ class Status {
     if (code && is_issuer(list, path_.anchor.trustedCAName)) code = try_key(list, path_.anchor.trustedCAKey);
     if (!code || path_.of_list_signer) return code;
     for (const X509_CERT *each : elements<X509_CERT>(path_.settings.pool)) {
-      if (each && try_certificate(list, *each, code)) code = verify_list_signer(*each, path_);
+      if (each && try_certificate(list, *each, code)) code = verify_signer(*each);
       if (!code || reason_of(code) == kNoMemory) break;
     }
     return code;
@@ -143,6 +144,9 @@ class Status {
     if (!code) code = try_key(list, get_X509_SPKI(&signer));
     return !code;
   }
+  int verify_signer(const X509_CERT &signer) noexcept {
+    return signers_left_-- > 0 ? verify_list_signer(signer, path_) : failure(ERR_CRL_MISSING);
+  }
   int try_key(List &list, const X509_PUBKEY *key) noexcept {
     list.key = key;
     return verify(list.crl, key);
@@ -155,7 +159,7 @@ class Status {
   const size_t index_;
   Reasons covered_ = 0;
   int why_not_ = 0;
-  int signatures_left_ = kSignatures;
+  int signatures_left_ = kSignatures, signers_left_ = kSigners;
 };
 
 }  // namespace
