@@ -138,14 +138,6 @@ const Flow kFlows[] = {
   {"OCSP response, strict", true, [](const Signer &s) {
     return sign_ocsp_response(s, [](BASIC_OCSP_RESPONSE **out, OCSP_RESPONSE_DATA *data, const Signer &by) {
       return generate_BASIC_OCSP_RESPONSE_strict(out, data, by.key(), nullptr, by.oid()); }); }},
-  {"statement of drivers", false, [](const Signer &s) -> Codes {
-    const Owned<KISA_HSM_SIGNATURE_TOKEN> statement(new_KISA_HSM_SIGNATURE_TOKEN());
-    statement->drivers = new_STACK();
-    statement->distributionURL = new_KISA_HSM_TOKEN_DISTRIBUTION_URL();
-    statement->distributionURL->urls = new_STACK();
-    push_STACK_value(statement->distributionURL->urls, text_string(TYPE_IA5_STRING, "http://drivers.example").release());
-    return {sign_KISA_HSM_SIGNATURE_TOKEN(statement, s.key(), s.oid()),
-            verify_KISA_HSM_SIGNATURE_TOKEN(statement, s.certificate)}; }},
 };
 // clang-format on
 
