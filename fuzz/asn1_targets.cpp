@@ -102,6 +102,6 @@ constexpr Target kTargets[] = {
     {"unit", units}, {"string", strings}, {"oid", oids}, {"time", times}, {"pem", texts}, {"cp949", conversions},
 };
 
-}  // namespace
+const Registered kRegistered(kTargets);
 
-Targets asn1_targets() { return kTargets; }
+}  // namespace

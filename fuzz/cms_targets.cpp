@@ -72,6 +72,6 @@ constexpr Target kTargets[] = {
     {"cms_authenticated_data", KEY_FAMILY(CMS_AUTHENTICATED_DATA, nullptr)},
 };
 
-}  // namespace
+const Registered kRegistered(kTargets);
 
-Targets cms_targets() { return kTargets; }
+}  // namespace

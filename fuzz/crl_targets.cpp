@@ -84,6 +84,6 @@ constexpr Target kTargets[] = {
     {"revoked", FAMILY_OF(STACK, Seq_to_X509_REVOKED, X509_REVOKED_to_Seq, nullptr, free_X509_REVOKED_LIST, from_der)},
 };
 
-}  // namespace
+const Registered kRegistered(kTargets);
 
-Targets crl_targets() { return kTargets; }
+}  // namespace

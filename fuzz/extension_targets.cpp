@@ -29,6 +29,6 @@ void extension_value(const uint8_t *data, int size) {
 
 constexpr Target kTargets[] = {{"extension_value", extension_value}};
 
-}  // namespace
+const Registered kRegistered(kTargets);
 
-Targets extension_targets() { return kTargets; }
+}  // namespace

@@ -68,6 +68,6 @@ constexpr Target kTargets[] = {
     {"pkcs12_safe", import_bags},
 };
 
-}  // namespace
+const Registered kRegistered(kTargets);
 
-Targets keys_targets() { return kTargets; }
+}  // namespace

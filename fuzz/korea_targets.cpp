@@ -26,6 +26,6 @@ constexpr Target kTargets[] = {
     {"kisa_hsm_token", FAMILY(KISA_HSM_SIGNATURE_TOKEN, dup_KISA_HSM_SIGNATURE_TOKEN)},
 };
 
-}  // namespace
+const Registered kRegistered(kTargets);
 
-Targets korea_targets() { return kTargets; }
+}  // namespace

@@ -38,6 +38,6 @@ constexpr Target kTargets[] = {
     {"ocsp_basic", FAMILY(BASIC_OCSP_RESPONSE, dup_BASIC_OCSP_RESPONSE)},
 };
 
-}  // namespace
+const Registered kRegistered(kTargets);
 
-Targets ocsp_targets() { return kTargets; }
+}  // namespace

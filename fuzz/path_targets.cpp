@@ -115,6 +115,6 @@ constexpr Target kTargets[] = {
     {"trust_anchor", KEY_FAMILY(TRUST_ANCHOR, dup_TRUST_ANCHOR)},
 };
 
-}  // namespace
+const Registered kRegistered(kTargets);
 
-Targets path_targets() { return kTargets; }
+}  // namespace

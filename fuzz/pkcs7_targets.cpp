@@ -58,6 +58,6 @@ constexpr Target kTargets[] = {
     {"p7_digest_info", FAMILY(P7_DIGEST_INFO, nullptr)},
 };
 
-}  // namespace
+const Registered kRegistered(kTargets);
 
-Targets pkcs7_targets() { return kTargets; }
+}  // namespace

@@ -18,18 +18,13 @@ struct Target {
   void (*run)(const uint8_t *, int);
 };
 
-// One list for each subsystem; velpki_fuzz.cpp has them all.
-using Targets = std::span<const Target>;
-Targets asn1_targets();
-Targets x509_targets();
-Targets extension_targets();
-Targets pkcs7_targets();
-Targets cms_targets();
-Targets crl_targets();
-Targets korea_targets();
-Targets ocsp_targets();
-Targets keys_targets();
-Targets path_targets();
+// A file's list, which velpki_fuzz.cpp finds.
+struct Registered {
+  explicit Registered(std::span<const Target> targets) : list(targets), next(std::exchange(first, this)) {}
+  std::span<const Target> list;
+  const Registered *next;
+  static inline const Registered *first = nullptr;
+};
 
 inline void require(bool holds, const char *what) {
   if (holds) return;

@@ -9,9 +9,8 @@ const Target *chosen = nullptr;
 
 template <class F>
 void for_each_target(F &&run) {
-  for (const Targets &targets : {asn1_targets(), x509_targets(), extension_targets(), crl_targets(), pkcs7_targets(),
-                                 cms_targets(), korea_targets(), ocsp_targets(), keys_targets(), path_targets()})
-    for (const Target &target : targets) run(target);
+  for (const Registered *each = Registered::first; each; each = each->next)
+    for (const Target &target : each->list) run(target);
 }
 
 }  // namespace

@@ -110,6 +110,6 @@ constexpr Target kTargets[] = {
      [](const uint8_t *d, int n) { key_octets(d, n, BITSTRING_to_ECC_KEY, ECC_KEY_to_BITSTRING, PKV_Free_ECC); }},
 };
 
-}  // namespace
+const Registered kRegistered(kTargets);
 
-Targets x509_targets() { return kTargets; }
+}  // namespace

@@ -152,40 +152,25 @@ class CmsRecipients : public testing::Test {
     const CMS_OPENER by_kek{.kek = kKek.data(), .kek_length = 32, .kek_id = kKekId.data(), .kek_id_length = 4};
     const auto *text = reinterpret_cast<const uint8_t *>(kPassword);
     const CMS_OPENER by_password{.password = text, .password_length = 11};
+    // clang-format off
     return {
         {"rsa", rsa_out, rsa_in, {.kind = 0, .cert = rsa_cert}, by_rsa},
         {"rsa by key", " -keyid" + rsa_out, rsa_in, {.kind = 0, .cert = rsa_cert, .flags = 1}, by_rsa},
-        {"oaep",
-         rsa_out + " -keyopt rsa_padding_mode:oaep -keyopt rsa_oaep_md:sha256",
-         rsa_in,
-         {.kind = 0, .cert = rsa_cert, .padding = PKV_RSA_OAEP},
-         by_rsa},
-        {"curve sha256",
-         curve_out + " -keyopt ecdh_kdf_md:sha256 -aes256-wrap",
-         curve_in,
-         {.kind = 1, .cert = curve_cert, .flags = 2},
+        {"oaep", rsa_out + " -keyopt rsa_padding_mode:oaep -keyopt rsa_oaep_md:sha256", rsa_in,
+         {.kind = 0, .cert = rsa_cert, .padding = PKV_RSA_OAEP}, by_rsa},
+        {"curve sha256", curve_out + " -keyopt ecdh_kdf_md:sha256 -aes256-wrap", curve_in,
+         {.kind = 1, .cert = curve_cert, .flags = 2}, by_curve},
+        {"curve sha1", curve_out + " -keyopt ecdh_kdf_md:sha1", curve_in,
+         {.kind = 1, .cert = curve_cert, .flags = 2, .digest_id = PKV_DIGEST_SHA1, .cipher_id = 0x01000100}, by_curve},
+        {"curve with cofactor", curve_out + " -keyopt ecdh_kdf_md:sha512 -keyopt ecdh_cofactor_mode:1 -des3-wrap",
+         curve_in, {.kind = 1, .cert = curve_cert, .flags = 3, .digest_id = PKV_DIGEST_SHA512, .cipher_id = 0x02010200},
          by_curve},
-        {"curve sha1",
-         curve_out + " -keyopt ecdh_kdf_md:sha1",
-         curve_in,
-         {.kind = 1, .cert = curve_cert, .flags = 2, .digest_id = PKV_DIGEST_SHA1, .cipher_id = 0x01000100},
-         by_curve},
-        {"curve with cofactor",
-         curve_out + " -keyopt ecdh_kdf_md:sha512 -keyopt ecdh_cofactor_mode:1 -des3-wrap",
-         curve_in,
-         {.kind = 1, .cert = curve_cert, .flags = 3, .digest_id = PKV_DIGEST_SHA512, .cipher_id = 0x02010200},
-         by_curve},
-        {"kek",
-         kek,
-         kek,
-         {.kind = 2, .secret = kKek.data(), .secret_length = 32, .key_id = kKekId.data(), .key_id_length = 4},
-         by_kek},
-        {"password",
-         password,
-         password,
-         {.kind = 3, .secret = text, .secret_length = 11, .iterations = 2000},
-         by_password},
+        {"kek", kek, kek,
+         {.kind = 2, .secret = kKek.data(), .secret_length = 32, .key_id = kKekId.data(), .key_id_length = 4}, by_kek},
+        {"password", password, password,
+         {.kind = 3, .secret = text, .secret_length = 11, .iterations = 2000}, by_password},
     };
+    // clang-format on
   }
 };
 

@@ -10,16 +10,12 @@ namespace {
 
 Bytes many(const Bytes &element, int count, uint8_t identifier = 0x31) {
   Bytes all;
-  all.reserve(element.size() * size_t(count) + 8);
+  all.reserve(element.size() * size_t(count));
   for (int i = 0; i < count; ++i) all.insert(all.end(), element.begin(), element.end());
-  const auto size = uint32_t(all.size());
-  Bytes out{identifier, 0x84, uint8_t(size >> 24), uint8_t(size >> 16), uint8_t(size >> 8), uint8_t(size)};
-  out.insert(out.end(), all.begin(), all.end());
-  return out;
+  return TLV(identifier, all);
 }
-Bytes wrap(uint8_t identifier, const Bytes &content) { return many(content, 1, identifier); }
 Bytes message(uint8_t type, const Bytes &content) {
-  return wrap(0x30, TLV(0x06, hex("2a864886f70d0107") + Bytes{type}) + wrap(0xA0, content));
+  return TLV(0x30, TLV(0x06, hex("2a864886f70d0107") + Bytes{type}) + TLV(0xA0, content));
 }
 
 int code_of(const Bytes &der) {
@@ -34,16 +30,16 @@ TEST(Hostile, VeryManyParts) {
   const MessageParts parts;
   const Bytes version = TLV(0x02, "01"), start = version + TLV(0x31, parts.sha256) + parts.data;
   const Bytes attributes = many(parts.attributes, 100000, 0xA0);
-  const Bytes signer = wrap(
+  const Bytes signer = TLV(
       0x30, version + parts.issuer_and_serial + parts.sha256 + attributes + parts.rsa + TLV(0x04, Bytes(5000, 0x5A)));
   const auto begin = std::chrono::steady_clock::now();
-  for (const Bytes &signers : {many(parts.signer(), 20000), wrap(0x31, signer)}) {
-    const Message p7 = read_message(message(2, wrap(0x30, start + TLV(0xA0, parts.certificate.der()) + signers)));
+  for (const Bytes &signers : {many(parts.signer(), 20000), TLV(0x31, signer)}) {
+    const Message p7 = read_message(message(2, TLV(0x30, start + TLV(0xA0, parts.certificate.der()) + signers)));
     ASSERT_TRUE(p7);
     EXPECT_TRUE(verify(p7) && verify_strictly(p7));
   }
-  EXPECT_EQ(code_of(message(3, wrap(0x30, TLV(0x02, "00") + many(parts.recipient(), 50000) + parts.encrypted))), 0);
-  EXPECT_EQ(code_of(message(2, wrap(0x30, start + many(parts.certificate.der(), 5000, 0xA0) + TLV(0x31, Bytes())))), 0);
+  EXPECT_EQ(code_of(message(3, TLV(0x30, TLV(0x02, "00") + many(parts.recipient(), 50000) + parts.encrypted))), 0);
+  EXPECT_EQ(code_of(message(2, TLV(0x30, start + many(parts.certificate.der(), 5000, 0xA0) + TLV(0x31, Bytes())))), 0);
   EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(20));
 }
 
@@ -51,7 +47,7 @@ TEST(Hostile, Nesting) {
   const MessageParts parts;
   Bytes inner = parts.data;
   for (int level = 1; level < 40; ++level) {
-    inner = message(2, wrap(0x30, TLV(0x02, "01") + TLV(0x31, Bytes()) + inner + TLV(0x31, Bytes())));
+    inner = message(2, TLV(0x30, TLV(0x02, "01") + TLV(0x31, Bytes()) + inner + TLV(0x31, Bytes())));
     int code = 0;
     const Message p7 = read_message(inner, &code);
     EXPECT_TRUE(level > 20 || code == 0) << level;

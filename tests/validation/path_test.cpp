@@ -1,6 +1,5 @@
 // validate_certpath over paths made for it: tests/data/certpath.tsv. A path is written from its root down, certificates
 // apart by semicolons, each a list of words: policies (any, p, q), and what differs from an ordinary one.
-#include <sstream>
 #include <thread>
 
 #include "paths.h"
@@ -8,14 +7,6 @@
 using namespace test;
 
 namespace {
-
-std::vector<std::string> split(const std::string &text, char at) {
-  std::vector<std::string> out;
-  std::istringstream in(text);
-  for (std::string part; std::getline(in, part, at);)
-    if (!part.empty() || at != ' ') out.push_back(part);
-  return out;
-}
 
 const std::map<std::string, std::string> kPolicies = {
     {"any", "2.5.29.32.0"}, {"p", "1.2.3.4"}, {"q", "1.2.3.5"}, {"r", "1.2.3.6"}};
@@ -32,7 +23,7 @@ struct Words {
 void Words::take(const std::string &word, Made &made) {
   const auto policy = kPolicyContents.find(word);
   if (policy != kPolicyContents.end()) return void(policies = policies + TLV(0x30, TLV(0x06, policy->second)));
-  if (word == "-") return;
+  if (word.empty() || word == "-") return;
   if (word == "critical") return void(critical = true);
   if (word == "bare") return void(made.extended = false);
   if (word == "empty") return void(authority = false);
