@@ -128,14 +128,13 @@ TEST(Units, FlatFormMeasuresIndefiniteContentAgain) {
 }
 
 TEST(Units, HalfMadeOnesAreRefused) {
-  ASN1_UNIT *u = new_ASN1_UNIT();
-  unsigned char *out = nullptr;
+  const Unit u(new_ASN1_UNIT());
+  Block out;
   EXPECT_EQ(ASN1_to_binary(u, &out), -1);
   EXPECT_EQ(getASN1ValueLength(u), -1);
   EXPECT_EQ(getSequenceChildNum(u), 0);
   EXPECT_EQ(getChildType(u, 0), -1);
   EXPECT_EQ(dup_ASN1_UNIT(u), nullptr);
-  free_ASN1_UNIT(u);
 }
 
 }  // namespace

@@ -1,8 +1,6 @@
 // The record families of this folder.
 #include "support/family.h"
 
-#include "samples.h"
-
 using namespace test;
 
 namespace {

@@ -1,11 +1,11 @@
 // PKCS#12: written here and read by others, written by others and read here, and what a hostile file may hold.
+#include <velpki/asn1_error.h>
 #include <velpki/asn1_objects.h>
-#include <velpki/pkcs12.h>
 
 #include <set>
 
-#include "samples.h"
 #include "support/json.h"
+#include "support/keys.h"
 
 using namespace test;
 

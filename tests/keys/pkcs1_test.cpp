@@ -1,7 +1,9 @@
 // PKCS#1: keys of others and to others, conversions, and the parameters of OAEP and PSS.
+#include <velpki/asn1_error.h>
+
 #include <functional>
 
-#include "samples.h"
+#include "support/keys.h"
 
 using namespace test;
 

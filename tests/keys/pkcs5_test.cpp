@@ -1,10 +1,10 @@
 // PKCS#5 and PKCS#8: derivations, schemes and containers, against published and independently made values, the files of
 // others, and openssl.
+#include <velpki/asn1_error.h>
 #include <velpki/asn1_objects.h>
-#include <velpki/pkcs5.h>
 
-#include "samples.h"
 #include "support/json.h"
+#include "support/keys.h"
 
 using namespace test;
 

@@ -32,12 +32,11 @@ TEST(RsaOctets, ByNumberOfElements) {
   for (const Row &row : table("rsa_elements")) {
     const int count = number_in(row, "elements");
     const String bits = string(3, elements(count));
-    RSA_UNIT *plain = nullptr, *strict = nullptr, *seq = nullptr;
+    Owned<RSA_UNIT> plain, strict, seq;
     EXPECT_EQ(BITSTRING_to_RSA_KEY(bits, &plain), code_at(row, "plain")) << count;
     EXPECT_EQ(BITSTRING_to_RSA_KEY_strict(bits, &strict), code_at(row, "strict")) << count;
     const int from_unit = Seq_to_RSA_KEY_strict(unit(elements(count)), &seq);
     EXPECT_EQ(from_unit == 0, row.at("unit") == "yes") << count;
-    const Owned<RSA_UNIT> owners[] = {Owned<RSA_UNIT>(plain), Owned<RSA_UNIT>(strict), Owned<RSA_UNIT>(seq)};
     if (!plain) continue;
     EXPECT_EQ(PKV_Is_RSA_Private(plain), number_in(row, "private"));
     String back, published;
