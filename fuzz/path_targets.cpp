@@ -97,6 +97,40 @@ void path(const uint8_t *data, int size) {
   require(build_certPath(&built, end, certs, anchors) == 0 && built->count >= 2, "the path is found");
 }
 
+// Appends a certificate as the standard reads it; false when it does not.
+bool append_standard(STACK *certs, X509_CERT *cert) {
+  unsigned char *der = nullptr;
+  const int length = writeDER_X509_CERT_to_Binary(cert, &der);
+  const Owned<unsigned char> owner(der);
+  X509_CERT *read = nullptr;
+  return readDER_X509_CERT_from_Binary_RFC5280(&read, der, length) == 0 && push_STACK_value(certs, read);
+}
+
+// The same paths by RFC 5280.
+void strict_path(const uint8_t *data, int size) {
+  if (size < 1) return;
+  const std::span<const uint8_t> all(data + 1, size_t(size) - 1);
+  const size_t first = std::min(size_t(data[0]), all.size());
+  const Owned<X509_CERT> end(certificate("end", "ca", all.subspan(first))),
+      authority(certificate("ca", "root", all.first(first)));
+  const Owned<STACK, free_X509_CERTIFICATES> certs(new_STACK());
+  if (!append_standard(certs, end) || !append_standard(certs, authority)) return;
+  const Owned<X509_CERT> root(certificate("root", "root", {}));
+  const TRUST_ANCHOR anchor{get_X509_subject(root), get_X509_SPKI(root)};
+  const Owned<STACK, free_TRUST_ANCHORS> anchors(new_TRUST_ANCHORS());
+  add_TRUST_ANCHORS(anchors, &anchor);
+  CERTPATH_REPORT report, built_report;
+  const int code = validate_certpath_strict(certs, anchors, nullptr, &report);
+  require((code == 0) == (report.policies != nullptr), "policies are of a valid path");
+  require(code || report.anchor == 0, "a valid path has its anchor");
+  Owned<STACK, free_X509_CERTIFICATES> built;
+  const auto *leaf = static_cast<X509_CERT *>(get_STACK_value(certs, 0));
+  const int found = build_certPath_strict(&built, leaf, certs, anchors, nullptr, &built_report);
+  require(code || found == 0, "a valid path is found");
+  free_CERTPATH_POLICIES(report.policies);
+  free_CERTPATH_POLICIES(built_report.policies);
+}
+
 void message(const uint8_t *data, int size) {
   Owned<P7_CONTENT_INFO> read;
   Owned<CERT_TRUST_LIST> list;
@@ -110,6 +144,7 @@ void message(const uint8_t *data, int size) {
 
 constexpr Target kTargets[] = {
     {"path", path},
+    {"strict_path", strict_path},
     {"trust_list_message", message},
     {"trust_list", FAMILY(CERT_TRUST_LIST, dup_CERT_TRUST_LIST)},
     {"trust_anchor", KEY_FAMILY(TRUST_ANCHOR, dup_TRUST_ANCHOR)},

@@ -71,8 +71,18 @@ class StrictBuilder {
   }
   bool ends_at_anchor() noexcept {
     for (const TRUST_ANCHOR *each : elements<TRUST_ANCHOR>(&task_.anchors))
-      if (each && is_named(each->trustedCAName) && verifies(each->trustedCAKey)) return true;
+      if (each && is_named(each->trustedCAName) && verifies(each->trustedCAKey)) return anchor_ = each, true;
     return false;
+  }
+  // The anchor's own certificate, where it counts and is there.
+  const X509_CERT *certificate_of_anchor() const noexcept {
+    if (!(task_.settings.flags & CERTPATH_ANCHOR_CONSTRAINTS)) return nullptr;
+    for (const STACK *pool : pools_)
+      for (const X509_CERT *each : elements<X509_CERT>(pool))
+        if (each && cmp_X509_NAME_RFC5280(get_X509_subject(each), anchor_->trustedCAName) == 0 &&
+            cmp_X509_PUBKEY(get_X509_SPKI(each), anchor_->trustedCAKey) == 0)
+          return each;
+    return nullptr;
   }
 
   // A name and key that are on the path already would only lead round.
@@ -88,7 +98,9 @@ class StrictBuilder {
     StandardCerts standard;
     CERTPATH_REPORT found{-1, -1, nullptr};
     signatures_left_ -= length_;
-    STACK lent{length_, reinterpret_cast<void **>(const_cast<X509_CERT **>(path_)), 0, length_, nullptr};
+    path_[length_] = certificate_of_anchor();
+    const int count = length_ + (path_[length_] ? 1 : 0);
+    STACK lent{count, reinterpret_cast<void **>(const_cast<X509_CERT **>(path_)), 0, count, nullptr};
     int code = standard.open(&lent, found.index);
     if (!code) code = validate_path(standard.certs(), task_, found, want_policies_);
     no_memory_ = no_memory_ || reason_of(code) == kNoMemory;
@@ -104,7 +116,8 @@ class StrictBuilder {
   const PathTask &task_;
   const STACK *const pools_[2];
   CERTPATH_REPORT &report_;
-  const X509_CERT *path_[kLongestBuilt];
+  const TRUST_ANCHOR *anchor_ = nullptr;  // that the path ends at
+  const X509_CERT *path_[kLongestBuilt + 1];
   int length_ = 0, code_ = 0;
   int signatures_left_ = kSignatures, comparisons_left_ = kComparisons;
   bool stopped_ = false, too_long_ = false, no_memory_ = false, want_policies_ = false;

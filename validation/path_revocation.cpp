@@ -126,13 +126,17 @@ class Status {
   int find_signer(List &list) noexcept {
     int code = failure(ERR_CRL_ISSUER);
     for (size_t i = index_ + 1; i < path_.certs.size() && code; ++i) try_certificate(list, *path_.certs[i], code);
-    if (code && is_issuer(list, path_.anchor.trustedCAName)) code = try_key(list, path_.anchor.trustedCAKey);
+    if (code && is_issuer(list, path_.anchor.trustedCAName)) code = try_anchor(list);
     if (!code || path_.of_list_signer) return code;
     for (const X509_CERT *each : elements<X509_CERT>(path_.settings.pool)) {
       if (each && try_certificate(list, *each, code)) code = verify_signer(*each);
       if (!code || reason_of(code) == kNoMemory) break;
     }
     return code;
+  }
+  int try_anchor(List &list) noexcept {
+    if (const int code = path_.anchor_cert ? check_list_key_usage(*path_.anchor_cert) : 0) return code;
+    return try_key(list, path_.anchor.trustedCAKey);
   }
   static bool is_issuer(const List &list, const X509_NAME *name) noexcept {
     return cmp_X509_NAME_RFC5280(get_X509_CRL_issuer(&list.crl), name) == 0;

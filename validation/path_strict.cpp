@@ -55,9 +55,9 @@ int check_revocation(const VerifiedPath &path, int &index) noexcept {
   return index = -1, 0;
 }
 
-int walk(const VerifiedPath &path, const X509_CERT *anchor, CERTPATH_REPORT &report, STACK **policies) noexcept {
+int walk(const VerifiedPath &path, CERTPATH_REPORT &report, STACK **policies) noexcept {
   PathWalk walk(path);
-  const int code = walk.run(anchor, policies);
+  const int code = walk.run(policies);
   report.index = walk.index();
   return code ? code : check_revocation(path, report.index);
 }
@@ -75,9 +75,9 @@ int validate_path(Certs certs, const PathTask &task, CERTPATH_REPORT &report, bo
   report.anchor = anchor;
   const bool constrained = settings.flags & CERTPATH_ANCHOR_CONSTRAINTS;
   if (!constrained || !given || index_of_anchor(task.anchors, *given) != anchor) given = nullptr;
-  const VerifiedPath path{certs, *element<TRUST_ANCHOR>(&task.anchors, anchor), settings, task.of_list_signer};
+  const VerifiedPath path{certs, *element<TRUST_ANCHOR>(&task.anchors, anchor), settings, given, task.of_list_signer};
   STACK *policies = nullptr;
-  const int code = walk(path, given, report, want_policies ? &policies : nullptr);
+  const int code = walk(path, report, want_policies ? &policies : nullptr);
   if (code) return free_CERTPATH_POLICIES(policies), code;
   report.policies = policies;
   return 0;

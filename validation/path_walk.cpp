@@ -48,10 +48,10 @@ PathWalk::PathWalk(const VerifiedPath &path) noexcept
       any_policy_(start_of(settings_.initial_any_policy_inhibit, path.certs.size())),
       below_(int(path.certs.size())) {}
 
-int PathWalk::run(const X509_CERT *anchor, STACK **policies) noexcept {
+int PathWalk::run(STACK **policies) noexcept {
   if (const int code = names_.check_first()) return code;
   if (const int code = graph_.start()) return code;
-  if (const int code = anchor ? apply_anchor(*anchor) : 0) return code;
+  if (const int code = path_.anchor_cert ? apply_anchor(*path_.anchor_cert) : 0) return code;
   for (index_ = int(path_.certs.size()) - 1; index_ >= 0; --index_)
     if (const int code = step()) return code;
   return finish(policies);

@@ -127,7 +127,8 @@ VELPKI_API int validate_certpath_strict(const STACK *certs, const TRUST_ANCHORS 
  * agrees come first. No name and key come twice; 512 signatures are verified, and 65,536 names compared, at most.
  * `*path` is written on success only; the report is that of the path found, or of the last that failed. Codes: those of
  * the last path that reached an anchor and failed; else F_BUILD_CERTPATH with 49, 3C, ERR_NOT_FOUNDED (none reaches an
- * anchor) or ERR_INVALID_MAX_PATH_LENGTH (one of the limits was met). CERTPATH_ANCHOR_CONSTRAINTS has no effect. */
+ * anchor) or ERR_INVALID_MAX_PATH_LENGTH (one of the limits was met). With
+ * CERTPATH_ANCHOR_CONSTRAINTS the anchor's certificate is looked for in `pool`. */
 VELPKI_API int build_certPath_strict(STACK **path, const X509_CERT *cert, const STACK *pool,
                                      const TRUST_ANCHORS *anchors, const CERTPATH_SETTINGS *settings,
                                      CERTPATH_REPORT *report) VELPKI_NOEXCEPT;

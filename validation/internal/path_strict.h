@@ -12,7 +12,8 @@ struct VerifiedPath {
   std::span<const X509_CERT *const> certs;
   const TRUST_ANCHOR &anchor;
   const CERTPATH_SETTINGS &settings;
-  bool of_list_signer;  // another validation asks for it, because its end entity signed a revocation list
+  const X509_CERT *anchor_cert;  // the anchor's own certificate, where what it says counts; else null
+  bool of_list_signer;           // another validation asks for it, because its end entity signed a revocation list
 };
 
 // 0 when the lists of the settings say that the certificate is not revoked, for every reason that there is.

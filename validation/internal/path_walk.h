@@ -36,8 +36,7 @@ class StandardCerts {
 class PathWalk {
  public:
   explicit PathWalk(const VerifiedPath &path) noexcept;
-  // `anchor`, where it is not null, is a certificate whose extensions count before those of the path.
-  int run(const X509_CERT *anchor, STACK **policies) noexcept;
+  int run(STACK **policies) noexcept;
   int index() const noexcept { return index_; }  // of the certificate that failed, -1 for none
 
  private:
