@@ -113,6 +113,22 @@ void validate(STACK *path) {
   free_node_LIST(tree);
 }
 
+// By RFC 5280, in standard form, to the root as an anchor: its own certificate is read and not verified.
+void path_strict(benchmark::State &state) {
+  const Path path(new_X509_CERTIFICATES());
+  for (const Bytes &der : sample_path()) {
+    X509_CERT *cert = nullptr;
+    require(readDER_X509_CERT_from_Binary_RFC5280(&cert, der.data(), int(der.size())) == 0);
+    require(push_STACK_value(path.get(), cert));
+  }
+  const auto *root = static_cast<const X509_CERT *>(path->data[kLength - 1]);
+  TRUST_ANCHOR anchor{get_X509_subject(root), get_X509_SPKI(root)};
+  TRUST_ANCHORS *anchors = new_TRUST_ANCHORS();
+  require(add_TRUST_ANCHORS(anchors, &anchor) == 0);
+  for (auto _ : state) require(validate_certpath_strict(path.get(), anchors, nullptr, nullptr) == 0);
+  free_TRUST_ANCHORS(anchors);
+}
+
 // One path for all threads.
 void path_velpki(benchmark::State &state) {
   static STACK *const path = decoded_path().release();
@@ -121,6 +137,7 @@ void path_velpki(benchmark::State &state) {
 }
 
 void path_raw(benchmark::State &state) {
+  const int signatures = int(state.range(0));
   const Path path = decoded_path();
   std::vector<std::unique_ptr<peer::Verifier>> issuers;
   for (int i = 0; i < kLength; ++i) {
@@ -134,7 +151,7 @@ void path_raw(benchmark::State &state) {
     issuers.push_back(std::make_unique<peer::Verifier>(number(PKV_RSA_N), number(PKV_RSA_E)));
   }
   for (auto _ : state) {
-    for (int i = 0; i < kLength; ++i) {
+    for (int i = 0; i < signatures; ++i) {
       const auto *cert = static_cast<const X509_CERT *>(path->data[i]);
       int length = 0;
       const unsigned char *tbs = get_X509_received(cert, 1, &length);
@@ -150,9 +167,10 @@ void path_libcrypto(benchmark::State &state) {
 }
 
 BENCHMARK(path_velpki);
-BENCHMARK(path_raw);
+BENCHMARK(path_strict);
+BENCHMARK(path_raw)->Arg(kLength)->Arg(kLength - 1);
 BENCHMARK(path_libcrypto);
 BENCHMARK(path_velpki)->Threads(2)->UseRealTime();
-BENCHMARK(path_raw)->Threads(2)->UseRealTime();
+BENCHMARK(path_raw)->Arg(kLength)->Threads(2)->UseRealTime();
 
 }  // namespace
