@@ -190,7 +190,7 @@ TEST(Kcdsa, VerifiesInTwoThreadsAndSurvivesExhaustedMemory) {
 
 TEST(Kcdsa, GeneratesParameters) {
   const Kcdsa key(PKV_New_KCDSA());
-  const auto stop = [](int count, void *) { return count == 3 ? 1 : 0; };
+  const auto stop = [](int, void *) { return 1; };  // at the first candidate: there may be no second
   EXPECT_EQ(PKV_ERR_UNSUPPORTED, PKV_Generate_KCDSA_Params(key, 1024, 224, PKV_DIGEST_SHA224, nullptr, nullptr));
   EXPECT_EQ(PKV_ERR_FAILED, PKV_Generate_KCDSA_Params(key, 1024, 160, PKV_DIGEST_SHA1, stop, nullptr));
 #ifdef VELPKI_SLOW_TESTS

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <cstdlib>
-#include <cstring>
 #include <map>
 #include <string>
 #include <utility>
@@ -30,65 +29,9 @@ struct Json {
   int number() const { return std::atoi(text.c_str()); }
 };
 
-// Aborts on what is not JSON. Escapes other than \" \\ \/ are kept as they stand.
-class JsonReader {
- public:
-  explicit JsonReader(const Bytes &file) : at_(file.data()), end_(at_ + file.size()) {}
-  Json read() {
-    Json out;
-    const char first = peek();
-    if (first == '{')
-      read_fields(out);
-    else if (first == '[')
-      read_items(out);
-    else if (first == '"')
-      out.text = read_string();
-    else
-      while (at_ < end_ && !std::strchr(",]} \n\r\t", *at_)) out.text += char(*at_++);
-    return out;
-  }
-
- private:
-  char peek() {
-    while (at_ < end_ && std::strchr(" \n\r\t", *at_)) ++at_;
-    if (at_ == end_) std::abort();
-    return char(*at_);
-  }
-  bool take(char c) { return peek() == c ? ++at_, true : false; }
-  void expect(char c) {
-    if (!take(c)) std::abort();
-  }
-  std::string read_string() {
-    std::string out;
-    expect('"');
-    for (; at_ < end_ && *at_ != '"'; ++at_) {
-      if (*at_ == '\\' && end_ - at_ > 1 && std::strchr("\"\\/", at_[1])) ++at_;
-      out += char(*at_);
-    }
-    expect('"');
-    return out;
-  }
-  void read_items(Json &out) {
-    expect('[');
-    if (take(']')) return;
-    do out.items.push_back(read());
-    while (take(','));
-    expect(']');
-  }
-  void read_fields(Json &out) {
-    expect('{');
-    if (take('}')) return;
-    do {
-      const std::string name = (peek(), read_string());
-      expect(':');
-      out.fields[name] = read();
-    } while (take(','));
-    expect('}');
-  }
-  const uint8_t *at_, *end_;
-};
-
-inline Json read_json(const std::string &path) { return JsonReader(read_file(path)).read(); }
+// Of a file, and of text. What is not JSON ends the program.
+Json read_json(const std::string &path);
+Json parse_json(const std::string &text);
 
 // A group of values that independent code made for the Korean scheme.
 inline const Json &korean(const char *group) {

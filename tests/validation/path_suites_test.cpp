@@ -1,5 +1,6 @@
 // Suites of paths through validate_certpath_strict. tests/data/certpath_suites.tsv says where the answer is
 // another, and why.
+#include <algorithm>
 #include <cstdio>
 
 #include <velpki/base64.h>
@@ -31,11 +32,11 @@ bool add_text(STACK *list, const std::string &base64,
   return done && push_STACK_value(list, record);
 }
 
-// The text between the first and the last line of a PEM block, whose line feeds stand as escapes.
+// The text between the first and the last line of a PEM block, without line feeds.
 std::string base64_of(const std::string &pem) {
-  std::string out;
-  const size_t end = pem.rfind("\\n-----END");
-  for (size_t at = pem.find("\\n") + 2; at < end; ++at) pem[at] == '\\' ? void(++at) : out.push_back(pem[at]);
+  const size_t start = pem.find('\n') + 1;
+  std::string out = pem.substr(start, pem.rfind("\n-----END") - start);
+  out.erase(std::remove(out.begin(), out.end(), '\n'), out.end());
   return out;
 }
 
@@ -44,7 +45,7 @@ std::vector<Json> rows_of(const std::string &path) {
   const Bytes file = read_file(path);
   std::vector<Json> rows;
   for (const std::string &line : split(std::string(file.begin(), file.end()), '\n'))
-    if (!line.empty()) rows.push_back(JsonReader(Bytes(line.begin(), line.end())).read());
+    if (!line.empty()) rows.push_back(parse_json(line));
   return rows;
 }
 
