@@ -43,6 +43,21 @@ void print_path(const STACK *path) {
   }
 }
 
+// The verdict to rely on: RFC 5280, to one of the anchors.
+void validate_strictly(const X509_CERT *cert, const STACK *pool, const TRUST_ANCHORS *anchors) {
+  STACK *path = nullptr;
+  CERTPATH_REPORT report;
+  check(build_certPath_strict(&path, cert, pool, anchors, nullptr, &report), "build_certPath_strict");
+  const Certificates owner(path);
+  std::printf("by RFC 5280: valid, %d certificates below the anchor; policies", path->count);
+  for (int i = 0; i < get_STACK_count(report.policies); ++i) {
+    const auto *policy = static_cast<const OBJECT_IDENTIFIER *>(get_STACK_value(report.policies, i));
+    std::printf(" %s", reinterpret_cast<const char *>(policy->data));
+  }
+  std::puts("");
+  free_CERTPATH_POLICIES(report.policies);
+}
+
 }  // namespace
 
 int main(int argc, char **argv) {
@@ -54,6 +69,9 @@ int main(int argc, char **argv) {
   read_file(argv[3], pool.get(), anchors);
   std::printf("%d certificates to choose from, %d of them trusted\n", pool->count, anchors->count);
 
+  validate_strictly(cert.get(), pool.get(), anchors);
+
+  // The house's own path and validation, which gives the tree of policies.
   STACK *path = nullptr;
   const int built = build_certPath(&path, cert.get(), pool.get(), anchors);
   free_TRUST_ANCHORS(anchors);
@@ -65,7 +83,7 @@ int main(int argc, char **argv) {
   const int code = validate_certpath(path, nullptr, &tree);
   const std::unique_ptr<node_LIST, ReleasePaths> levels(tree);
   check(code, "validate_certpath");
-  std::puts("valid; its policies, level by level:");
+  std::puts("by the rules of the house: valid; its policies, level by level");
   print_VALID_POLICY_TREE_LIST(tree);
   return 0;
 }
