@@ -11,7 +11,7 @@ bool read_choice(MessageReader &in, STACK &list, STACK *&others) noexcept {
   if (!in.next(child)) return false;
   owned<E> element(blank<E>());
   if (!in.made(element.get())) return false;
-  const bool fits = child.identifier == tag::kSequence || !in.rules().standard;
+  const bool fits = child.fits(tag::kSequence);
   const int code = fits ? decode(child, *element) : 0;
   if (fits && !code) return append(&list, element) || in.stop(Read::no_memory);
   if (!in.rules().standard || reason_of(code) == kNoMemory) return in.inner(code);

@@ -41,6 +41,7 @@ void drop_content(CMS_CONTENT_INFO &cms) noexcept { release_content(cms, cms_con
 
 // ContentInfo ::= SEQUENCE { contentType OBJECT IDENTIFIER, content [0] EXPLICIT ANY DEFINED BY contentType }
 int decode(const Tlv &tlv, CMS_CONTENT_INFO &out) noexcept {
+  if (!tlv.fits(tag::kSequence)) return fail(F_SEQ_TO_CMS_CONTENT_INFO, ERR_ASN1_DECODING);
   MessageReader in(tlv);
   if (!in.oid(out.contentType)) return in.result(F_SEQ_TO_CMS_CONTENT_INFO);
   const ContentType *type = cms_content_type(index_from_OBJECT_IDENTIFIER(out.contentType));

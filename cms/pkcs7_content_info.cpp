@@ -59,6 +59,7 @@ void drop_content(P7_CONTENT_INFO &p7) noexcept { release_content(p7, content_ty
 
 // ContentInfo ::= SEQUENCE { contentType OBJECT IDENTIFIER, content [0] EXPLICIT ANY DEFINED BY contentType OPTIONAL }
 int decode(const Tlv &tlv, P7_CONTENT_INFO &out) noexcept {
+  if (!tlv.fits(tag::kSequence)) return fail(F_SEQ_TO_P7_CONTENT_INFO, ERR_ASN1_DECODING);
   MessageReader in(tlv);
   if (!in.oid(out.contentType)) return in.result(F_SEQ_TO_P7_CONTENT_INFO);
   const int kind = kind_of(out.contentType);

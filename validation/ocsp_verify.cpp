@@ -46,7 +46,7 @@ int decode_basic(const OCSP_RESPONSE &response, Rules rules, BASIC_OCSP_RESPONSE
   const Octets octets = velpki::octets(*bytes->response);
   if (!Tlv::parse(octets, rules, tlv)) return ocsp_failure(ERR_ASN1_DECODING);
   if (rules.standard && tlv.whole.size() != octets.size()) return ocsp_failure(ERR_TRAILING_OCTETS);
-  if (rules.standard && tlv.identifier != tag::kSequence) return ocsp_failure(ERR_ASN1_DECODING);
+  if (!tlv.fits(tag::kSequence)) return ocsp_failure(ERR_ASN1_DECODING);
   return from_tlv(kOcsp, tlv, out, decode);
 }
 

@@ -7,8 +7,9 @@ namespace velpki {
 
 namespace {
 
-constexpr int kSignatures = 512, kComparisons = 1 << 16;
-constexpr int kLongestBuilt = 64;
+constexpr int kSignatures = 512, kLongestBuilt = 64;
+// Names are compared with those of all anchors and of the whole pool, for each certificate that is looked at.
+constexpr int64_t kComparisons = 1 << 16, kComparisonsOfEach = 32;
 
 constexpr int failure(int reason) noexcept { return fail(F_BUILD_CERTPATH, reason); }
 
@@ -20,7 +21,10 @@ bool has_key_id_of_issuer(const X509_CERT &candidate, const X509_CERT &cert) noe
 class StrictBuilder {
  public:
   StrictBuilder(const PathTask &task, const STACK *first_pool, const STACK *pool, CERTPATH_REPORT &report) noexcept
-      : task_(task), pools_{first_pool, pool}, report_(report) {}
+      : task_(task), pools_{first_pool, pool}, report_(report) {
+    comparisons_left_ = kComparisons + kComparisonsOfEach * task.anchors.count;
+    for (const STACK *each : pools_) comparisons_left_ += kComparisonsOfEach * (each ? each->count : 0);
+  }
 
   int run(const X509_CERT &cert, bool want_policies) noexcept {
     want_policies_ = want_policies;
@@ -119,7 +123,8 @@ class StrictBuilder {
   const TRUST_ANCHOR *anchor_ = nullptr;  // that the path ends at
   const X509_CERT *path_[kLongestBuilt + 1];
   int length_ = 0, code_ = 0;
-  int signatures_left_ = kSignatures, comparisons_left_ = kComparisons;
+  int signatures_left_ = kSignatures;
+  int64_t comparisons_left_;
   bool stopped_ = false, too_long_ = false, no_memory_ = false, want_policies_ = false;
 };
 

@@ -105,7 +105,7 @@ int decode(const Tlv &tlv, X509_TBS_CERT &out) noexcept {
 
 // Certificate ::= SEQUENCE { tbsCertificate, signatureAlgorithm AlgorithmIdentifier, signatureValue BIT STRING }
 int decode(const Tlv &tlv, X509_CERT &out) noexcept {
-  if (tlv.rules.standard && tlv.identifier != tag::kSequence) return fail(F_SEQ_TO_X509_CERT, ERR_ASN1_DECODING);
+  if (!tlv.fits(tag::kSequence)) return fail(F_SEQ_TO_X509_CERT, ERR_ASN1_DECODING);
   Cursor in(tlv);
   Tlv tbs;
   if (!in.next(TYPE_SEQUENCE, tbs)) return in.result(F_SEQ_TO_X509_CERT);

@@ -116,7 +116,7 @@ int decode_kept(const Tlv &tlv, X509_CRL &out) noexcept {
 
 // CertificateList ::= SEQUENCE { tbsCertList, signatureAlgorithm AlgorithmIdentifier, signatureValue BIT STRING }
 int decode(const Tlv &tlv, X509_CRL &out) noexcept {
-  if (tlv.rules.standard && tlv.identifier != tag::kSequence) return fail(F_SEQ_TO_X509_CRL, ERR_ASN1_DECODING);
+  if (!tlv.fits(tag::kSequence)) return fail(F_SEQ_TO_X509_CRL, ERR_ASN1_DECODING);
   out.kept = Flat<X509_CRL_KEPT>::make();
   if (!out.kept) return fail(F_SEQ_TO_X509_CRL, kNoMemory);
   out.kept->received = new_received(tlv, tlv.content);

@@ -123,14 +123,9 @@ owned<Index> new_index(const STACK &list) noexcept {
   return index;
 }
 
-// An entry's extensions: certificateIssuer, and critical ones other than a reason code and an invalidity date.
 int fault_of(const STACK *extensions) noexcept {
-  for (const X509_EXTENSION *each : elements<X509_EXTENSION>(extensions)) {
-    if (!each || !each->object) continue;
-    const std::string_view oid = text(*each->object);
-    if (oid == "2.5.29.29") return ERR_CRL_INDIRECT;
-    if (each->critical && oid != "2.5.29.21" && oid != "2.5.29.24") return ERR_UNKNOWN_EXTENSION;
-  }
+  for (const X509_EXTENSION *each : elements<X509_EXTENSION>(extensions))
+    if (const int fault = each && each->object ? fault_of_entry(*each) : 0) return fault;
   return 0;
 }
 
@@ -185,6 +180,14 @@ int position_of(const X509_CRL *crl, const BIGINT *serial) noexcept {
 }
 
 }  // namespace
+
+// Critical ones are known when they are a reason code or an invalidity date.
+int fault_of_entry(const X509_EXTENSION &extension) noexcept {
+  const std::string_view oid = text(*extension.object);
+  if (oid == "2.5.29.29") return ERR_CRL_INDIRECT;
+  const bool known = oid == "2.5.29.21" || oid == "2.5.29.24";
+  return extension.critical && !known ? ERR_UNKNOWN_EXTENSION : 0;
+}
 
 int entries_fault(const X509_CRL &crl) noexcept {
   const STACK *list = get_X509_CRL_revoked(&crl);

@@ -39,7 +39,7 @@ owned<BIGINT> signed_serial(const X509_CERT &cert) noexcept {
 int serial_of(const X509_CERT &cert, const BIGINT *&out, owned<BIGINT> &owner) noexcept {
   out = get_X509_serial(&cert);
   if (!out) return failure(kNullArgument);
-  if (!cert.received) return 0;
+  if (!cert.received || cert.received->standard) return 0;
   owner = signed_serial(cert);
   if (!owner) return failure(kNoMemory);
   if (PKV_Is_BIGINT_Negative(owner.get())) out = owner.get();
@@ -65,10 +65,9 @@ class IssuerOfEntries {
   bool is_wanted(const X509_NAME *name) const noexcept { return cmp_X509_NAME_RFC5280(name, wanted_) == 0; }
 
   int take(const X509_EXTENSION &extension) noexcept {
-    const std::string_view oid = text(*extension.object);
-    if (oid == "2.5.29.29") return take_issuer(extension);
-    const bool known = oid == "2.5.29.21" || oid == "2.5.29.24";
-    return extension.critical && !known ? failure(ERR_UNKNOWN_EXTENSION) : 0;
+    const int fault = fault_of_entry(extension);
+    if (fault == ERR_CRL_INDIRECT) return take_issuer(extension);
+    return fault ? failure(fault) : 0;
   }
   int take_issuer(const X509_EXTENSION &extension) noexcept {
     STACK *names = nullptr;

@@ -76,7 +76,7 @@ int decode(const Tlv &tlv, PKCS10_X509_REQ_INFO &out) noexcept {
 // CertificationRequest ::= SEQUENCE { certificationRequestInfo CertificationRequestInfo, signatureAlgorithm
 //   AlgorithmIdentifier, signature BIT STRING }
 int decode(const Tlv &tlv, PKCS10_X509_REQ &out) noexcept {
-  if (tlv.rules.standard && tlv.identifier != tag::kSequence) return fail(kRequest, ERR_ASN1_DECODING);
+  if (!tlv.fits(tag::kSequence)) return fail(kRequest, ERR_ASN1_DECODING);
   Cursor in(tlv);
   Tlv info;
   if (!in.next(TYPE_SEQUENCE, info)) return in.result(kRequest);

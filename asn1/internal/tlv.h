@@ -43,6 +43,8 @@ struct Tlv {
   Octets header;   // the length octets
 
   uint8_t number() const noexcept { return tag::number(identifier); }
+  // Whether a record with this identifier may be read from the value. House form does not look at the outermost one.
+  bool fits(uint8_t wanted) const noexcept { return !rules.standard || identifier == wanted; }
 
   // Reads the value at the start of `in`. Where the house measure of an indefinite length does not stay inside, `rules`
   // changes to X.690 for the caller's whole walk: so at most one failed try is made per level, and time stays linear.

@@ -124,7 +124,8 @@ VELPKI_API int validate_certpath_strict(const STACK *certs, const TRUST_ANCHORS 
 /** Finds a path that validate_certpath_strict takes with these settings, from `cert` through certificates of `pool` to
  * an anchor, and gives a new STACK of copies, `cert` first and without the anchor's own certificate, released with
  * free_X509_CERTIFICATES. A path that fails is followed by the next one. Of several issuers those whose key identifier
- * agrees come first. No name and key come twice; 512 signatures are verified, and 65,536 names compared, at most.
+ * agrees come first. No name and key come twice. At most 512 signatures are verified, and 65,536 names compared and 32
+ * more for each certificate of the pool and each anchor.
  * `*path` is written on success only; the report is that of the path found, or of the last that failed. Codes: those of
  * the last path that reached an anchor and failed; else F_BUILD_CERTPATH with 49, 3C, ERR_NOT_FOUNDED (none reaches an
  * anchor) or ERR_INVALID_MAX_PATH_LENGTH (one of the limits was met). With

@@ -84,6 +84,20 @@ TEST_F(Strict, LongPathsAreRefusedUnlessAskedFor) {
   }
 }
 
+TEST_F(Strict, AuthoritiesAreFoundInALargePool) {
+  std::vector<Made> made = {{"user", "5", 1, 1}};
+  for (int i = 5; i > 0; --i)
+    made.push_back({std::to_string(i), i > 1 ? std::to_string(i - 1) : "root", 1, i > 1, kAuthority});
+  made.push_back(kRoot);
+  const StrictPath path(made);
+  const Owned<STACK, free_STACK> pool(new_STACK());
+  for (int i = 0; i < 20000; ++i) push_STACK_value(pool, path.certs->data[0]);  // nobody's issuer
+  for (int i = 1; i < 6; ++i) push_STACK_value(pool, path.certs->data[i]);
+  Certificates built;
+  EXPECT_EQ(build_certPath_strict(&built, item<X509_CERT>(path.certs, 0), pool, path.anchors, nullptr, nullptr), 0);
+  EXPECT_EQ(get_STACK_count(built), 6);
+}
+
 TEST_F(Strict, EachAllocationMayFail) {
   const StrictPath path({{"user", "b", 1, 1, hosts(2) + policies(2)},
                          {"b", "root", 1, 0, kAuthority + excluded(2) + policies(2) + mappings(2)},

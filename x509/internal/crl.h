@@ -69,6 +69,9 @@ X509_CRL_KEPT *kept_of(const X509_REVOKED &entry) noexcept;
 // A list of entries, ordered by serial number when it is sorted.
 STACK *new_revoked_list() noexcept;
 
+// What speaks against using a list that has an entry with this extension: 0, ERR_CRL_INDIRECT (it names another issuer)
+// or ERR_UNKNOWN_EXTENSION.
+int fault_of_entry(const X509_EXTENSION &extension) noexcept;
 // What speaks against using the list at all: 0, ERR_CRL_INDIRECT or ERR_UNKNOWN_EXTENSION of an entry.
 int entries_fault(const X509_CRL &crl) noexcept;
 

@@ -187,12 +187,12 @@ int append_from_tlv(int function, const Tlv &tlv, STACK **list, int (*decode)(co
 }
 template <class R>
 int value_from_tlv(int function, const Tlv &tlv, R **record, int (*decode)(const Tlv &, R &) noexcept) noexcept {
-  if (tlv.rules.standard && tlv.identifier != tag::kSequence) return fail(function, ERR_ASN1_DECODING);
+  if (!tlv.fits(tag::kSequence)) return fail(function, ERR_ASN1_DECODING);
   return from_tlv(function, tlv, record, decode);
 }
 template <class E>
 int values_from_tlv(int function, const Tlv &tlv, STACK **list, int (*decode)(const Tlv &, STACK &) noexcept) noexcept {
-  if (tlv.rules.standard && tlv.identifier != tag::kSequence) return fail(function, ERR_ASN1_DECODING);
+  if (!tlv.fits(tag::kSequence)) return fail(function, ERR_ASN1_DECODING);
   return append_from_tlv<E>(function, tlv, list, decode);
 }
 // The view of a unit, or the code for its lack.
