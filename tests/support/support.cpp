@@ -108,7 +108,7 @@ int digest_id(const std::string &name) {
   static const std::map<std::string, int> ids = {{"md5", PKV_DIGEST_MD5},       {"sha1", PKV_DIGEST_SHA1},
                                                  {"sha224", PKV_DIGEST_SHA224}, {"sha256", PKV_DIGEST_SHA256},
                                                  {"sha384", PKV_DIGEST_SHA384}, {"sha512", PKV_DIGEST_SHA512},
-                                                 {"has160", PKV_DIGEST_HAS160}};
+                                                 {"has160", PKV_DIGEST_HAS160}, {"mdc2", PKV_DIGEST_MDC2}};
   std::string plain;
   for (const char c : name)
     if (c != '-') plain += char(std::tolower(c));

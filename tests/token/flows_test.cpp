@@ -1,5 +1,5 @@
 // Every function that signs, with keys that are elsewhere: in SoftHSM2, and behind a callback that fails.
-#include "cms/parties.h"
+#include "cms/cms_parties.h"
 #include "softhsm.h"
 #include "x509/requests.h"
 
@@ -7,137 +7,127 @@ namespace {
 
 using namespace test;
 
-constexpr int kSha256 = 672, kAes128Cbc = 419, kBroken = 0x7E;
+constexpr int kSha256 = 672, kBroken = 0x7E;
+constexpr const char kPss[] = "1.2.840.113549.1.1.10", kRsaSha256[] = "1.2.840.113549.1.1.11";
 const Bytes content(200, 0x5A);
 
-// Who signs: the key that is elsewhere, its public half as the others have it, and its certificate.
-struct Signer {
-  const ASYMMETRIC_KEY *elsewhere;
-  const X509_PUBKEY *pubkey;
-  const char *algorithm;  // of signatures in standard form
-  Certificate certificate;
+// An unsigned certificate or list, for signatures by an algorithm.
+template <class Parts>
+Parts parts_for(const char *algorithm) {
+  Parts parts;
+  parts.signature = parts.outer = hex(hex_of(X509_ALGO_IDENTIFIER_to_Seq, test::algorithm(0, algorithm)));
+  return parts;
+}
+Certificate certificate_for(const X509_PUBKEY *pubkey, const char *algorithm) {
+  auto parts = parts_for<CertificateParts>(algorithm);
+  parts.spki = hex(hex_of(X509_PUBKEY_to_Seq_RFC5280, pubkey));
+  return read_certificate_RFC5280(parts.der());
+}
 
-  ASYMMETRIC_KEY *key() const { return const_cast<ASYMMETRIC_KEY *>(elsewhere); }
-  String oid() const { return test::oid(algorithm); }
-  template <class Parts>
-  Parts parts() const {
-    Parts made;
-    made.signature = made.outer = hex(hex_of(X509_ALGO_IDENTIFIER_to_Seq, test::algorithm(0, algorithm).get()));
-    return made;
-  }
-  Certificate unsigned_certificate() const {
-    auto made = parts<CertificateParts>();
-    made.spki = hex(hex_of(X509_PUBKEY_to_Seq_RFC5280, pubkey));
-    return read_certificate_RFC5280(made.der());
-  }
-  Crl unsigned_crl() const { return read_crl_RFC5280(parts<CrlParts>().der()); }
-  Request request() const { return unsigned_request(elsewhere, algorithm); }
+struct OcspAnswer {
+  Owned<OCSP_RESPONSE_DATA> data;
+  Owned<BASIC_OCSP_RESPONSE> basic;
 };
 
-// What signing answers, and what verifying what came of it with the public key does.
+// Who signs, with a key that is elsewhere, what records are made for; the recipient has a key in memory.
+struct Signer {
+  const Owned<ASYMMETRIC_KEY> &key;
+  const X509_PUBKEY *pubkey;
+  const char *algorithm;  // of signatures in standard form
+  const ASYMMETRIC_KEY *recipient_key;
+  Certificate certificate = certificate_for(pubkey, algorithm);
+  Certificate recipient = certificate_for(public_half(recipient_key), kRsaSha256);
+
+  Crl list() const { return read_crl_RFC5280(parts_for<CrlParts>(algorithm).der()); }
+  Message message(int type = PKCS7_SIGNED_DATA, int padding = PKV_RSA_PKCS1) const {
+    Message made = message_of(type);
+    EXPECT_TRUE(add_PKCS7_Signature_ex(made, certificate, key, kSha256, padding, nullptr));
+    EXPECT_EQ(add_PKCS7_Certificate_ex(made, certificate), 0);
+    if (type != PKCS7_SIGNED_DATA) EXPECT_TRUE(add_PKCS7_Recipient(made, recipient));
+    return made;
+  }
+  Cms cms(int padding) const {
+    Cms made = cms_of(CMS_TYPE_SIGNED_DATA);
+    EXPECT_TRUE(add_CMS_Signature_ex(made, certificate, 0, key, kSha256, padding, nullptr));
+    EXPECT_EQ(add_CMS_Certificate(made, certificate), 0);
+    return made;
+  }
+  Owned<OCSP_REQUEST> question() const {
+    Owned<OCSP_REQUEST> made;
+    EXPECT_EQ(generate_single_OCSP_REQUEST_strict(&made, certificate, certificate, PKV_DIGEST_SHA1, nullptr, 0), 0);
+    return made;
+  }
+  OcspAnswer answer() const {
+    OcspAnswer made;
+    const Owned<STACK, free_STACK> no_entries(new_STACK());
+    EXPECT_EQ(generate_OCSP_RESPONSE_DATA(&made.data, certificate, 0, no_entries, nullptr, 0), 0);
+    return made;
+  }
+};
+
+int sign_in_pieces(const Message &p7) {
+  EXPECT_EQ(init_PKCS7_Sign(p7, 1), 0);
+  for (const size_t at : {0, 100}) EXPECT_EQ(update_PKCS7_Sign(p7, &content[at], 100), 0);
+  return final_PKCS7_Sign(p7);
+}
+int open_and_verify(const Message &p7, const Signer &s) {
+  uint8_t out[256];
+  int length = sizeof out;
+  return verify_decrypt_PKCS7_strict(p7, s.recipient, s.recipient_key, nullptr, 0, out, &length);
+}
+int verify_sent(const OCSP_REQUEST *request, const X509_CERT *by) {
+  const Bytes octets = octets_by(writeDER_OCSP_REQUEST_to_Binary, request);
+  return verify_OCSP_REQUEST_strict(read_by(readDER_OCSP_REQUEST_from_Binary, octets), by);
+}
+
+// What signing a record answers, and what verifying it with the public key does then.
 struct Codes {
   int signing, verifying;
 };
-
-void sign_by(const Signer &s, const Message &p7, int padding) {
-  EXPECT_TRUE(add_PKCS7_Signature_ex(p7, s.certificate, s.key(), kSha256, padding, nullptr));
-  EXPECT_EQ(add_PKCS7_Certificate_ex(p7, s.certificate), 0);
-}
-Codes sign_message(const Signer &s, int padding, int flags) {
-  const Message p7 = message_of(PKCS7_SIGNED_DATA);
-  sign_by(s, p7, padding);
-  return {sign_PKCS7_ex(p7, content.data(), 200, 0, flags), verify_strictly(p7)};
-}
-Codes sign_cms(const Signer &s, int padding) {
-  const Owned<CMS_CONTENT_INFO> cms(new_CMS_CONTENT_INFO());
-  EXPECT_EQ(set_CMS_Type(cms, CMS_TYPE_SIGNED_DATA), 0);
-  EXPECT_TRUE(add_CMS_Signature_ex(cms, s.certificate, 0, s.key(), kSha256, padding, nullptr));
-  EXPECT_EQ(add_CMS_Certificate(cms, s.certificate), 0);
-  return {sign_CMS(cms, content.data(), 200, 0), verify_CMS_strict(cms, nullptr, nullptr, nullptr, 0, 0, nullptr, 0)};
-}
-// The recipient has a key in memory; the signer does not.
-Codes sign_and_seal(const Signer &s) {
-  const Owned<ASYMMETRIC_KEY> own = rsa();
-  const Owned<X509_PUBKEY> half = public_half(own);
-  const Certificate to = Signer{nullptr, half, "1.2.840.113549.1.1.11", nullptr}.unsigned_certificate();
-  const Message p7 = message_of(PKCS7_SIGNED_AND_ENVELOPED_DATA);
-  sign_by(s, p7, PKV_RSA_PKCS1);
-  EXPECT_TRUE(add_PKCS7_Recipient(p7, to));
-  uint8_t out[256];
-  int length = sizeof out;
-  return {sign_encrypt_PKCS7_userKEY_SP_ex(p7, algorithm(kAes128Cbc), content.data(), 200, nullptr, nullptr, 0),
-          verify_decrypt_PKCS7_strict(p7, to, own, nullptr, 0, out, &length)};
-}
-
-Codes sign_ocsp_request(const Signer &s, int (*sign)(OCSP_REQUEST *, const Signer &)) {
-  Owned<OCSP_REQUEST> made;
-  EXPECT_EQ(generate_single_OCSP_REQUEST_strict(&made, s.certificate, s.certificate, PKV_DIGEST_SHA1, nullptr, 0), 0);
-  const int code = sign(made, s);
-  const Owned<OCSP_REQUEST> read(
-      read_by(readDER_OCSP_REQUEST_from_Binary, octets_by(writeDER_OCSP_REQUEST_to_Binary, made.get())));
-  return {code, code ? code : verify_OCSP_REQUEST_strict(read, s.certificate)};
-}
-Codes sign_ocsp_response(const Signer &s, int (*sign)(BASIC_OCSP_RESPONSE **, OCSP_RESPONSE_DATA *, const Signer &)) {
-  Owned<OCSP_RESPONSE_DATA> data;
-  const Owned<STACK, free_STACK> no_entries(new_STACK());
-  Owned<BASIC_OCSP_RESPONSE> basic;
-  EXPECT_EQ(generate_OCSP_RESPONSE_DATA(&data, s.certificate, 0, no_entries, nullptr, 0), 0);
-  const int code = sign(&basic, data, s);
-  return {code, code ? code : verify_BASIC_OCSP_RESPONSE(basic, s.certificate, nullptr, 0)};
-}
-
 struct Flow {
   const char *name;
   bool rsa_only;
   Codes (*run)(const Signer &);
 };
 // clang-format off
+#define OVER(record, signing, verifying) [](const Signer &s) -> Codes { auto r = record; return {signing, verifying}; }
 const Flow kFlows[] = {
-  {"certificate", true, [](const Signer &s) -> Codes {
-    const Certificate c = s.unsigned_certificate();
-    return {gen_SIG_X509_Cert(c, s.key()), verify_SIG_X509_CERT(c, s.pubkey->key)}; }},
-  {"certificate, RFC 5280", false, [](const Signer &s) -> Codes {
-    const Certificate c = s.unsigned_certificate();
-    return {gen_SIG_X509_Cert_RFC5280(c, s.key()), verify_SIG_X509_CERT_RFC5280(c, s.pubkey)}; }},
-  {"certificate, PSS", true, [](const Signer &s) -> Codes {
-    const Certificate c = Signer{s.elsewhere, s.pubkey, "1.2.840.113549.1.1.10", nullptr}.unsigned_certificate();
-    return {gen_SIG_X509_Cert_RFC5280_ex(c, s.key(), PKV_DIGEST_SHA384), verify_SIG_X509_CERT_RFC5280(c, s.pubkey)}; }},
-  {"request", true, [](const Signer &s) -> Codes {
-    const Request r = s.request();
-    return {gen_SIG_PKCS10_X509_REQ(r, s.key()), verify_SIG_PKCS10_X509_REQ(r)}; }},
-  {"request, RFC 5280", false, [](const Signer &s) -> Codes {
-    const Request r = s.request();
-    return {gen_SIG_PKCS10_X509_REQ_RFC5280(r, s.key()), verify_SIG_PKCS10_X509_REQ_RFC5280(r)}; }},
-  {"revocation list", true, [](const Signer &s) -> Codes {
-    const Crl c = s.unsigned_crl();
-    return {gen_RSA_SIG_X509_CRL(c, ASYMMETRIC_KEY_to_RSA_UNIT(s.elsewhere)), verify_SIG_X509_CRL(c, s.pubkey->key)}; }},
-  {"revocation list, RFC 5280", false, [](const Signer &s) -> Codes {
-    const Crl c = s.unsigned_crl();
-    return {gen_SIG_X509_CRL_RFC5280(c, s.key()), verify_SIG_X509_CRL_RFC5280(c, s.pubkey)}; }},
-  {"PKCS#7", true, [](const Signer &s) { return sign_message(s, PKV_RSA_PKCS1, 0); }},
-  {"PKCS#7, attributes", true, [](const Signer &s) { return sign_message(s, PKV_RSA_PKCS1, PKCS7_SIGN_ATTRIBUTES); }},
-  {"PKCS#7, PSS", true, [](const Signer &s) { return sign_message(s, PKV_RSA_PSS, PKCS7_SIGN_ATTRIBUTES); }},
-  {"PKCS#7, in pieces, detached", true, [](const Signer &s) -> Codes {
-    const Message p7 = message_of(PKCS7_SIGNED_DATA);
-    sign_by(s, p7, PKV_RSA_PKCS1);
-    EXPECT_EQ(init_PKCS7_Sign(p7, 1), 0);
-    for (const int at : {0, 100}) EXPECT_EQ(update_PKCS7_Sign(p7, &content[size_t(at)], 100), 0);
-    return {final_PKCS7_Sign(p7), verify_strictly(p7, 0, &content)}; }},
-  {"PKCS#7, enveloped", true, sign_and_seal},
-  {"CMS", true, [](const Signer &s) { return sign_cms(s, PKV_RSA_PKCS1); }},
-  {"CMS, PSS", true, [](const Signer &s) { return sign_cms(s, PKV_RSA_PSS); }},
-  {"OCSP request", true, [](const Signer &s) {
-    return sign_ocsp_request(s, [](OCSP_REQUEST *r, const Signer &by) {
-      return sign_OCSP_REQUEST_ex(r, by.key(), by.certificate, PKV_DIGEST_SHA256); }); }},
-  {"OCSP request, strict", false, [](const Signer &s) {
-    return sign_ocsp_request(s, [](OCSP_REQUEST *r, const Signer &by) {
-      return sign_OCSP_REQUEST_strict(r, by.key(), by.certificate, by.oid()); }); }},
-  {"OCSP response", true, [](const Signer &s) {
-    return sign_ocsp_response(s, [](BASIC_OCSP_RESPONSE **out, OCSP_RESPONSE_DATA *data, const Signer &by) {
-      return generate_BASIC_OCSP_RESPONSE(out, data, by.key(), nullptr); }); }},
-  {"OCSP response, strict", true, [](const Signer &s) {
-    return sign_ocsp_response(s, [](BASIC_OCSP_RESPONSE **out, OCSP_RESPONSE_DATA *data, const Signer &by) {
-      return generate_BASIC_OCSP_RESPONSE_strict(out, data, by.key(), nullptr, by.oid()); }); }},
+  {"certificate", true, OVER(certificate_for(s.pubkey, s.algorithm),
+    gen_SIG_X509_Cert(r, s.key), verify_SIG_X509_CERT(r, s.pubkey->key))},
+  {"certificate, RFC 5280", false, OVER(certificate_for(s.pubkey, s.algorithm),
+    gen_SIG_X509_Cert_RFC5280(r, s.key), verify_SIG_X509_CERT_RFC5280(r, s.pubkey))},
+  {"certificate, PSS", true, OVER(certificate_for(s.pubkey, kPss),
+    gen_SIG_X509_Cert_RFC5280_ex(r, s.key, PKV_DIGEST_SHA384), verify_SIG_X509_CERT_RFC5280(r, s.pubkey))},
+  {"request", true, OVER(unsigned_request(s.key, s.algorithm),
+    gen_SIG_PKCS10_X509_REQ(r, s.key), verify_SIG_PKCS10_X509_REQ(r))},
+  {"request, RFC 5280", false, OVER(unsigned_request(s.key, s.algorithm),
+    gen_SIG_PKCS10_X509_REQ_RFC5280(r, s.key), verify_SIG_PKCS10_X509_REQ_RFC5280(r))},
+  {"revocation list", true, OVER(s.list(),
+    gen_RSA_SIG_X509_CRL(r, ASYMMETRIC_KEY_to_RSA_UNIT(s.key)), verify_SIG_X509_CRL(r, s.pubkey->key))},
+  {"revocation list, RFC 5280", false, OVER(s.list(),
+    gen_SIG_X509_CRL_RFC5280(r, s.key), verify_SIG_X509_CRL_RFC5280(r, s.pubkey))},
+  {"PKCS#7", true, OVER(s.message(),
+    sign_PKCS7_ex(r, content.data(), 200, 0, 0), verify_strictly(r))},
+  {"PKCS#7, attributes", true, OVER(s.message(),
+    sign_PKCS7_ex(r, content.data(), 200, 0, PKCS7_SIGN_ATTRIBUTES), verify_strictly(r))},
+  {"PKCS#7, PSS", true, OVER(s.message(PKCS7_SIGNED_DATA, PKV_RSA_PSS),
+    sign_PKCS7_ex(r, content.data(), 200, 0, PKCS7_SIGN_ATTRIBUTES), verify_strictly(r))},
+  {"PKCS#7, in pieces, detached", true, OVER(s.message(), sign_in_pieces(r), verify_strictly(r, 0, &content))},
+  {"PKCS#7, enveloped", true, OVER(s.message(PKCS7_SIGNED_AND_ENVELOPED_DATA),
+    sign_encrypt_PKCS7_userKEY_SP_ex(r, algorithm(419), content.data(), 200, nullptr, nullptr, 0),
+    open_and_verify(r, s))},
+  {"CMS", true, OVER(s.cms(PKV_RSA_PKCS1), sign_CMS(r, content.data(), 200, 0), verify_strict(r, nullptr, 0))},
+  {"CMS, PSS", true, OVER(s.cms(PKV_RSA_PSS), sign_CMS(r, content.data(), 200, 0), verify_strict(r, nullptr, 0))},
+  {"OCSP request", true, OVER(s.question(),
+    sign_OCSP_REQUEST_ex(r, s.key, s.certificate, PKV_DIGEST_SHA256), verify_sent(r, s.certificate))},
+  {"OCSP request, strict", false, OVER(s.question(),
+    sign_OCSP_REQUEST_strict(r, s.key, s.certificate, oid(s.algorithm)), verify_sent(r, s.certificate))},
+  {"OCSP response", true, OVER(s.answer(),
+    generate_BASIC_OCSP_RESPONSE(&r.basic, r.data, s.key, nullptr),
+    verify_BASIC_OCSP_RESPONSE(r.basic, s.certificate, nullptr, 0))},
+  {"OCSP response, strict", true, OVER(s.answer(),
+    generate_BASIC_OCSP_RESPONSE_strict(&r.basic, r.data, s.key, nullptr, oid(s.algorithm)),
+    verify_BASIC_OCSP_RESPONSE(r.basic, s.certificate, nullptr, 0))},
 };
 // clang-format on
 
@@ -145,31 +135,30 @@ int fail_to_sign(void *, int, int, int, const unsigned char *, int, unsigned cha
 
 class Flows : public SoftHsm {
  protected:
-  static void run_all(const KeyPair &pair, const char *algorithm) {
-    P11_KEY key = {session, pair.private_key, nullptr, nullptr, CKR_OK};
-    Owned<ASYMMETRIC_KEY> made;
-    ASSERT_EQ(read_P11_KEY(&key, pair.public_key, &made), 0);
-    const Owned<X509_PUBKEY> half = public_half(made);
+  static void run_all(const char *pair, const char *algorithm) {
+    P11_KEY by{};
+    const Owned<ASYMMETRIC_KEY> key = key_of(pair, by), recipient = rsa();
+    ASSERT_TRUE(key);
+    const Owned<X509_PUBKEY> half = public_half(key);
     const Owned<ASYMMETRIC_KEY> broken(dup_ASYMMETRIC_KEY(half->key));
-    if (RSA_UNIT *unit = ASYMMETRIC_KEY_to_RSA_UNIT(broken)) PKV_Set_RSA_Callback(unit, fail_to_sign, nullptr);
-    if (ECC_UNIT *unit = ASYMMETRIC_KEY_to_ECC_UNIT(broken)) PKV_Set_ECC_Callback(unit, fail_to_sign, nullptr);
-    Signer good{made, half, algorithm, nullptr}, bad{broken, half, algorithm, nullptr};
-    for (Signer *each : {&good, &bad}) {
-      each->certificate = good.unsigned_certificate();
-      ASSERT_EQ(gen_SIG_X509_Cert_RFC5280(each->certificate, made), 0);
-    }
+    RSA_UNIT *unit = ASYMMETRIC_KEY_to_RSA_UNIT(broken);
+    if (unit) PKV_Set_RSA_Callback(unit, fail_to_sign, nullptr);
+    if (!unit) PKV_Set_ECC_Callback(ASYMMETRIC_KEY_to_ECC_UNIT(broken), fail_to_sign, nullptr);
+    const Signer good{key, half, algorithm, recipient}, bad{broken, half, algorithm, recipient};
+    for (const Signer *each : {&good, &bad}) ASSERT_EQ(gen_SIG_X509_Cert_RFC5280(each->certificate, key), 0);
     for (const Flow &flow : kFlows) {
-      if (flow.rsa_only && !ASYMMETRIC_KEY_to_RSA_UNIT(made)) continue;
+      if (flow.rsa_only && !unit) continue;
+      SCOPED_TRACE(flow.name);
       const Codes well = flow.run(good), badly = flow.run(bad);
-      EXPECT_TRUE(well.signing == 0 && well.verifying == 0)
-          << flow.name << std::hex << ": " << well.signing << ", " << well.verifying;
-      EXPECT_EQ(badly.signing, kBroken) << flow.name;
-      EXPECT_NE(badly.verifying, 0) << flow.name;
+      EXPECT_EQ(well.signing, 0);
+      EXPECT_EQ(well.verifying, 0);
+      EXPECT_EQ(badly.signing, kBroken);
+      EXPECT_NE(badly.verifying, 0);
     }
   }
 };
 
-TEST_F(Flows, SignWithAnRsaKeyElsewhere) { run_all(rsa, "1.2.840.113549.1.1.11"); }
-TEST_F(Flows, SignWithAnEccKeyElsewhere) { run_all(ecc, "1.2.840.10045.4.3.3"); }
+TEST_F(Flows, SignWithAnRsaKeyElsewhere) { run_all("rsa", kRsaSha256); }
+TEST_F(Flows, SignWithAnEccKeyElsewhere) { run_all("ecc", "1.2.840.10045.4.3.3"); }
 
 }  // namespace

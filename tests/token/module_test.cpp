@@ -12,16 +12,8 @@ namespace {
 
 constexpr CK_RV kNone = 400;
 
-// What an argument is in the calls below: its place, whatever its type.
-template <class T>
-T argument(size_t place) {
-  if constexpr (std::is_pointer_v<T>)
-    return reinterpret_cast<T>(place);
-  else
-    return T(place);
-}
-
-// A function of a caller's own: it answers from its number and from every argument in its place.
+// A function of a caller's own: it answers from its number and from every argument in its place. In the calls below an
+// argument is its place, whatever its type.
 template <class F>
 struct Own;
 template <class... A>
@@ -34,7 +26,7 @@ struct Own<CK_RV (*)(A...)> {
   }
   template <auto function>
   static CK_RV call() {
-    return [&]<size_t... place>(std::index_sequence<place...>) { return function(argument<A>(place + 1)...); }
+    return [&]<size_t... place>(std::index_sequence<place...>) { return function((A)(place + 1)...); }
     (std::index_sequence_for<A...>());
   }
 };

@@ -1,4 +1,4 @@
-// SoftHSM2 with a token of its own, and two key pairs in it: what the tests of this folder sign with.
+// SoftHSM2 with a token of its own, and key pairs in it: what the tests of this folder sign with.
 #pragma once
 
 #include <velpki/token_key.h>
@@ -10,7 +10,7 @@
 namespace test {
 
 inline const char kSoftHsm[] = "/usr/lib/softhsm/libsofthsm2.so";
-inline const char kPin[] = "1234";
+inline char pin[] = "1234";
 
 // A token labelled velPKI in a temporary directory; made once.
 inline bool has_softhsm() {
@@ -23,6 +23,11 @@ inline bool has_softhsm() {
            status_of("softhsm2-util --init-token --free --label velPKI --so-pin 12345678 --pin 1234 >/dev/null") == 0;
   }();
   return made;
+}
+
+// Answers of the token, in the order of their calls.
+inline void expect_ok(std::initializer_list<CK_RV> answers) {
+  EXPECT_EQ(std::vector(answers), std::vector<CK_RV>(answers.size(), CKR_OK));
 }
 
 template <class T>
@@ -38,25 +43,25 @@ class SoftHsm : public testing::Test {
  protected:
   static inline CK_SLOT_ID slot;
   static inline CK_SESSION_HANDLE session;
-  static inline KeyPair rsa, ecc, careful;  // the last wants permission for each signature
+  static inline std::map<std::string, KeyPair> pairs;  // "careful" wants permission for each signature
 
   static void SetUpTestSuite() {
     rsa_key(), kcdsa_key();
     if (!has_softhsm()) return;
     ASSERT_EQ(_load_pkcs11_module_ex(kSoftHsm), 0);
-    open();
     CK_ULONG bits = 2048;
-    CK_BYTE curve[] = {0x06, 0x05, 0x2B, 0x81, 0x04, 0x00, 0x22};  // secp384r1
-    const CK_ATTRIBUTE rsa_size = attribute(CKA_MODULUS_BITS, bits), ecc_curve = attribute(CKA_EC_PARAMS, curve);
-    rsa = generate(CKM_RSA_PKCS_KEY_PAIR_GEN, rsa_size, CK_FALSE);
-    ecc = generate(CKM_EC_KEY_PAIR_GEN, ecc_curve, CK_FALSE);
-    careful = generate(CKM_RSA_PKCS_KEY_PAIR_GEN, rsa_size, CK_TRUE);
+    CK_BYTE secp384r1[] = {0x06, 0x05, 0x2B, 0x81, 0x04, 0x00, 0x22};
+    const CK_ATTRIBUTE size = attribute(CKA_MODULUS_BITS, bits), curve = attribute(CKA_EC_PARAMS, secp384r1);
+    expect_ok({p11_C_Initialize(nullptr), first_slot(),
+               p11_C_OpenSession(slot, CKF_SERIAL_SESSION | CKF_RW_SESSION, nullptr, nullptr, &session),
+               p11_C_Login(session, CKU_USER, (CK_UTF8CHAR_PTR)pin, 4),
+               generate("rsa", CKM_RSA_PKCS_KEY_PAIR_GEN, size, CK_FALSE),
+               generate("ecc", CKM_EC_KEY_PAIR_GEN, curve, CK_FALSE),
+               generate("careful", CKM_RSA_PKCS_KEY_PAIR_GEN, size, CK_TRUE)});
   }
   static void TearDownTestSuite() {
     if (!g_hModule) return;
-    EXPECT_EQ(p11_C_Logout(session), CKR_OK);
-    EXPECT_EQ(p11_C_CloseSession(session), CKR_OK);
-    EXPECT_EQ(p11_C_Finalize(nullptr), CKR_OK);
+    expect_ok({p11_C_Logout(session), p11_C_CloseSession(session), p11_C_Finalize(nullptr)});
     _unload_pkcs11_module();
     _assign_function_list();
   }
@@ -64,31 +69,28 @@ class SoftHsm : public testing::Test {
     if (!has_softhsm()) GTEST_SKIP() << "no SoftHSM2 here";
   }
 
-  static void open() {
-    CK_ULONG count = 1;
-    ASSERT_EQ(p11_C_Initialize(nullptr), CKR_OK);
-    ASSERT_EQ(p11_C_GetSlotList(CK_TRUE, nullptr, &count), CKR_OK);
-    std::vector<CK_SLOT_ID> slots(count);
-    ASSERT_EQ(p11_C_GetSlotList(CK_TRUE, slots.data(), &count), CKR_OK);
-    slot = slots.at(0);
-    session = open_session();
-    ASSERT_EQ(p11_C_Login(session, CKU_USER, (CK_UTF8CHAR_PTR)kPin, 4), CKR_OK);
+  static CK_RV first_slot() {
+    CK_SLOT_ID slots[8];
+    CK_ULONG count = 8;
+    const CK_RV answer = p11_C_GetSlotList(CK_TRUE, slots, &count);
+    slot = slots[0];
+    return answer;
   }
-  static CK_SESSION_HANDLE open_session() {
-    CK_SESSION_HANDLE opened = 0;
-    EXPECT_EQ(p11_C_OpenSession(slot, CKF_SERIAL_SESSION | CKF_RW_SESSION, nullptr, nullptr, &opened), CKR_OK);
-    return opened;
-  }
-  static KeyPair generate(CK_MECHANISM_TYPE type, const CK_ATTRIBUTE &size, CK_BBOOL careful) {
+  static CK_RV generate(const char *name, CK_MECHANISM_TYPE type, const CK_ATTRIBUTE &size, CK_BBOOL careful) {
     CK_MECHANISM mechanism{type, nullptr, 0};
     CK_BBOOL yes = CK_TRUE;
     CK_ATTRIBUTE of_public[] = {size, attribute(CKA_VERIFY, yes), attribute(CKA_ENCRYPT, yes)};
     CK_ATTRIBUTE of_private[] = {attribute(CKA_SIGN, yes), attribute(CKA_DECRYPT, yes), attribute(CKA_PRIVATE, yes),
                                  attribute(CKA_ALWAYS_AUTHENTICATE, careful)};
-    KeyPair made;
-    EXPECT_EQ(
-        p11_C_GenerateKeyPair(session, &mechanism, of_public, 3, of_private, 4, &made.public_key, &made.private_key),
-        CKR_OK);
+    KeyPair &made = pairs[name];
+    return p11_C_GenerateKeyPair(session, &mechanism, of_public, 3, of_private, 4, &made.public_key, &made.private_key);
+  }
+  // A key that signs in the token with a pair's private half; it refers to `by`, whose session and object are set.
+  static Owned<ASYMMETRIC_KEY> key_of(const std::string &name, P11_KEY &by) {
+    Owned<ASYMMETRIC_KEY> made;
+    by.session = session;
+    by.object = pairs.at(name).private_key;
+    EXPECT_EQ(read_P11_KEY(&by, pairs.at(name).public_key, &made), 0) << name;
     return made;
   }
 };
