@@ -11,35 +11,21 @@ using namespace test;
 namespace {
 
 // A root, an authority and a user, read from octets, so that no key was used before.
-struct Shared {
-  Certificates path{new_X509_CERTIFICATES()};
-  Owned<STACK, free_TRUST_ANCHORS> anchors{new_TRUST_ANCHORS()};
-  Bytes der;
-
-  Shared() {
-    const Bytes authority = extension("551d13", hex("30030101ff"), true);
-    for (const Made &made : {Made{"user", "authority", 2, 1, {}, false}, Made{"authority", "root", 1, 0, authority},
-                             Made{"root", "root", 0, 0, authority}}) {
-      const Certificate cert = make_certificate(made);
-      der = encoded(X509_CERT_to_Seq_RFC5280, cert);
-      push_STACK_value(path, read_by(readDER_X509_CERT_from_Binary_RFC5280, der).release());
-    }
-    const TRUST_ANCHOR anchor{get_X509_subject(at(2)), get_X509_SPKI(at(2))};
-    add_TRUST_ANCHORS(anchors, &anchor);
-  }
-  X509_CERT *at(int index) const { return static_cast<X509_CERT *>(path->data[index]); }
+struct Shared : StrictPath {
+  Shared() : StrictPath({{"user", "authority", 2, 1, {}, false}, {"authority", "root", 1, 0, kAuthority}, kRoot}) {}
+  Bytes der = encoded(X509_CERT_to_Seq_RFC5280, at(2));
 };
 
 int verify(const Shared &shared) { return verify_SIG_X509_CERT_RFC5280(shared.at(0), get_X509_SPKI(shared.at(1))); }
 int verify_house(const Shared &shared) { return verify_SIG_X509_CERT(shared.at(1), get_X509_SPKI(shared.at(2))->key); }
-int validate(const Shared &shared) { return validate_certpath_strict(shared.path, shared.anchors, nullptr, nullptr); }
+int validate(const Shared &shared) { return validate_certpath_strict(shared.certs, shared.anchors, nullptr, nullptr); }
 int validate_house(const Shared &shared) {
   Tree tree;
-  return validate_certpath(shared.path, nullptr, &tree);
+  return validate_certpath(shared.certs, nullptr, &tree);
 }
 int build(const Shared &shared) {
   Certificates built;
-  return build_certPath_strict(&built, shared.at(0), shared.path, shared.anchors, nullptr, nullptr);
+  return build_certPath_strict(&built, shared.at(0), shared.certs, shared.anchors, nullptr, nullptr);
 }
 int decode(const Shared &shared) { return read_by(readDER_X509_CERT_from_Binary_RFC5280, shared.der) ? 0 : 1; }
 int encode(const Shared &shared) { return encoded(X509_CERT_to_Seq_RFC5280, shared.at(2)) == shared.der ? 0 : 1; }

@@ -7,24 +7,6 @@ using namespace test;
 
 namespace {
 
-// A path whose certificates are read in standard form, and its anchor.
-struct StrictPath {
-  Certificates certs{new_X509_CERTIFICATES()};
-  Owned<STACK, free_TRUST_ANCHORS> anchors{new_TRUST_ANCHORS()};
-  explicit StrictPath(const std::vector<Made> &made) {
-    for (const Made &each : made) {
-      const Bytes der = encoded(X509_CERT_to_Seq_RFC5280, make_certificate(each));
-      push_STACK_value(certs, read_by(readDER_X509_CERT_from_Binary_RFC5280, der).release());
-    }
-    const auto *root = item<X509_CERT>(certs, certs->count - 1);
-    const TRUST_ANCHOR anchor{get_X509_subject(root), get_X509_SPKI(root)};
-    add_TRUST_ANCHORS(anchors, &anchor);
-  }
-};
-
-const Bytes kAuthority = extension("551d13", hex("30030101ff"), true);
-const Made kRoot{"root", "root", 0, 0, kAuthority};
-
 Bytes policy(int number) { return TLV(0x06, Bytes{0x2A, uint8_t(number >> 7 | 0x80), uint8_t(number & 0x7F)}); }
 Bytes policies(int count) {
   Bytes list;

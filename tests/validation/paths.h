@@ -75,4 +75,23 @@ inline Certificate make_certificate(const Made &made) {
   return cert;
 }
 
+// A path whose certificates are read in standard form, and its anchor.
+struct StrictPath {
+  Certificates certs{new_X509_CERTIFICATES()};
+  Owned<STACK, free_TRUST_ANCHORS> anchors{new_TRUST_ANCHORS()};
+  explicit StrictPath(const std::vector<Made> &made) {
+    for (const Made &each : made) {
+      const Bytes der = encoded(X509_CERT_to_Seq_RFC5280, make_certificate(each));
+      push_STACK_value(certs, read_by(readDER_X509_CERT_from_Binary_RFC5280, der).release());
+    }
+    const auto *root = item<X509_CERT>(certs, certs->count - 1);
+    const TRUST_ANCHOR anchor{get_X509_subject(root), get_X509_SPKI(root)};
+    add_TRUST_ANCHORS(anchors, &anchor);
+  }
+  X509_CERT *at(int index) const { return static_cast<X509_CERT *>(certs->data[index]); }
+};
+
+inline const Bytes kAuthority = extension("551d13", hex("30030101ff"), true);
+inline const Made kRoot{"root", "root", 0, 0, kAuthority};
+
 }  // namespace test
