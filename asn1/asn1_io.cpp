@@ -3,6 +3,7 @@
 
 #include <velpki/pem.h>
 
+#include <algorithm>
 #include <cstdio>
 
 #include "asn1/internal/io.h"
@@ -77,13 +78,22 @@ int give_to_file(Octets octets, const char *path) noexcept {
 
 namespace {
 
+// A unit through which any structure passes, a key perhaps.
+struct WipeUnit {
+  void operator()(ASN1_UNIT *unit) const noexcept {
+    PKV_Wipe(unit->value, unit->value ? size_t(std::max(0, getASN1ValueLength(unit))) : 0);
+    free_ASN1_UNIT(unit);
+  }
+};
+using PassingUnit = std::unique_ptr<ASN1_UNIT, WipeUnit>;
+
 // A structure's DER octets through its conversion function; null with the writer's code.
 Block flat_structure(void *structure, ASN1_TO_UNIT *to_unit, int &code) noexcept {
   code = kBadInput;
   if (!structure || !to_unit) return {};
   ASN1_UNIT *unit = nullptr;
   const int converted = to_unit(structure, &unit);
-  const owned<ASN1_UNIT> owner(unit);
+  const PassingUnit owner(unit);
   if (converted) code = as_writer_code(converted);
   if (converted || !unit) return {};
   unsigned char *flat = nullptr;
@@ -93,7 +103,7 @@ Block flat_structure(void *structure, ASN1_TO_UNIT *to_unit, int &code) noexcept
 
 int from_octets(void **structure, ASN1_FROM_UNIT *from_unit, Octets octets) noexcept {
   if (octets.empty() || !from_unit) return kBadInput;
-  const owned<ASN1_UNIT> unit(decodeToBERSequence_n(octets.data(), int(octets.size())));
+  const PassingUnit unit(decodeToBERSequence_n(octets.data(), int(octets.size())));
   return unit ? from_unit(unit.get(), structure) : kNotOneUnit;
 }
 
@@ -149,6 +159,7 @@ int writePEM_to_FILE(void *structure, ASN1_TO_UNIT *to_unit, const char *label, 
   char *text = nullptr;
   const int length = writePEM_to_Binary(structure, to_unit, label, label_length, &text);
   const owned<char> owner(text);
+  const WipeAtEnd wipe(text, text ? size_t(length) : 0);
   return text ? give_to_file(octets_of(reinterpret_cast<uint8_t *>(text), length), path) : length;
 }
 
@@ -160,8 +171,8 @@ int readPEM_from_Binary(void **structure, ASN1_FROM_UNIT *from_unit, const char 
 int readPEM_from_Binary_strict(void **structure, ASN1_FROM_UNIT *from_unit, const char *text, int length) noexcept {
   unsigned char *der = nullptr;
   const int der_length = decode_PEM_strict(text, length, &der);
-  const owned<uint8_t> owner(der);
-  return from_octets_strict(structure, from_unit, octets_of(der, der_length));
+  const Block block(owned<uint8_t>(der), der ? der_length : 0);
+  return from_octets_strict(structure, from_unit, block.octets());
 }
 
 int readPEM_from_File(void **structure, ASN1_FROM_UNIT *from_unit, const char *path) noexcept {

@@ -148,6 +148,9 @@ bool encode_value(ASN1_UNIT &out, int type, const void *value, int length, int f
 
 namespace {
 
+// The forms that the encoders of one value take from a caller; the shortest one is DER's.
+bool is_stated(int form) noexcept { return form == kShort || form == kLong; }
+
 // The code of an encoder: 0, or its own with `out` cleaned.
 int finish(bool encoded, int function, ASN1_UNIT *out) noexcept {
   if (encoded) return 0;
@@ -162,33 +165,36 @@ int finish(bool encoded, int function, ASN1_UNIT *out) noexcept {
 using namespace velpki;
 
 int encodeToBERBoolean(ASN1_UNIT *out, unsigned char tag, unsigned char *value, int length, int form) noexcept {
-  return finish(out && encode_boolean(*out, tag, value, length, form), F_ENCODE_TO_BER_BOOLEAN, out);
+  return finish(out && is_stated(form) && encode_boolean(*out, tag, value, length, form), F_ENCODE_TO_BER_BOOLEAN, out);
 }
 int encodeToBERInteger(ASN1_UNIT *out, unsigned char tag, BIGINT *value, int length, int form) noexcept {
-  return finish(out && encode_integer(*out, tag, value, length, form), F_ENCODE_TO_BER_INTEGER, out);
+  return finish(out && is_stated(form) && encode_integer(*out, tag, value, length, form), F_ENCODE_TO_BER_INTEGER, out);
 }
 int encodeToBERBitString(ASN1_UNIT *out, unsigned char tag, ASN1_STRING *value, int length, int form) noexcept {
-  return finish(out && encode_bits(*out, tag, value, length, form), F_ENCODE_TO_BER_BIT_STRING, out);
+  return finish(out && is_stated(form) && encode_bits(*out, tag, value, length, form), F_ENCODE_TO_BER_BIT_STRING, out);
 }
 int encodeToBERNull(ASN1_UNIT *out, unsigned char tag, void *, int length, int form) noexcept {
-  return finish(out && encode_null(*out, tag, length, form), F_ENCODE_TO_BER_NULL, out);
+  return finish(out && is_stated(form) && encode_null(*out, tag, length, form), F_ENCODE_TO_BER_NULL, out);
 }
 int encodeToBERObjectIdentifier(ASN1_UNIT *out, unsigned char tag, OBJECT_IDENTIFIER *value, int length,
                                 int form) noexcept {
-  return finish(out && encode_oid(*out, tag, value, length, form), F_ENCODE_TO_BER_OBJECT_IDENTIFIER, out);
+  return finish(out && is_stated(form) && encode_oid(*out, tag, value, length, form), F_ENCODE_TO_BER_OBJECT_IDENTIFIER,
+                out);
 }
 int encodeToBERObjectIdentifier_RFC5280(ASN1_UNIT *out, unsigned char tag, const OBJECT_IDENTIFIER *value, int length,
                                         int form) noexcept {
-  return finish(out && encode_oid(*out, tag, value, length, form, true), F_ENCODE_TO_BER_OBJECT_IDENTIFIER, out);
+  return finish(out && is_stated(form) && encode_oid(*out, tag, value, length, form, true),
+                F_ENCODE_TO_BER_OBJECT_IDENTIFIER, out);
 }
 int encodeToBERUTCTime(ASN1_UNIT *out, unsigned char tag, ASN1_STRING *value, int length, int form) noexcept {
-  return finish(out && encode_octets(*out, tag, value, length, form), F_ENCODE_TO_BER_TIME, out);
+  return finish(out && is_stated(form) && encode_octets(*out, tag, value, length, form), F_ENCODE_TO_BER_TIME, out);
 }
 int encodeToBERGENERALIZEDTime(ASN1_UNIT *out, unsigned char tag, ASN1_STRING *value, int length, int form) noexcept {
-  return finish(out && encode_octets(*out, tag, value, length, form), F_ENCODE_TO_BER_TIME, out);
+  return finish(out && is_stated(form) && encode_octets(*out, tag, value, length, form), F_ENCODE_TO_BER_TIME, out);
 }
 int encodeToBERASN1String(ASN1_UNIT *out, unsigned char tag, ASN1_STRING *value, int length, int form) noexcept {
-  return finish(out && encode_octets(*out, tag, value, length, form), F_ENCODE_TO_BER_ASN1_STRING, out);
+  return finish(out && is_stated(form) && encode_octets(*out, tag, value, length, form), F_ENCODE_TO_BER_ASN1_STRING,
+                out);
 }
 
 int encodeToBER(ASN1_UNIT *out, int type, void *value, int length, int form) noexcept {

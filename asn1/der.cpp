@@ -35,9 +35,10 @@ owned<UTC_TIME> without_offset(const ASN1_STRING &time) noexcept {
 }
 
 bool normalise_utc_time(ASN1_STRING *time, int *length) noexcept {
-  if (!time || !length || *length < 0 || *length > time->length || !time->data) return false;
+  if (!time || !length || *length < 0 || *length > time->length) return false;
   if (*length == 11 || *length == 15) return false;
   if (*length != kUtcTimeWithOffset) return true;
+  if (!time->data) return false;
   const owned<UTC_TIME> written = without_offset(*time);
   if (!written || written->length != kUtcTimeWithZ) return false;
   std::memcpy(time->data, written->data, kUtcTimeWithZ + 1);
@@ -186,13 +187,19 @@ bool sort_last_child(ASN1_UNIT &set, size_t before) noexcept {
 
 bool is_unit(int type, const void *value) noexcept { return is_unit_type(type) && value; }
 
-// The child as a unit that append_value takes over: the caller's own, or one encoded here.
+// Appends a child, encoded here unless it is a unit. A unit is not taken over yet.
 bool append_strict(ASN1_UNIT &seq, int type, void *value, int length) noexcept {
-  if (is_unit(type, value)) return append_value(seq, type, value, length, kShortest);
+  if (is_unit(type, value)) return append_value(seq, TYPE_SEQUENCE, value, length, kShortest);
   ASN1_UNIT child{};
   const bool appended =
       encode_strict(child, type, value, length) && append_value(seq, TYPE_SEQUENCE, &child, 0, kShortest);
   clean_ASN1_UNIT(&child);
+  return appended;
+}
+
+// What the caller has handed over is released when nothing can fail any more.
+bool taken(bool appended, int type, void *value) noexcept {
+  if (appended && type == TYPE_ASN1_UNIT) free_ASN1_UNIT(static_cast<ASN1_UNIT *>(value));
   return appended;
 }
 
@@ -206,8 +213,8 @@ int encodeToDER_strict(ASN1_UNIT *out, int type, const void *value, int length) 
 
 int addToDERSequenceOf_strict(ASN1_UNIT *seq, int type, void *value, int length) noexcept {
   const bool empty = seq && !seq->tag && makes_empty_list(type, value, length);
-  const bool done =
-      seq && (empty ? fill_unit(*seq, tag::kSequence, {}, kShort) : append_strict(*seq, type, value, length));
+  const bool done = seq && (empty ? fill_unit(*seq, tag::kSequence, {}, kShort)
+                                  : taken(append_strict(*seq, type, value, length), type, value));
   return finish(done, F_ADD_TO_DER_SEQUENCE_OF, seq);
 }
 
@@ -220,7 +227,7 @@ int addToDERSetOf_strict(ASN1_UNIT *seq, int type, void *value, int length) noex
   const bool appended =
       before >= 0 && append_strict(*seq, type, value, length) && sort_last_child(*seq, size_t(before));
   if (appended) seq->tag[0] = tag::kSet;
-  return finish(appended, F_ADD_TO_DER_SET_OF, seq);
+  return finish(taken(appended, type, value), F_ADD_TO_DER_SET_OF, seq);
 }
 
 // Decoders.

@@ -59,7 +59,7 @@ ASN1_STRING *copy_time(ASN1_STRING *to, const ASN1_STRING *from) noexcept {
 
 ASN1_STRING *new_time(int type, const unsigned char *data, int length) noexcept {
   const Octets text = octets_of(data, length);
-  return is_time_text(type, text) ? new_string(type, text, ends_in_z(text)) : nullptr;
+  return is_time_text(type, text) ? new_string(type, text, time_flag(type, text)) : nullptr;
 }
 
 }  // namespace

@@ -137,11 +137,14 @@ Number small_number(unsigned value, bool negative = false) noexcept {
   return number;
 }
 
-// The groups of one subidentifier off the front; false for one that is unfinished or padded.
+constexpr size_t kSmallDigits = 18, kMostDigits = 20000, kMostGroups = 9491;
+
+// The groups of one subidentifier off the front; false for one that is unfinished, padded or of more digits than text
+// may have.
 bool take_groups(Octets &content, Octets &groups) noexcept {
   size_t length = 0;
   while (length < content.size() && content[length] & 0x80) ++length;
-  if (length == content.size() || content[0] == 0x80) return false;
+  if (length == content.size() || length >= kMostGroups || content[0] == 0x80) return false;
   groups = content.first(length + 1);
   content = content.subspan(length + 1);
   return true;
@@ -212,8 +215,6 @@ Number big_arc(std::string_view piece) noexcept {
   if (PKV_Decimal_To_BIGINT(number.get(), reinterpret_cast<const char *>(copy.get()))) return nullptr;
   return number;
 }
-
-constexpr size_t kSmallDigits = 18, kMostDigits = 20000;
 
 // The value of at most kSmallDigits digits.
 uint64_t small_arc(std::string_view piece) noexcept {

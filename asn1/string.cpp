@@ -94,6 +94,13 @@ bool holds_any_content(int number) noexcept {
 
 }  // namespace
 
+int time_flag(int type, Octets text) noexcept {
+  const size_t without_seconds = type == TYPE_UTC_TIME ? 11 : 13;
+  if (text.size() == without_seconds || text.size() == without_seconds + 2) return 1;
+  if (text.size() == without_seconds + 4 || text.size() == without_seconds + 6) return 0;
+  return !text.empty() && text.back() == 'Z';
+}
+
 Read read_string(const Tlv &tlv, int type, ASN1_STRING *&out) noexcept {
   switch (type) {
     case TYPE_BIT_STRING:
@@ -102,7 +109,7 @@ Read read_string(const Tlv &tlv, int type, ASN1_STRING *&out) noexcept {
       return read_oid(tlv.content, out);
     case TYPE_UTC_TIME:
     case TYPE_GENERALIZED_TIME:
-      return keep(new_string(type, tlv.content, ends_in_z(tlv.content)), out);
+      return keep(new_string(type, tlv.content, time_flag(type, tlv.content)), out);
     default:
       return keep(new_string(type, tlv.content), out);
   }
@@ -117,7 +124,7 @@ Read read_any_string(const Tlv &tlv, ASN1_STRING *&out) noexcept {
   if (number == TYPE_BIT_STRING) return read_bits(type, tlv.content, out);
   if (number == TYPE_OBJECT_IDENTIFIER) return read_oid_as(type, tlv.content, out);
   if (number == TYPE_UTC_TIME || number == TYPE_GENERALIZED_TIME) {
-    return keep(new_string(type, tlv.content, ends_in_z(tlv.content)), out);
+    return keep(new_string(type, tlv.content, time_flag(number, tlv.content)), out);
   }
   return tlv.rules.standard ? keep(new_string(type, tlv.content), out) : Read::malformed;
 }

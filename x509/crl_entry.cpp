@@ -142,11 +142,11 @@ Read place_date(X509_REVOKED &record, int type, Octets text) noexcept {
   const int number = type == X509_TIME_UTC ? TYPE_UTC_TIME : TYPE_GENERALIZED_TIME;
   entry.date.type = type;
   if (text.size() > kShortDate) {
-    entry.date.time = new_string(number, text, ends_in_z(text));
+    entry.date.time = new_string(number, text, time_flag(number, text));
     if (!entry.date.time) return Read::no_memory;
   } else {
     entry.date.time = &entry.date_text;
-    entry.date_text = {number, entry.date_octets, int(text.size()), ends_in_z(text)};
+    entry.date_text = {number, entry.date_octets, int(text.size()), time_flag(number, text)};
     copy_octets(entry.date_octets, text);
     entry.date_octets[text.size()] = 0;
   }

@@ -66,8 +66,8 @@ int read_ber(const Codec<R> &codec, R **out, Octets octets) noexcept {
   if (is_der(tlv.whole)) return read_der(codec, out, tlv.whole, kStandardRules);
   unsigned char *definite = nullptr;
   const int length = normalize_BER(tlv.whole.data(), int(tlv.whole.size()), &definite);
-  const owned<uint8_t> owner(definite);
-  return length < 0 ? kNotOneUnit : read_der(codec, out, octets_of(definite, length), kStandardRules);
+  const Block block(owned<uint8_t>(definite), length < 0 ? 0 : length);
+  return length < 0 ? kNotOneUnit : read_der(codec, out, block.octets(), kStandardRules);
 }
 template <class R>
 int write_der(const Codec<R> &codec, const R *record, DerWriter &writer) noexcept {

@@ -46,8 +46,9 @@ inline Octets octets_of_text(std::string_view text) noexcept {
 // nothing.
 bool same_octets(const ASN1_STRING *a, const ASN1_STRING *b) noexcept;
 
-// How a time's text ends, for its `unused_bits`. Nothing may decide anything by it.
-inline int ends_in_z(Octets text) noexcept { return !text.empty() && text.back() == 'Z'; }
+// The `unused_bits` of a time, of tag number `type`: by the length for those of the usual forms, else by the last
+// octet. Nothing may decide anything by it.
+int time_flag(int type, Octets text) noexcept;
 
 // Dotted decimal text as new_OBJECT_IDENTIFIER takes it.
 bool is_dotted_decimal(std::string_view text) noexcept;

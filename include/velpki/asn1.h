@@ -55,7 +55,8 @@ typedef struct {
   int type;            /**< universal tag number, or the whole identifier octet of a value read generically */
   unsigned char *data; /**< `length` octets, and a zero octet after them that does not count; null in an empty record */
   int length;          /**< octets */
-  int unused_bits;     /**< of a BIT STRING, in its last octet; 1 for a time whose text ends in Z */
+  int unused_bits;     /**< of a BIT STRING, in its last octet; 1 for a time whose text ends in Z, told by
+                        * its length where that is one of the usual forms */
 } ASN1_STRING;
 
 /** An ASN1_STRING of type 3: whole octets and the number of unused bits at their end. */
@@ -166,8 +167,8 @@ VELPKI_API int set_ASN1_STRING_value(ASN1_STRING *string, int type, const unsign
 VELPKI_API int cmp_ASN1_STRING(const ASN1_STRING *a, const ASN1_STRING *b) VELPKI_NOEXCEPT;
 /** Returns 0 when cmp_ASN1_STRING does and, for a BIT STRING, the unused bits are equal too; else 1. */
 VELPKI_API int cmp_ASN1_STRING_strict(const ASN1_STRING *a, const ASN1_STRING *b) VELPKI_NOEXCEPT;
-/** Encodes a string under its own type, as encodeToDER does with TYPE_ASN1_STRING. Codes: F_ASN1_STRING_TO_SEQ with
- * reason 49, 3C or ERR_ASN1_ENCODING. */
+/** Encodes a string under its own type, as a child that addToDERSequence appends as TYPE_ASN1_STRING. Codes:
+ * F_ASN1_STRING_TO_SEQ with reason 49, 3C or ERR_ASN1_ENCODING. */
 VELPKI_API int ASN1_STRING_to_Seq(const ASN1_STRING *in, ASN1_UNIT **out) VELPKI_NOEXCEPT;
 /** @} */
 

@@ -5,11 +5,11 @@
  * structure has typed forms of them, writeDER_X_to_Binary to readPEM_X_from_File, in its own header: call those.
  *
  * Writers return the octets written, or a code in the same int: what is below 2, or 0x41000000 and above, is a failure
- * (0x4E00002B for no output address, path or structure, exhausted memory, and an output that large; -1 for a file that
- * cannot be written). Readers return 0 or a code: 0x4E00002B for no input, an unreadable file or PEM that decodes to
- * nothing, 0x4E00004F for octets that do not begin with one unit, else the structure's own. Octets after the unit are
- * ignored; the `_strict` readers refuse them and everything that is not DER. The label of PEM text is not looked at on
- * reading. Blocks that are made are released with PKV_Free.
+ * (0x4E00002B for no output address, path or, in the generic forms, structure, for exhausted memory, and an output that
+ * large; -1 for a file that cannot be written). Readers return 0 or a code: 0x4E00002B for no input, an unreadable file
+ * or PEM that decodes to nothing, 0x4E00004F for octets that do not begin with one unit, else the structure's own.
+ * Octets after the unit are ignored; the `_strict` readers refuse them and everything that is not DER. The label of PEM
+ * text is not looked at on reading. Blocks that are made are released with PKV_Free.
  *
  * Conventions: docs/conventions.md. */
 #ifndef VELPKI_ASN1_IO_H

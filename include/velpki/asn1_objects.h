@@ -21,8 +21,8 @@ typedef STACK OBJECT_IDENTIFIERS;
 
 /** @name Rows of the registry
  * @{ */
-/** Finds the row of a dotted text, a short name or a long name; 0 for none and for null. `length` must be the text's
- * own length, and a zero octet must follow the text; else 0. */
+/** Finds the row of a dotted text, a short name or a long name; 0 for none, for null and for empty text. `length` must
+ * be the text's own length, and a zero octet must follow the text; else 0. */
 VELPKI_API int index_from_oid_string(const char *text, int length) VELPKI_NOEXCEPT;
 VELPKI_API int index_from_sn(const char *name, int length) VELPKI_NOEXCEPT;
 VELPKI_API int index_from_ln(const char *name, int length) VELPKI_NOEXCEPT;

@@ -36,8 +36,8 @@ VELPKI_API int encodeToBERNull(ASN1_UNIT *out, unsigned char tag, void *value, i
  * size and checks them. */
 VELPKI_API int encodeToBERObjectIdentifier(ASN1_UNIT *out, unsigned char tag, OBJECT_IDENTIFIER *value, int length,
                                            int form) VELPKI_NOEXCEPT;
-/** Encodes dotted text with arcs of any size (X.690 8.19); text with an empty piece or impossible first arcs is
- * refused. The code is that of encodeToBERObjectIdentifier. */
+/** Encodes dotted text with arcs of up to 20,000 digits (X.690 8.19); text with impossible first arcs or an empty piece
+ * that is not the last one is refused. The code is that of encodeToBERObjectIdentifier. */
 VELPKI_API int encodeToBERObjectIdentifier_RFC5280(ASN1_UNIT *out, unsigned char tag, const OBJECT_IDENTIFIER *value,
                                                    int length, int form) VELPKI_NOEXCEPT;
 /** Writes the text of a time as it is. Code: F_ENCODE_TO_BER_TIME, which both time encoders have, with
@@ -155,7 +155,7 @@ VELPKI_API ASN1_STRING *decodeToBEROctetString_n(const unsigned char *encoded, i
 VELPKI_API void *decodeToBERNull_n(const unsigned char *encoded, int available) VELPKI_NOEXCEPT;
 VELPKI_API OBJECT_IDENTIFIER *decodeToBERObjectIdentifier_n(const unsigned char *encoded,
                                                             int available) VELPKI_NOEXCEPT;
-/** Decodes an OBJECT IDENTIFIER with arcs of any size (X.690 8.19); null for content that is not one. */
+/** Decodes an OBJECT IDENTIFIER with arcs of up to 20,000 digits (X.690 8.19); null for content that is not one. */
 VELPKI_API OBJECT_IDENTIFIER *decodeToBERObjectIdentifier_RFC5280(const unsigned char *encoded,
                                                                   int available) VELPKI_NOEXCEPT;
 VELPKI_API ASN1_STRING *decodeToBERUTF8String_n(const unsigned char *encoded, int available) VELPKI_NOEXCEPT;
@@ -188,7 +188,8 @@ VELPKI_API void *getBERChildAt_strict(const ASN1_UNIT *unit, int index, int iden
  * at that offset of the content. `*cursor` receives the offset of the child returned and is unchanged on null. A null
  * `cursor` makes it getBERChildAt.
  * @warning After the first child the cursor is still 0, so the second call must pass index 1. Identifiers are judged
- * as getBERChildAt judges them. */
+ * as getBERChildAt judges them. Where definite and indefinite lengths are mixed, children that getBERChildAt finds may
+ * be missed, because each call measures anew; normalize_BER first. */
 VELPKI_API void *getBERChildOffset(const ASN1_UNIT *unit, int index, int type, int *cursor) VELPKI_NOEXCEPT;
 /** @} */
 
@@ -293,7 +294,8 @@ VELPKI_API BIT_STRING *binaryToBIT_STRING(const unsigned char *data, int length)
  * without memory, with `to` unchanged. */
 VELPKI_API UTC_TIME *copy_UTC_TIME(UTC_TIME *to, const UTC_TIME *from) VELPKI_NOEXCEPT;
 VELPKI_API GENERALIZED_TIME *copy_GENERALIZED_TIME(GENERALIZED_TIME *to, const GENERALIZED_TIME *from) VELPKI_NOEXCEPT;
-/** Shifts a time by seconds in place; form and offset of the text stay. Codes: F_ADD_UTC_TIME with reason 49 (null) or
+/** Shifts a time by seconds in place; form and offset of the text stay, and what a form without seconds cannot hold is
+ * cut off. Codes: F_ADD_UTC_TIME with reason 49 (null) or
  * 2B (unreadable, or the result is out of range), the value then unchanged. */
 VELPKI_API int add_UTC_TIME(UTC_TIME *time, long long seconds) VELPKI_NOEXCEPT;
 /** Shifts a time by seconds in place; form, fraction and offset of the text stay. Codes: F_ADD_TIME with reason 49

@@ -32,8 +32,10 @@ VELPKI_API int encodeToDER_CS(ASN1_UNIT *out, int n, int type, void *value, int 
 
 /** @name Constructed values
  * @{ */
-/** Appends a child as addToBERSequence does, with its rules of ownership, in the shortest length form. Code:
- * F_ADD_TO_DER_SEQUENCE with ERR_INVALID_ENCODE_INPUT, and `seq` is then clean. */
+/** Appends a child as addToBERSequence does, with its rules of ownership, in the shortest length form, after checkDER.
+ * Code: F_ADD_TO_DER_SEQUENCE with ERR_INVALID_ENCODE_INPUT, and `seq` is then clean.
+ * @warning checkDER writes into the caller's value, for this function and the four below: a BOOLEAN becomes FF, and a
+ * UTCTime of 17 characters loses its offset. The _strict ones write into nothing. */
 VELPKI_API int addToDERSequence(ASN1_UNIT *seq, int type, void *value, int length) VELPKI_NOEXCEPT;
 /** Appends an element as addToBERSequenceOf does. Code: F_ADD_TO_DER_SEQUENCE_OF with ERR_INVALID_ENCODE_INPUT.
  * @warning As in ber.h an empty list has the primitive identifier 10; addToDERSequenceOf_strict writes 30 00. */

@@ -27,7 +27,10 @@ TEST(Decoders, OneValueEach) {
   EXPECT_TRUE(Block(static_cast<unsigned char *>(decodeToBERNull_n(hex("0501").data(), 2))));
   const String printable = bounded(decodeToBERPrintableString_n, "13024142");
   EXPECT_EQ(printable->data[2] + printable->data[3], 0);
-  EXPECT_EQ(bounded(decodeToBERUTCTime_n, "170b323630313031313230305a")->unused_bits, 1);
+  // The flag of a time is told by its length, and by its last octet where the length is no usual one.
+  for (const auto &[text, flag] : std::map<std::string, int>{
+           {"2601011200Z", 1}, {"2601011200+09", 1}, {"260101120000.0Z", 0}, {"260101Z", 1}, {"260101120000", 0}})
+    EXPECT_EQ(bounded(decodeToBERASN1String_n, to_hex(TLV(0x17, Bytes(text.begin(), text.end()))))->unused_bits, flag);
   EXPECT_EQ(bounded(decodeToBERGENERALIZEDTime_n, "180b3236303130313132303030")->unused_bits, 0);
 }
 

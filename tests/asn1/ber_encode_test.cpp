@@ -60,6 +60,8 @@ TEST(BerEncode, RefusesWithItsOwnCodeAndCleans) {
   EXPECT_EQ(encodeToBER(nullptr, 5, nullptr, 0, 0), code(F_ENCODE_TO_BER));
   const String text = string(4, hex("41"));
   Unit out(new_ASN1_UNIT());
+  for (const int form : {-1, 2, 3})
+    EXPECT_EQ(encodeToBERASN1String(out, 4, text, 1, form), code(F_ENCODE_TO_BER_ASN1_STRING)) << form;
   EXPECT_EQ(encodeToBERGENERALIZEDTime(out, 24, nullptr, 1, 0), code(F_ENCODE_TO_BER_TIME));
   EXPECT_EQ(encodeToBERUTCTime(out, 23, nullptr, 1, 0), code(F_ENCODE_TO_BER_TIME));
   EXPECT_EQ(encodeToBER_CS(out, 31, 4, text, 1, 0), code(F_ENCODE_TO_BER_CS));

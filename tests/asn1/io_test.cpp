@@ -130,6 +130,15 @@ TEST(Memory, EndsAnywhereWithoutALeak) {
                         writePEM_to_Binary(seq, to_unit, "X", 1, &pem) < 2;
     return !failed;
   });
+  // A unit that is handed over stays the caller's where sorting it in fails.
+  survive_each_failed_allocation([&] {
+    const Unit set(new_ASN1_UNIT());
+    ASN1_UNIT *child = new_ASN1_UNIT();
+    const bool done = set && child && !encodeToBERNull(child, 5, nullptr, 0, 0) &&
+                      !addToDERSetOf_strict(set, TYPE_ASN1_UNIT, child, 0);
+    if (!done) free_ASN1_UNIT(child);
+    return done;
+  });
 }
 
 }  // namespace

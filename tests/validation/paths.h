@@ -49,7 +49,7 @@ class WithThreeKeys : public testing::Test {
 struct Made {
   std::string subject, issuer;
   int key = 0, signer = 0;
-  Bytes extensions;                                  // the list's content
+  Bytes extensions{};                                // the list's content
   bool extended = true;                              // whether there is a list
   std::string until = "3430303130313030303030305a";  // of 2040
 };
