@@ -73,7 +73,8 @@ int give_pem(Octets der, std::string_view label, char **out) noexcept {
 }
 
 int give_to_file(Octets octets, const char *path) noexcept {
-  return binary_to_File(octets.data(), 0, int(octets.size()), path);
+  const int length = int(octets.size());
+  return binary_to_File_n(octets.data(), length, 0, length, path);
 }
 
 namespace {
@@ -109,6 +110,9 @@ int from_octets(void **structure, ASN1_FROM_UNIT *from_unit, Octets octets) noex
 
 int from_octets_strict(void **structure, ASN1_FROM_UNIT *from_unit, Octets octets) noexcept {
   if (octets.empty()) return kBadInput;
+  Tlv unit;
+  Rules rules;
+  if (!Tlv::parse(octets, rules, unit)) return kNotOneUnit;
   return is_der(octets) ? from_octets(structure, from_unit, octets) : kIoModule | ERR_NOT_CANONICAL;
 }
 
@@ -209,7 +213,7 @@ int binary_to_File(const unsigned char *data, int offset, int length, const char
 
 int binary_to_File_n(const unsigned char *data, int data_length, int offset, int length, const char *path) noexcept {
   if (!path || !data || offset < 0 || length < 1 || offset > data_length || length > data_length - offset) return -1;
-  return write_file(Octets(data + offset, size_t(length)), path);
+  return write_file(Octets(data + offset, size_t(length)), path) == length ? length : -1;
 }
 
 int ASN1_to_FILE(const ASN1_UNIT *unit, const char *path) noexcept {

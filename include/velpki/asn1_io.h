@@ -68,16 +68,18 @@ VELPKI_API int readPEM_from_Binary_strict(void **structure, int (*from_unit)(ASN
 /** Reads a whole file into a new block of exactly its size (no zero octet after it) and returns the octets; -1, with
  * nothing stored, for a file that is missing, empty, above INT_MAX or not readable to its end. */
 VELPKI_API int File_to_binary(const char *path, unsigned char **out) VELPKI_NOEXCEPT;
-/** Writes `length` octets from `data + offset` to a file and returns their number; -1 for null, a negative offset, a
- * length below 1 and a file that cannot be written.
- * @warning A length that is not greater than the offset is refused too, and `data` must have offset + length octets,
- * which nothing checks: binary_to_File_n takes the octets of `data` and has neither rule. */
+/** Writes `length` octets from `data + offset` to a file and returns how many were written; -1 for null, a negative
+ * offset, a length below 1 and a file that cannot be opened.
+ * @warning Where the disk is full the number is smaller and the file is cut off. A length that is not greater than the
+ * offset is refused too, and `data` must have offset + length octets, which nothing checks: binary_to_File_n takes the
+ * octets of `data` and has none of this. */
 VELPKI_API int binary_to_File(const unsigned char *data, int offset, int length, const char *path) VELPKI_NOEXCEPT;
 /** Writes `length` octets from `data + offset`, which must lie within the `data_length` octets of `data`, to a file and
  * returns their number; -1 otherwise, and for null, a length below 1 and a file that cannot be written. */
 VELPKI_API int binary_to_File_n(const unsigned char *data, int data_length, int offset, int length,
                                 const char *path) VELPKI_NOEXCEPT;
-/** Writes the octets of a unit, as ASN1_to_binary makes them, to a file and returns their number; -1 on failure. */
+/** Writes the octets of a unit, as ASN1_to_binary makes them, to a file and returns how many were written, fewer on a
+ * full disk; -1 on failure. */
 VELPKI_API int ASN1_to_FILE(const ASN1_UNIT *unit, const char *path) VELPKI_NOEXCEPT;
 /** @} */
 

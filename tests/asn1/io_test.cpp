@@ -77,6 +77,7 @@ TEST(Files, LengthIsComparedWithTheOffset) {
     EXPECT_EQ(std::string(written.begin(), written.end()), row.at("content"));
   }
   EXPECT_EQ(binary_to_File(data, 0, 3, "/no/such/folder"), -1);
+  EXPECT_EQ(binary_to_File_n(data, 10, 0, 3, "/dev/full"), -1);
 }
 
 TEST(Writers, LengthsAndCodesShareOneInt) {
@@ -105,7 +106,7 @@ TEST(Readers, StrictOnesTakeOneDerValue) {
   for (const auto &[text, code, strict_code] : {std::tuple("3003020105", 0, 0),
                                                 {"300302010500", 0, 0x4E000200},
                                                 {"308103020105", 0, 0x4E000200},
-                                                {"30040201", 0x4E00004F, 0x4E000200}}) {
+                                                {"30040201", 0x4E00004F, 0x4E00004F}}) {
     const Bytes octets = hex(text);
     void *plain = nullptr, *strict = nullptr;
     EXPECT_EQ(readDER_from_Binary(&plain, from_unit, octets.data(), int(octets.size())), code) << text;
