@@ -33,7 +33,7 @@ class Frame {
   }
   explicit operator bool() const noexcept { return text_ != nullptr; }
   void put(std::string_view piece) noexcept {
-    std::memcpy(at_, piece.data(), piece.size());
+    if (!piece.empty()) std::memcpy(at_, piece.data(), piece.size());
     at_ += piece.size();
   }
   // Room for a piece that the caller writes itself.

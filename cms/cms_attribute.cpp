@@ -21,14 +21,6 @@ int add_to(X509_ATTRIBUTES *&set, const AttributeValue &value, int function) noe
                                                                                          : fail(function, kNoMemory);
 }
 
-// What was received no longer describes a signer that is about to change.
-int add_to_signer(CMS_SIGNER_INFO *si, X509_ATTRIBUTES *CMS_SIGNER_INFO::*set, const AttributeValue &value) noexcept {
-  if (!si) return fail(F_ADD_ATTRIBUTE, kNullArgument);
-  if (const int code = add_to(si->*set, value, F_ADD_ATTRIBUTE)) return code;
-  if (si->state) si->state->received = 0;
-  return 0;
-}
-
 }  // namespace
 
 }  // namespace velpki
@@ -37,11 +29,17 @@ using namespace velpki;
 
 int add_CMS_Signed_Attribute(CMS_SIGNER_INFO *si, int oid_index, int type, const unsigned char *bytes,
                              int length) noexcept {
-  return add_to_signer(si, &CMS_SIGNER_INFO::signedAttrs, {oid_index, type, bytes, length});
+  if (!si) return fail(F_ADD_ATTRIBUTE, kNullArgument);
+  const int code = add_to(si->signedAttrs, {oid_index, type, bytes, length}, F_ADD_ATTRIBUTE);
+  if (!code) change_attributes(*si);
+  return code;
 }
 int add_CMS_Unsigned_Attribute(CMS_SIGNER_INFO *si, int oid_index, int type, const unsigned char *bytes,
                                int length) noexcept {
-  return add_to_signer(si, &CMS_SIGNER_INFO::unsignedAttrs, {oid_index, type, bytes, length});
+  if (!si) return fail(F_ADD_ATTRIBUTE, kNullArgument);
+  const int code = add_to(si->unsignedAttrs, {oid_index, type, bytes, length}, F_ADD_ATTRIBUTE);
+  if (!code) change_beside_attributes(*si);
+  return code;
 }
 
 int add_CMS_Unprotected_Attribute(CMS_CONTENT_INFO *cms, int oid_index, int type, const unsigned char *bytes,

@@ -84,6 +84,9 @@ int check_mac(const CMS_AUTHENTICATED_DATA &from, int digest_id, const SecretOct
   if (from.mac->length != length || !PKV_Equal_Secret(from.mac->data, mac, size_t(length))) {
     return fail(F_VERIFY_CMS, kMismatch);
   }
+  if (has_attributes(from.authAttrs) && is_weak_digest(digest_id_of(from.digestAlgorithm))) {
+    return fail(F_VERIFY_CMS, ERR_WEAK_DIGEST);
+  }
   const StrictSigner binding{has_attributes(from.authAttrs) ? octets : Octets(), from.digestAlgorithm, nullptr,
                              nullptr};
   ContentDigests digests(content);

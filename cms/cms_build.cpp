@@ -129,7 +129,7 @@ bool for_each_version(const CMS_CONTENT_INFO &cms, Set set) noexcept {
   if (const CMS_SIGNED_DATA *data = signed_data(&cms)) {
     for (CMS_SIGNER_INFO *signer : elements<CMS_SIGNER_INFO>(data->signerInfos)) {
       if (!signer || !set(signer->version)) return false;
-      if (signer->state) signer->state->received = 0;
+      change_beside_attributes(*signer);
     }
   }
   if (const CMS_ENVELOPED_DATA *data = enveloped_data(&cms)) {

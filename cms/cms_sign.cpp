@@ -81,24 +81,26 @@ int content_digest(const CMS_SIGNED_DATA &data, ContentDigests *attached, int di
   return 0;
 }
 
-int feed_attributes(const CMS_SIGNED_DATA &data, CMS_SIGNER_INFO &signer, ContentDigests *attached) noexcept {
+int feed_attributes(const CMS_SIGNED_DATA &data, CMS_SIGNER_INFO &signer, ContentDigests *attached,
+                    DerWriter &set) noexcept {
   DigestValue digest;
   if (const int code = content_digest(data, attached, digest_id_of(signer.digestAlgorithm), digest)) return code;
   if (!add_content_attributes(signer.signedAttrs, data.encapContentInfo->eContentType, digest.octets())) {
     return fail(F_FINAL_CMS_SIGN, kNoMemory);
   }
-  DerWriter set;
   if (!sort_attributes(*signer.signedAttrs)) return fail(F_FINAL_CMS_SIGN, kAttributeEncoding);
   if (write_attribute_set(*signer.signedAttrs, set) || set.failed()) return fail(F_FINAL_CMS_SIGN, kAttributeEncoding);
   return feed_signature(*signer.privateKey, set.written());
 }
 
-// Feeds what is signed. A content that the message does not have was fed as it came, unless attributes that the signer
-// had then are gone.
-int feed(const CMS_SIGNED_DATA &data, CMS_SIGNER_INFO &signer, bool attributes, ContentDigests *attached) noexcept {
+// Feeds what is signed, and writes the attributes that are to `set`. A content that the message does not have was fed
+// as it came, unless attributes that the signer had then are gone.
+int feed(const CMS_SIGNED_DATA &data, CMS_SIGNER_INFO &signer, bool attributes, ContentDigests *attached,
+         DerWriter &set) noexcept {
   if (!attributes && !attached) return signer.state->skipped ? fail(F_FINAL_CMS_SIGN, kBadValue) : 0;
   if (const int code = start_signer(signer, signer.signatureAlgorithm, F_FINAL_CMS_SIGN)) return code;
-  return attributes ? feed_attributes(data, signer, attached) : feed_signature(*signer.privateKey, attached->content());
+  return attributes ? feed_attributes(data, signer, attached, set)
+                    : feed_signature(*signer.privateKey, attached->content());
 }
 
 int finish(const CMS_SIGNED_DATA &data, CMS_SIGNER_INFO &signer, ContentDigests *attached) noexcept {
@@ -106,15 +108,16 @@ int finish(const CMS_SIGNED_DATA &data, CMS_SIGNER_INFO &signer, ContentDigests 
   if (key_type != ASYMMETRIC_KEY_RSA && key_type != ASYMMETRIC_KEY_KCDSA) return fail(F_FINAL_CMS_SIGN, kUnsupported);
   if (!is_started(signer)) return fail(F_FINAL_CMS_SIGN, kNullArgument);
   const bool attributes = signs_attributes(data, signer);
-  if (const int code = feed(data, signer, attributes, attached)) return code;
+  DerWriter set;
+  if (const int code = feed(data, signer, attributes, attached, set)) return code;
   owned<ASN1_STRING> signature;
   const int encoding_code = fail(F_FINAL_CMS_SIGN, kFailedStep);
   if (const int code = finish_signature(*signer.privateKey, F_FINAL_CMS_SIGN, encoding_code, signature)) return code;
   if (!name_signature(signer.signatureAlgorithm, key_type, attributes, false)) {
     return fail(F_FINAL_CMS_SIGN, kNoMemory);
   }
+  if (!end_signer(signer, set.written())) return fail(F_FINAL_CMS_SIGN, kNoMemory);
   put(signer.signature, std::move(signature));
-  Flat<P7_SIGNER_STATE>::release(std::exchange(signer.state, nullptr));
   return 0;
 }
 

@@ -19,7 +19,7 @@ int decode(const Tlv &tlv, CMS_SIGNER_INFO &out) noexcept {
   if (in.integer(out.version) && read_identifier(in, out.sid) && in.record(out.digestAlgorithm) &&
       read_attributes(in, 0, out.signedAttrs) && in.record(out.signatureAlgorithm) && in.octets(out.signature) &&
       read_attributes(in, 1, out.unsignedAttrs) && in.end()) {
-    in.made(out.state = new_signer_state(tlv.content));
+    in.made(out.state = new_signer_state({Kept::signer, tlv.content}));
   }
   return in.result(F_SEQ_TO_CMS_SIGNER_INFO);
 }
@@ -30,7 +30,7 @@ int write_members(const CMS_SIGNER_INFO &signer, DerWriter &out) noexcept {
   write_version(signer.version, out);
   if (const int code = write_identifier(signer.sid, F_CMS_SIGNER_INFO_TO_SEQ, out)) return code;
   if (const int code = encode(*signer.digestAlgorithm, out)) return code;
-  if (const int code = write_attributes(signer.signedAttrs, 0, out)) return code;
+  if (const int code = write_signed_attributes(signer, signer.signedAttrs, out)) return code;
   if (const int code = encode(*signer.signatureAlgorithm, out)) return code;
   out.octets_as(TYPE_OCTET_STRING, signer.signature);
   return write_attributes(signer.unsignedAttrs, 1, out);

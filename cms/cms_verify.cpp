@@ -66,7 +66,7 @@ int verify_CMS(CMS_CONTENT_INFO *cms, X509_CERT *cert, const unsigned char *data
   CMS_SIGNED_DATA &content = *signed_data(cms);
   if (!has_elements(content.signerInfos) || !has_elements(content.certificates)) return 0;
   const ASN1_STRING *attached = content.encapContentInfo ? content.encapContentInfo->eContent : nullptr;
-  if (!attached) content.detached = 1;
+  if (!attached) mark_detached(content.detached);
   if (!attached && (!data || length < 0)) return 1;
   ContentDigests digests(attached ? octets(*attached) : octets_of(data, length));
   return verify_all(content, cert, digests);

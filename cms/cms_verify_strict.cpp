@@ -21,14 +21,14 @@ bool is_named_by(const X509_CERT *cert, const CMS_SIGNER_INFO &signer) noexcept 
   if (!cert || !sid) return false;
   if (sid->type == CMS_ID_SUBJECT_KEY) return has_subject_key(*cert, sid->subjectKeyIdentifier);
   const ISSUER_AND_SERIAL_NUMBER *name = sid->issuerAndSerialNumber;
-  return name && is_named(*cert, received_name(received_of(signer)), name->issuer, name->serialNumber);
+  return name && is_named(*cert, received_name(kept_of(signer)), name->issuer, name->serialNumber);
 }
 
 int verify_one(const CMS_SIGNER_INFO &signer, const Task &task, const X509_CERT *cert) noexcept {
   const X509_PUBKEY *key = get_X509_SPKI(cert);
   if (!key) return failure(ERR_NO_SIGNER_CERTIFICATE);
   DerWriter attributes;
-  if (!write_received_attributes(received_of(signer), signer.signedAttrs, attributes)) {
+  if (!write_kept_attributes(kept_of(signer), signer.signedAttrs, attributes)) {
     return failure(ERR_ASN1_DECODING);
   }
   const StrictSigner strict{attributes.written(), signer.digestAlgorithm, signer.signatureAlgorithm, signer.signature};

@@ -171,40 +171,28 @@ int add_PKCS7_P7_RECIPIENT_INFO(P7_CONTENT_INFO *p7, P7_RECIPIENT_INFO *ri) noex
   return push_STACK_value(*list, ri) ? 0 : 1;
 }
 
-namespace velpki {
-
-namespace {
-
-// What was received no longer describes a signer that is about to change.
-int change_attributes(P7_SIGNER_INFO *si, X509_ATTRIBUTES *P7_SIGNER_INFO::*list, int row, int type, Octets value,
-                      bool given) noexcept {
-  if (!si || !given || !add_attribute(si->*list, row, type, value)) return 1;
-  if (si->state) si->state->received = 0;
-  return 0;
-}
-
-}  // namespace
-
-}  // namespace velpki
-
 int add_PKCS7_Signed_Attribute(P7_SIGNER_INFO *si, int oid_index, int type, const unsigned char *bytes,
                                int length) noexcept {
-  return change_attributes(si, &P7_SIGNER_INFO::authenticatedAttributes, oid_index, type, octets_of(bytes, length),
-                           length >= 0 && (bytes || length == 0));
+  if (!si || length < 0 || (!bytes && length > 0)) return 1;
+  if (!add_attribute(si->authenticatedAttributes, oid_index, type, octets_of(bytes, length))) return 1;
+  return change_attributes(*si), 0;
 }
 
 int add_PKCS7_Unauthenticated_Attribute(P7_SIGNER_INFO *si, int oid_index, int type, const unsigned char *bytes,
                                         int length) noexcept {
-  return change_attributes(si, &P7_SIGNER_INFO::unauthenticatedAttributes, oid_index, type, octets_of(bytes, length),
-                           length >= 0 && (bytes || length == 0));
+  if (!si || length < 0 || (!bytes && length > 0)) return 1;
+  if (!add_attribute(si->unauthenticatedAttributes, oid_index, type, octets_of(bytes, length))) return 1;
+  return change_beside_attributes(*si), 0;
 }
 
 int set_P7_version(P7_CONTENT_INFO *p7, int version) noexcept {
   BIGINT **own = p7 ? version_of(*p7) : nullptr;
   if (!own || version < 0) return 1;
   if (!set_version(*own, unsigned(version))) return 1;
-  for (P7_SIGNER_INFO *each : elements<P7_SIGNER_INFO>(signer_infos(p7)))
+  for (P7_SIGNER_INFO *each : elements<P7_SIGNER_INFO>(signer_infos(p7))) {
     if (!set_version(each->version, unsigned(version))) return 1;
+    change_beside_attributes(*each);
+  }
   P7_RECIPIENT_INFOS **recipients = recipient_list(p7);
   for (P7_RECIPIENT_INFO *each : elements<P7_RECIPIENT_INFO>(recipients ? *recipients : nullptr))
     if (!set_version(each->version, unsigned(version))) return 1;

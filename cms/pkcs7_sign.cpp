@@ -87,13 +87,13 @@ namespace velpki {
 
 namespace {
 
-// Feeds what is signed, from the start: the attributes, or the content that the message has. Where it has none the
-// content was fed as it came, unless the signer had attributes then and its version has become 0 since.
-int feed(P7_SIGNER_INFO &signer, bool attributes, const MessageContent &content) noexcept {
+// Feeds what is signed, from the start: the attributes, of which `set` receives the encoding, or the content that the
+// message has. Where it has none the content was fed as it came, unless the signer had attributes then and its version
+// has become 0 since.
+int feed(P7_SIGNER_INFO &signer, bool attributes, const MessageContent &content, DerWriter &set) noexcept {
   if (!attributes && !content.present()) return signer.state->skipped ? failure(kBadValue) : 0;
   if (const int code = start_signer(signer, signer.digestEncryptionAlgorithm, F_P7_SIGN)) return code;
   if (!attributes) return feed_signature(*signer.privateKey, content.octets());
-  DerWriter set;
   if (write_attribute_set(*signer.authenticatedAttributes, set) || set.failed()) return failure(kAttributeEncoding);
   return feed_signature(*signer.privateKey, set.written());
 }
@@ -105,7 +105,8 @@ int finish(P7_SIGNER_INFO &signer, const BIGINT *version, const MessageContent &
     return attributes ? kUnknownKeyOnAttributes : failure(kUnsupported);
   }
   if (!is_started(signer)) return failure(kNullArgument);
-  if (const int code = feed(signer, attributes, content)) return code;
+  DerWriter set;
+  if (const int code = feed(signer, attributes, content, set)) return code;
   owned<ASN1_STRING> signature;
   const int code =
       finish_signature(*signer.privateKey, F_P7_SIGN, fail(F_P7_CONTENT_INFO_TO_SEQ, kFailedStep), signature);
@@ -113,8 +114,8 @@ int finish(P7_SIGNER_INFO &signer, const BIGINT *version, const MessageContent &
   if (!name_signature(signer.digestEncryptionAlgorithm, key_type, attributes, has_version_0(version))) {
     return failure(kNoMemory);
   }
+  if (!end_signer(signer, set.written())) return failure(kNoMemory);
   put(signer.encryptedDigest, std::move(signature));
-  Flat<P7_SIGNER_STATE>::release(std::exchange(signer.state, nullptr));
   return 0;
 }
 

@@ -124,7 +124,6 @@ namespace velpki {
 namespace {
 
 int seal_sp(P7_CONTENT_INFO *p7, const Sealing &sealing, size_t room) noexcept {
-  if (!encryption_padding(sealing.padding)) return kSpPadding;
   if (sealing.key) return sign_and_encrypt_sp(p7, sealing, room);
   return with_fresh_key(p7, sealing,
                         [=](const Sealing &whole) noexcept { return sign_and_encrypt_sp(p7, whole, room); });
@@ -136,6 +135,7 @@ int seal_sp(P7_CONTENT_INFO *p7, const Sealing &sealing, size_t room) noexcept {
 
 int sign_encrypt_PKCS7_SP(P7_CONTENT_INFO *p7, void *reserved, X509_ALGO_IDENTIFIER *algorithm,
                           const unsigned char *data, int length, int padding) noexcept {
+  if (!encryption_padding(padding)) return kSpPadding;
   if (length < 0 || (!data && length > 0)) return failure(kNullArgument);
   return seal_sp(p7, {reserved, algorithm, octets_of(data, length), nullptr, nullptr, padding}, kSpRoom);
 }
@@ -143,6 +143,7 @@ int sign_encrypt_PKCS7_SP(P7_CONTENT_INFO *p7, void *reserved, X509_ALGO_IDENTIF
 int sign_encrypt_PKCS7_userKEY_SP(P7_CONTENT_INFO *p7, void *reserved, X509_ALGO_IDENTIFIER *algorithm,
                                   const unsigned char *data, int length, const unsigned char *key,
                                   const unsigned char *iv, int padding) noexcept {
+  if (!encryption_padding(padding)) return kSpPadding;
   if (length < 0 || !key || (!data && length > 0)) return failure(kNullArgument);
   return seal_sp(p7, {reserved, algorithm, octets_of(data, length), key, iv, padding}, kSpRoom);
 }
@@ -150,6 +151,7 @@ int sign_encrypt_PKCS7_userKEY_SP(P7_CONTENT_INFO *p7, void *reserved, X509_ALGO
 int sign_encrypt_PKCS7_userKEY_SP_ex(P7_CONTENT_INFO *p7, const X509_ALGO_IDENTIFIER *algorithm,
                                      const unsigned char *data, int length, const unsigned char *key,
                                      const unsigned char *iv, int padding) noexcept {
+  if (!encryption_padding(padding)) return kSpPadding;
   if (length < 0 || (!data && length > 0)) return failure(kNullArgument);
   owned<X509_ALGO_IDENTIFIER> copy(dup_X509_ALGO_IDENTIFIER(algorithm));
   if (algorithm && !copy) return failure(kNoMemory);

@@ -13,17 +13,6 @@ inline constexpr auto owned_fields<P7_SIGNER_INFO> = std::tuple(
     own(&P7_SIGNER_INFO::encryptedDigest), list_of<X509_ATTRIBUTE>(&P7_SIGNER_INFO::unauthenticatedAttributes),
     own(&P7_SIGNER_INFO::privateKey), own(&P7_SIGNER_INFO::state));
 
-void Flat<P7_SIGNER_STATE>::release(P7_SIGNER_STATE *state) noexcept { velpki::release(state); }
-
-P7_SIGNER_STATE *new_signer_state(Octets received) noexcept {
-  if (received.size() > INT_MAX) return nullptr;
-  auto *state = static_cast<P7_SIGNER_STATE *>(allocate(sizeof(P7_SIGNER_STATE) + received.size()));
-  if (!state) return nullptr;
-  *state = {int(received.size()), false, false};
-  copy_octets(state + 1, received);
-  return state;
-}
-
 // IssuerAndSerialNumber ::= SEQUENCE { issuer Name, serialNumber INTEGER }
 int decode(const Tlv &tlv, P7_ISSUER_AND_SERIAL_NUMBER &out) noexcept {
   MessageReader in(tlv);
@@ -49,7 +38,7 @@ int decode(const Tlv &tlv, P7_SIGNER_INFO &out) noexcept {
       in.record(out.digestEncryptionAlgorithm) && in.octets(out.encryptedDigest) &&
       in.optional_list<X509_ATTRIBUTE>(tag::explicit_context(1), out.unauthenticatedAttributes, decode_attributes) &&
       in.end()) {
-    in.made(out.state = new_signer_state(tlv.content));
+    in.made(out.state = new_signer_state({Kept::signer, tlv.content}));
   }
   return in.result(F_SEQ_TO_P7_SIGNER_INFO);
 }
@@ -58,9 +47,7 @@ namespace {
 
 int encode_algorithms_and_digest(const P7_SIGNER_INFO &signer, DerWriter &out) noexcept {
   if (const int code = encode(*signer.digestAlgorithm, out)) return code;
-  if (const STACK *attributes = signer.authenticatedAttributes) {
-    if (const int code = encode_attributes(*attributes, out, tag::explicit_context(0))) return code;
-  }
+  if (const int code = write_signed_attributes(signer, signer.authenticatedAttributes, out)) return code;
   if (const int code = encode(*signer.digestEncryptionAlgorithm, out)) return code;
   out.octets_as(TYPE_OCTET_STRING, signer.encryptedDigest);
   return 0;

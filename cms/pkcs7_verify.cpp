@@ -60,7 +60,7 @@ int verify_PKCS7(P7_CONTENT_INFO *p7, X509_CERT *cert, const unsigned char *data
   MessageContent content;
   if (const int code = content.load(*p7)) return code;
   if (P7_SIGNED_DATA *signed_content = signed_data(p7); signed_content && !content.present()) {
-    signed_content->detached = 1;
+    mark_detached(signed_content->detached);
   }
   if (!content.present() && (!data || length < 0)) return 1;
   ContentDigests digests(content.present() ? content.octets() : octets_of(data, length));

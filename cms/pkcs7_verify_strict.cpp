@@ -22,7 +22,7 @@ struct Task {
 
 bool is_named_by(const X509_CERT *cert, const P7_SIGNER_INFO &signer) noexcept {
   const P7_ISSUER_AND_SERIAL_NUMBER *name = signer.issuerAndSerialNumber;
-  return cert && name && is_named(*cert, received_name(received_of(signer)), name->issuer, name->serialNumber);
+  return cert && name && is_named(*cert, received_name(kept_of(signer)), name->issuer, name->serialNumber);
 }
 
 // The signer's signature out of the cipher that it may be in.
@@ -41,7 +41,7 @@ int verify_one(const P7_SIGNER_INFO &signer, const Task &task, const X509_CERT *
   const X509_PUBKEY *key = get_X509_SPKI(cert);
   if (!key) return failure(ERR_NO_SIGNER_CERTIFICATE);
   DerWriter attributes;
-  if (!write_received_attributes(received_of(signer), signer.authenticatedAttributes, attributes)) {
+  if (!write_kept_attributes(kept_of(signer), signer.authenticatedAttributes, attributes)) {
     return failure(ERR_ASN1_DECODING);
   }
   owned<ASN1_STRING> opened;
@@ -84,7 +84,7 @@ int verify_PKCS7_strict(const P7_CONTENT_INFO *p7, const X509_CERT *cert, const 
   const P7_SIGNED_DATA *signed_content = signed_data(p7);
   if (!signed_content && !signed_and_enveloped_data(p7)) return failure(kUnsupported);
   if (signed_content && !signed_content->contentInfo) return failure(kNullArgument);
-  MessageContent content;
+  MessageContent content(kStandardRules);
   if (const int code = content.load(*p7)) return code;
   const Octets held = content.octets(), given = octets_of(data, length);
   Octets chosen;

@@ -110,10 +110,22 @@ const X509_ATTRIBUTE *find_attribute(const X509_ATTRIBUTES *attributes, int row)
 
 namespace {
 
+// The octets of a number as both forms write it: not padded, and not negative.
+owned<ASN1_STRING> new_number(Octets magnitude) noexcept {
+  const owned<BIGINT> number(PKV_New_BIGINT_Binary(magnitude.data(), int(magnitude.size())));
+  DerWriter encoded;
+  encoded.integer(number.get());
+  Tlv tlv;
+  Rules rules;
+  if (!number || !Tlv::parse(encoded.written(), rules, tlv)) return nullptr;
+  return owned<ASN1_STRING>(new_string(TYPE_INTEGER, tlv.content));
+}
+
 owned<X509_ATTRIBUTE> new_attribute(int row, int type, Octets value) noexcept {
   const owned<OBJECT_IDENTIFIER> oid = oid_of_row(row);
   owned<X509_ATTRIBUTE> attribute(oid ? new_X509_ATTRIBUTE() : nullptr);
-  owned<ASN1_STRING> string(attribute ? new_string(type, value) : nullptr);
+  if (!attribute) return nullptr;
+  owned<ASN1_STRING> string(type == TYPE_INTEGER ? new_number(value).release() : new_string(type, value));
   if (!string || set_X509_ATTRIBUTE_OID(attribute.get(), oid.get())) return nullptr;
   if (add_X509_ATTRIBUTE_set(attribute.get(), string.get())) return nullptr;
   static_cast<void>(string.release());

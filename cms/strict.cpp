@@ -120,12 +120,14 @@ int check_algorithms(const StrictSigner &signer, bool weak_allowed, int function
   }
   const int digest_id = digest_id_of(signer.digest_algorithm);
   if (!digest_id) return fail(function, kUnsupported);
-  if (!weak_allowed && PKV_Get_DIGEST_Length(digest_id) < kWeakDigestLength) return fail(function, ERR_WEAK_DIGEST);
+  if (!weak_allowed && is_weak_digest(digest_id)) return fail(function, ERR_WEAK_DIGEST);
   const int own = own_digest(*signer.signature_algorithm->algorithm);
   return !own || own == digest_id ? 0 : fail(function, ERR_ALGORITHM_MISMATCH);
 }
 
 }  // namespace
+
+bool is_weak_digest(int digest_id) noexcept { return PKV_Get_DIGEST_Length(digest_id) < kWeakDigestLength; }
 
 int check_binding(const StrictSigner &signer, const OBJECT_IDENTIFIER *content_type, ContentDigests &digests,
                   int function) noexcept {
@@ -151,15 +153,6 @@ int verify_signer_strict(const StrictSigner &signer, const OBJECT_IDENTIFIER *co
 
 namespace {
 
-// The content of the first child with an identifier.
-bool find_child(Octets content, uint8_t identifier, Octets &out) noexcept {
-  Tlv parent, child;
-  parent.content = content;
-  for (Cursor in(parent); in.next(child);)
-    if (child.identifier == identifier) return out = child.content, true;
-  return false;
-}
-
 // Octets that may be BER, in DER.
 void write_definite(Octets value, DerWriter &out) noexcept {
   if (is_der(value)) return out.raw(value);
@@ -171,18 +164,15 @@ void write_definite(Octets value, DerWriter &out) noexcept {
 
 }  // namespace
 
-bool write_received_attributes(Octets received, const X509_ATTRIBUTES *attributes, DerWriter &out) noexcept {
-  if (received.empty()) {
+bool write_kept_attributes(const KeptOctets &kept, const X509_ATTRIBUTES *attributes, DerWriter &out) noexcept {
+  if (kept.kind == Kept::nothing) {
     if (has_attributes(attributes) && write_attribute_set(*attributes, out)) return false;
     return !out.failed();
   }
   Octets set;
-  if (!find_child(received, tag::explicit_context(0), set)) return true;
+  if (!find_kept_attributes(kept, set)) return true;
   DerWriter whole;
-  {
-    const auto scope = whole.set();
-    whole.raw(set);
-  }
+  whole.primitive(tag::kSet, set);
   if (!whole.failed()) write_definite(whole.written(), out);
   return !whole.failed() && !out.failed();
 }
@@ -204,13 +194,6 @@ bool name_of_certificate(const X509_CERT &cert, Octets &issuer, Octets &serial) 
 }
 
 }  // namespace
-
-Octets received_name(Octets signer_info) noexcept {
-  Tlv parent, child;
-  parent.content = signer_info;
-  Cursor in(parent);
-  return in.next(child) && in.next(child) ? child.content : Octets();
-}
 
 int choose_content(const Octets *held, const Octets *given, int function, Octets &out) noexcept {
   if (!held && !given) return fail(function, ERR_NO_CONTENT);

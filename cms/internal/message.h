@@ -1,6 +1,8 @@
 // What the codecs of PKCS#7 and CMS messages are written with.
 #pragma once
 
+#include <atomic>
+
 #include "x509/internal/x509.h"
 
 namespace velpki {
@@ -83,5 +85,12 @@ X509_CERT *find_certificate(const STACK *certificates, const X509_NAME *issuer, 
 // SET OF AlgorithmIdentifier.
 int decode_algorithms(const Tlv &tlv, STACK &list) noexcept;
 int encode_algorithms(const STACK &list, DerWriter &out) noexcept;
+
+// Marks a message as detached: verifying does so, in several threads perhaps.
+inline void mark_detached(int &detached) noexcept {
+  if (std::atomic_ref<int> mark(detached); !mark.load(std::memory_order_relaxed)) {
+    mark.store(1, std::memory_order_relaxed);
+  }
+}
 
 }  // namespace velpki

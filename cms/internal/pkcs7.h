@@ -91,6 +91,7 @@ owned<P7_CONTENT_INFO> new_data(Octets octets) noexcept;
 // The content that a message signs: the octets of data, of any other type those of its value without tag and length.
 class MessageContent {
  public:
+  explicit MessageContent(Rules rules = {}) noexcept : encoded_(rules) {}
   // 0, or the code of a content that cannot be encoded.
   int load(const P7_CONTENT_INFO &p7) noexcept;
   bool present() const noexcept { return present_; }

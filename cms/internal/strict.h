@@ -1,7 +1,7 @@
 // Verification without tolerances, as PKCS#7 and CMS share it.
 #pragma once
 
-#include "cms/internal/signature.h"
+#include "cms/internal/signer_state.h"
 
 namespace velpki {
 
@@ -13,6 +13,9 @@ struct StrictSigner {
   const ASN1_STRING *signature;
 };
 
+// Whether what a digest binds can be trusted no longer: an unknown one, or one that collisions are found for.
+bool is_weak_digest(int digest_id) noexcept;
+
 // 0, or `function` with what is wrong: see verify_PKCS7_strict.
 int verify_signer_strict(const StrictSigner &signer, const OBJECT_IDENTIFIER *content_type, const X509_PUBKEY &key,
                          bool weak_allowed, ContentDigests &digests, int function) noexcept;
@@ -21,12 +24,9 @@ int verify_signer_strict(const StrictSigner &signer, const OBJECT_IDENTIFIER *co
 int check_binding(const StrictSigner &signer, const OBJECT_IDENTIFIER *content_type, ContentDigests &digests,
                   int function) noexcept;
 
-// The attributes of a signer as a SET in DER, from the content of the SignerInfo that was received, or from the list
-// where nothing was. False when they cannot be written; nothing is written for a signer without.
-bool write_received_attributes(Octets received, const X509_ATTRIBUTES *attributes, DerWriter &out) noexcept;
-
-// The name in the content of a SignerInfo that was received, behind its version; empty for one that was built here.
-Octets received_name(Octets signer_info) noexcept;
+// The attributes of a signer as a SET in DER, from what is kept of it, or from the list where nothing is. False when
+// they cannot be written; nothing is written for a signer without.
+bool write_kept_attributes(const KeptOctets &kept, const X509_ATTRIBUTES *attributes, DerWriter &out) noexcept;
 
 // Whether a certificate has the issuer and serial number that were received, octet for octet; what was built here is
 // compared by its members.

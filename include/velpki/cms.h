@@ -453,14 +453,14 @@ VELPKI_API int set_CMS_Type(CMS_CONTENT_INFO *cms, int type_index) VELPKI_NOEXCE
  * number that cannot be set, a negative one among them. */
 VELPKI_API int set_CMS_version(CMS_CONTENT_INFO *cms, int version, int type_index) VELPKI_NOEXCEPT;
 /** Fills a content with a type, by its registry row, and a copy of the octets; a null `bytes` of length 0 leaves them
- * absent. F_SET_ENCAPSULATED_CONTENT_INFO with 49, 2B or 3C. */
+ * absent. F_SET_ENCAPSULATED_CONTENT_INFO with 49, 48 (a row without identifier), 2B or 3C. */
 VELPKI_API int set_ENCAPSULATED_CONTENT_INFO(ENCAPSULATED_CONTENT_INFO *eci, int type_index, const unsigned char *bytes,
                                              int length) VELPKI_NOEXCEPT;
 /** Takes over the content of signed, digested or authenticated data, and raises the version of the first two for
  * content other than data. F_SET_CMS_CONTENT with 49, 48, 2B (the message holds it already) or 3C. */
 VELPKI_API int set_Content_Info(CMS_CONTENT_INFO *cms, ENCAPSULATED_CONTENT_INFO *eci) VELPKI_NOEXCEPT;
 /** Fills an encrypted content with a type, by its registry row, an algorithm and a copy of the octets; a null `content`
- * of length 0 leaves them absent. F_SET_CMS_ENCRYPTED_CONTENT_INFO with 49, 2B or 3C. */
+ * of length 0 leaves them absent. F_SET_CMS_ENCRYPTED_CONTENT_INFO with 49, 48 (a row without identifier), 2B or 3C. */
 VELPKI_API int set_CMS_ENCRYPTED_CONTENT_INFO(CMS_ENCRYPTED_CONTENT_INFO *eci, int type_index,
                                               X509_ALGO_IDENTIFIER *algorithm, const unsigned char *content,
                                               int length) VELPKI_NOEXCEPT;
@@ -613,13 +613,13 @@ VELPKI_API CMS_RECIPIENT_INFO *add_CMS_Recipient_ex(CMS_CONTENT_INFO *cms,
  * data, a key that is neither RSA nor KCDSA), 2B (no signers, an unknown algorithm), 3C, or the provider's. */
 VELPKI_API int init_CMS_Sign(CMS_CONTENT_INFO *cms, int detached) VELPKI_NOEXCEPT;
 /** Keeps the first octets as the content of a message that is not detached, and ignores later ones; detached content
- * comes in any number of pieces and is not stored. F_UPDATE_CMS_SIGN with 49 (also without init), 48, 2B (a negative
+ * comes in any number of pieces and is not stored. F_UPDATE_CMS_SIGN with 49, 48, 2B (a negative
  * length), 3C, or the provider's. */
 VELPKI_API int update_CMS_Sign(CMS_CONTENT_INFO *cms, const unsigned char *data, int length) VELPKI_NOEXCEPT;
 /** Signs: where a signer has signed attributes, or the content is of another type than data, contentType and
  * messageDigest are added unless the caller did, the attributes are put into the order of DER, and their SET OF is
  * signed; else the content is. An RSA signer of attributes, but one of PSS, then names "rsaEncryption"; KCDSA signers
- * name "kcdsa1". Signers keep their versions. A detached message's attributes must be there before its first octets,
+ * name "kcdsa1". Signers keep their versions. A detached message's attributes must be there before init_CMS_Sign,
  * else 2B. F_FINAL_CMS_SIGN with 49 (also without init), 48, 2B, 5F (attributes that cannot be encoded), 54 (an empty
  * half of a KCDSA signature), 3C, or the provider's. */
 VELPKI_API int final_CMS_Sign(CMS_CONTENT_INFO *cms) VELPKI_NOEXCEPT;
@@ -696,8 +696,8 @@ VELPKI_API int final_CMS_Encrypt(CMS_CONTENT_INFO *cms, unsigned char *out, int 
 
 /** @name Encrypting at once
  * @{ */
-/** The three steps in one, with a random key and IV. `reserved` is not looked at. F_ENCRYPT_CMS with 48, and the codes
- * of the steps. */
+/** The three steps in one, with a random key and IV. `reserved` is not looked at. F_ENCRYPT_CMS with 49 or 48, and the
+ * codes of the steps. */
 VELPKI_API int encrypt_CMS(CMS_CONTENT_INFO *cms, void *reserved, X509_ALGO_IDENTIFIER *algorithm,
                            const unsigned char *data, int length, int padding) VELPKI_NOEXCEPT;
 /** As encrypt_CMS, with the caller's key and IV. */
@@ -772,7 +772,8 @@ VELPKI_API int authenticate_CMS(CMS_CONTENT_INFO *cms, int mac_digest_id, int di
                                 int length, int detached, int padding) VELPKI_NOEXCEPT;
 /** Verifies the MAC as strictly as verify_CMS_strict does signatures; `data` is the content where the message has none.
  * F_VERIFY_CMS with 49, 48, 2B (no recipient that the opener fits), 5E (a MAC or message digest that differs, whatever
- * the key), ERR_NO_CONTENT to ERR_AMBIGUOUS_CONTENT, 5F, or the provider's. */
+ * the key), ERR_NO_CONTENT to ERR_AMBIGUOUS_CONTENT, ERR_WEAK_DIGEST (attributes bind the content by one), 5F, or the
+ * provider's. */
 VELPKI_API int verify_authenticated_CMS(const CMS_CONTENT_INFO *cms, const CMS_OPENER *opener,
                                         const unsigned char *data, int length) VELPKI_NOEXCEPT;
 /** @} */

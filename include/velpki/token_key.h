@@ -1,8 +1,9 @@
 /** @file velpki/token_key.h
  *
  * Signing with a private key that stays in a token. A P11_KEY says which key of which session it is; read_P11_KEY() or
- * join_P11_KEY() makes an ASYMMETRIC_KEY of it that every function which signs takes like any other: certificates,
- * requests, revocation lists, PKCS#7 and CMS messages, OCSP requests and responses.
+ * join_P11_KEY() makes an ASYMMETRIC_KEY of it that every function which signs takes like any other of its kind: keys
+ * of RSA for certificates, requests, revocation lists, PKCS#7 and CMS messages, OCSP requests and responses; keys on a
+ * curve for those that the functions with _RFC5280 or _ex in their names sign.
  *
  * What the token has to know: CKM_RSA_PKCS for PKCS#1 v1.5, CKM_RSA_PKCS_PSS for PSS, CKM_ECDSA for prime256v1,
  * secp384r1 and secp521r1. The digest is made here. KCDSA has no mechanism in PKCS#11: write a PKV_SIGN_CALLBACK for

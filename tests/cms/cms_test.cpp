@@ -168,7 +168,7 @@ TEST(Cms, AuthenticatedDataWithAndWithoutAttributes) {
     for (const int form : {0, 1, 2, 3}) {
       const Cms cms = cms_of(CMS_TYPE_AUTHENTICATED_DATA);
       ASSERT_NE(add_CMS_Recipient_ex(cms, &options), nullptr);
-      if (form & 1) ASSERT_EQ(add_CMS_Authenticated_Attribute(cms, 52, TYPE_OCTET_STRING, key.data(), 4), 0);
+      if (form & 1) ASSERT_EQ(add_CMS_Authenticated_Attribute(cms, 52, TYPE_INTEGER, hex("80").data(), 1), 0);
       ASSERT_EQ(authenticate_CMS(cms, digest, PKV_DIGEST_SHA256, document().data(), 5000, form & 2, 0), 0);
       const Cms back = sent(cms);
       ASSERT_NE(back, nullptr);
@@ -178,6 +178,8 @@ TEST(Cms, AuthenticatedDataWithAndWithoutAttributes) {
       EXPECT_EQ(verify_authenticated_CMS(back, &opener, document().data(), 4999),
                 F_VERIFY_CMS | (form & 2 ? 0x5E : ERR_CONTENT_MISMATCH));
       if (form & 2) EXPECT_EQ(verify_authenticated_CMS(back, &opener, nullptr, 0), F_VERIFY_CMS | ERR_NO_CONTENT);
+      ASSERT_EQ(authenticate_CMS(cms, digest, PKV_DIGEST_SHA1, document().data(), 5000, 0, 0), 0);
+      EXPECT_EQ(verify_authenticated_CMS(cms, &opener, nullptr, 0), form & 1 ? F_VERIFY_CMS | ERR_WEAK_DIGEST : 0);
     }
   }
 }

@@ -239,6 +239,7 @@ TEST(SignAndSeal, PlainAndSp) {
   const Message empty = message_of(PKCS7_SIGNED_AND_ENVELOPED_DATA);
   EXPECT_EQ(seal(empty, Variant::sp), F_P7_SIGN | 0x2B);
   EXPECT_EQ(sign_encrypt_PKCS7_SP(empty, nullptr, nullptr, document().data(), 1, 1), 0x4B00002B);
+  EXPECT_EQ(sign_encrypt_PKCS7_userKEY_SP(empty, nullptr, nullptr, nullptr, 1, nullptr, nullptr, 1), 0x4B00002B);
   EXPECT_EQ(sign_encrypt_PKCS7(message_of(PKCS7_SIGNED_DATA), nullptr, nullptr, document().data(), 1, 0),
             F_P7_ENCRYPT | 0x48);
 }

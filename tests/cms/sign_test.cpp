@@ -26,6 +26,9 @@ TEST(Sign, EachStepHasItsCodes) {
   P7_SIGNER_INFO *signer = add_PKCS7_Signature(p7, cert, nullptr, 672);
   ASSERT_NE(signer, nullptr);
   EXPECT_EQ(init_PKCS7_Sign(p7, 0), F_P7_SIGN | 0x48);
+  const Message unknown = message_of(PKCS7_SIGNED_DATA);
+  add_PKCS7_Signature(unknown, cert, nullptr, 3);
+  EXPECT_EQ(init_PKCS7_Sign(unknown, 0), F_P7_SIGN | 0x2B);
   EXPECT_EQ(final_PKCS7_Sign(p7), F_P7_SIGN | 0x48);
   add_attributes(signer, PKV_DIGEST_SHA256);
   EXPECT_EQ(final_PKCS7_Sign(p7), 0x1C0048);
@@ -129,6 +132,39 @@ TEST(Sign, FurtherForms) {
   ASSERT_EQ(update_PKCS7_Sign(p7, document().data(), 1000), 0) << "ignored";
   ASSERT_EQ(final_PKCS7_Sign(p7), 0);
   EXPECT_EQ(verify_strictly(sent(p7), 0, &document()), 0);
+}
+
+// Attributes out of order and a number with its top bit set: what is written, in either form and also when something
+// beside them has changed since, is what was signed.
+TEST(Sign, WhatWasSignedIsWritten) {
+  VELPKI_NEED_OPENSSL;
+  const auto in_standard_form = [](const Message &p7) {
+    return octets_by(writeDER_P7_CONTENT_INFO_to_Binary_RFC5280, p7.get());
+  };
+  const auto received = [](const Bytes &octets) {
+    return Message(read_by(readBER_P7_CONTENT_INFO_from_Binary, octets));
+  };
+  const auto signer_of = [](const Message &p7) {
+    return item<P7_SIGNER_INFO>(static_cast<P7_SIGNED_DATA *>(p7->content)->signerInfos, 0);
+  };
+  for (const bool standard : {false, true}) {
+    const Message p7 = message_of(PKCS7_SIGNED_DATA);
+    P7_SIGNER_INFO *signer = add_signer(p7, first_party());
+    add_attributes(signer, PKV_DIGEST_SHA256);
+    ASSERT_EQ(add_PKCS7_Signed_Attribute(signer, 49, TYPE_INTEGER, hex("80").data(), 1), 0);
+    ASSERT_EQ(sign(p7), 0);
+    const Message back = received(standard ? in_standard_form(p7) : written(p7));
+    ASSERT_EQ(verify_strictly(back), 0);
+    signer = signer_of(back);
+    ASSERT_EQ(add_PKCS7_Unauthenticated_Attribute(signer, 49, 26, hex("41").data(), 1), 0);
+    ASSERT_EQ(set_P7_version(back, 4), 0);
+    EXPECT_EQ(verify_strictly(back), 0);
+    const Message again = received(in_standard_form(back));
+    EXPECT_EQ(verify_strictly(again), 0);
+    EXPECT_EQ(PKV_Get_BIGINT_Word(signer_of(again)->version), 4u);
+    ASSERT_EQ(add_PKCS7_Signed_Attribute(signer, 49, TYPE_INTEGER, hex("01").data(), 1), 0);
+    EXPECT_EQ(verify_strictly(back), PKV_ERR_MISMATCH);
+  }
 }
 
 // What came while a signer had attributes was not fed to its signature.
