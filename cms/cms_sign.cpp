@@ -1,6 +1,7 @@
 // Signing: init, update, final.
 #include "cms/internal/cms.h"
 #include "cms/internal/cms_digests.h"
+#include "cms/internal/ecdsa.h"
 #include "cms/internal/signer_state.h"
 
 namespace velpki {
@@ -17,11 +18,19 @@ bool signs_attributes(const CMS_SIGNED_DATA &data, const CMS_SIGNER_INFO &signer
   return has_attributes(signer.signedAttrs) || is_typed(data.encapContentInfo);
 }
 
+// A key on a curve starts nothing; content in pieces is not for it.
+int start(const CMS_SIGNED_DATA &data, CMS_SIGNER_INFO &signer) noexcept {
+  if (!is_on_curve(signer.privateKey)) return start_signer(signer, signer.signatureAlgorithm, F_INIT_CMS_SIGN);
+  if (!is_ecdsa(signer.digestAlgorithm, signer.signatureAlgorithm)) return fail(F_INIT_CMS_SIGN, kBadValue);
+  if (data.detached && !signs_attributes(data, signer)) return fail(F_INIT_CMS_SIGN, kUnsupported);
+  return begin_signer(signer, F_INIT_CMS_SIGN);
+}
+
 // Signers whose content will come in pieces need it digested on the way.
 int start_all(CMS_SIGNED_DATA &data) noexcept {
   for (CMS_SIGNER_INFO *signer : elements<CMS_SIGNER_INFO>(data.signerInfos)) {
     if (!signer || is_signed(*signer)) continue;
-    if (const int code = start_signer(*signer, signer->signatureAlgorithm, F_INIT_CMS_SIGN)) return code;
+    if (const int code = start(data, *signer)) return code;
     if (!data.detached || !signs_attributes(data, *signer)) continue;
     const int code = start_digest(data.digests, digest_id_of(signer->digestAlgorithm), F_INIT_CMS_SIGN);
     if (code) return code;
@@ -81,8 +90,8 @@ int content_digest(const CMS_SIGNED_DATA &data, ContentDigests *attached, int di
   return 0;
 }
 
-int feed_attributes(const CMS_SIGNED_DATA &data, CMS_SIGNER_INFO &signer, ContentDigests *attached,
-                    DerWriter &set) noexcept {
+int write_attributes(const CMS_SIGNED_DATA &data, CMS_SIGNER_INFO &signer, ContentDigests *attached,
+                     DerWriter &set) noexcept {
   DigestValue digest;
   if (const int code = content_digest(data, attached, digest_id_of(signer.digestAlgorithm), digest)) return code;
   if (!add_content_attributes(signer.signedAttrs, data.encapContentInfo->eContentType, digest.octets())) {
@@ -90,30 +99,37 @@ int feed_attributes(const CMS_SIGNED_DATA &data, CMS_SIGNER_INFO &signer, Conten
   }
   if (!sort_attributes(*signer.signedAttrs)) return fail(F_FINAL_CMS_SIGN, kAttributeEncoding);
   if (write_attribute_set(*signer.signedAttrs, set) || set.failed()) return fail(F_FINAL_CMS_SIGN, kAttributeEncoding);
-  return feed_signature(*signer.privateKey, set.written());
+  return 0;
 }
 
-// Feeds what is signed, and writes the attributes that are to `set`. A content that the message does not have was fed
-// as it came, unless attributes that the signer had then are gone.
-int feed(const CMS_SIGNED_DATA &data, CMS_SIGNER_INFO &signer, bool attributes, ContentDigests *attached,
-         DerWriter &set) noexcept {
-  if (!attributes && !attached) return signer.state->skipped ? fail(F_FINAL_CMS_SIGN, kBadValue) : 0;
-  if (const int code = start_signer(signer, signer.signatureAlgorithm, F_FINAL_CMS_SIGN)) return code;
-  return attributes ? feed_attributes(data, signer, attached, set)
-                    : feed_signature(*signer.privateKey, attached->content());
+// Signs octets, or with null what was fed. That came as it was, unless attributes that the signer had then are gone.
+int make_signature(CMS_SIGNER_INFO &signer, const Octets *octets, owned<ASN1_STRING> &out) noexcept {
+  ASYMMETRIC_KEY &key = *signer.privateKey;
+  if (!octets && (signer.state->skipped || is_on_curve(&key))) return fail(F_FINAL_CMS_SIGN, kBadValue);
+  if (is_on_curve(&key))
+    return sign_on_curve(key, *signer.signatureAlgorithm->algorithm, *octets, F_FINAL_CMS_SIGN, out);
+  if (octets) {
+    if (const int code = start_signer(signer, signer.signatureAlgorithm, F_FINAL_CMS_SIGN)) return code;
+    if (const int code = feed_signature(key, *octets)) return code;
+  }
+  return finish_signature(key, F_FINAL_CMS_SIGN, fail(F_FINAL_CMS_SIGN, kFailedStep), out);
 }
 
 int finish(const CMS_SIGNED_DATA &data, CMS_SIGNER_INFO &signer, ContentDigests *attached) noexcept {
-  const int key_type = signer.privateKey ? signer.privateKey->type : 0;
-  if (key_type != ASYMMETRIC_KEY_RSA && key_type != ASYMMETRIC_KEY_KCDSA) return fail(F_FINAL_CMS_SIGN, kUnsupported);
+  const int type = signer.privateKey ? signer.privateKey->type : 0;
+  if (type != ASYMMETRIC_KEY_RSA && type != ASYMMETRIC_KEY_KCDSA && type != ASYMMETRIC_KEY_ECC) {
+    return fail(F_FINAL_CMS_SIGN, kUnsupported);
+  }
   if (!is_started(signer)) return fail(F_FINAL_CMS_SIGN, kNullArgument);
   const bool attributes = signs_attributes(data, signer);
   DerWriter set;
-  if (const int code = feed(data, signer, attributes, attached, set)) return code;
+  if (attributes) {
+    if (const int code = write_attributes(data, signer, attached, set)) return code;
+  }
+  const Octets octets = attributes ? set.written() : attached ? attached->content() : Octets();
   owned<ASN1_STRING> signature;
-  const int encoding_code = fail(F_FINAL_CMS_SIGN, kFailedStep);
-  if (const int code = finish_signature(*signer.privateKey, F_FINAL_CMS_SIGN, encoding_code, signature)) return code;
-  if (!name_signature(signer.signatureAlgorithm, key_type, attributes, false)) {
+  if (const int code = make_signature(signer, attributes || attached ? &octets : nullptr, signature)) return code;
+  if (!name_signature(signer.signatureAlgorithm, type, attributes, false)) {
     return fail(F_FINAL_CMS_SIGN, kNoMemory);
   }
   if (!end_signer(signer, set.written())) return fail(F_FINAL_CMS_SIGN, kNoMemory);

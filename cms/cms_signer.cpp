@@ -1,5 +1,6 @@
 // Setting up a signer, and what names it.
 #include "cms/internal/cms.h"
+#include "cms/internal/ecdsa.h"
 #include "cms/internal/signature.h"
 #include "cms/internal/signer_state.h"
 
@@ -61,18 +62,21 @@ namespace {
 
 constexpr int failure(int reason) noexcept { return fail(F_SET_CMS_SIGNER_INFO, reason); }
 
-// The arguments of a signer that is set up.
+// The arguments of a signer that is set up; `by_ex` those of the functions that know PSS parameters and curves.
 struct SignerArguments {
   const X509_CERT *cert;
   const ASYMMETRIC_KEY *key;
   int flags, digest_row, padding;
+  bool by_ex = false;
+  const RSASSA_PSS_PARAM *pss = nullptr;
 };
 
 int check(const SignerArguments &from) noexcept {
   if (from.padding != PKV_RSA_PKCS1 && from.padding != PKV_RSA_PSS) return failure(kUnsupported);
   if (!from.cert) return failure(kNullArgument);
   const int type = from.key ? from.key->type : ASYMMETRIC_KEY_RSA;
-  if (type != ASYMMETRIC_KEY_RSA && type != ASYMMETRIC_KEY_KCDSA) return failure(kUnsupported);
+  const bool on_curve = is_on_curve(from.key) && from.by_ex && from.padding == PKV_RSA_PKCS1;
+  if (type != ASYMMETRIC_KEY_RSA && type != ASYMMETRIC_KEY_KCDSA && !on_curve) return failure(kUnsupported);
   return oid_of_row(from.digest_row) ? 0 : failure(kUnsupported);
 }
 
@@ -83,30 +87,27 @@ int fill(const SignerArguments &from, CMS_SIGNER_INFO &out) noexcept {
                    (!from.key || (out.privateKey = dup_ASYMMETRIC_KEY(from.key))) &&
                    set_algorithm(out.digestAlgorithm, from.digest_row) &&
                    set_algorithm(out.signatureAlgorithm, signature_row(from.digest_row, from.padding));
-  return set ? 0 : failure(kNoMemory);
+  if (!set) return failure(kNoMemory);
+  if (is_on_curve(from.key)) {
+    return set_ecdsa_algorithm(out.signatureAlgorithm, digest_id_of(out.digestAlgorithm), F_SET_CMS_SIGNER_INFO);
+  }
+  if (!from.by_ex || from.padding != PKV_RSA_PSS) return 0;
+  return set_pss_parameters(from.pss, *out.digestAlgorithm, F_SET_CMS_SIGNER_INFO, *out.signatureAlgorithm);
 }
 
-int set_signer(CMS_SIGNER_INFO *si, const SignerArguments &from, bool write_pss, const RSASSA_PSS_PARAM *pss) noexcept {
+int set_signer(CMS_SIGNER_INFO *si, const SignerArguments &from) noexcept {
   if (!si) return failure(kNullArgument);
   if (const int code = check(from)) return code;
   const owned<CMS_SIGNER_INFO> fresh(new_CMS_SIGNER_INFO());
   if (!fresh) return failure(kNoMemory);
   if (const int code = fill(from, *fresh)) return code;
-  if (write_pss && from.padding == PKV_RSA_PSS) {
-    const int code =
-        set_pss_parameters(pss, *fresh->digestAlgorithm, F_SET_CMS_SIGNER_INFO, *fresh->signatureAlgorithm);
-    if (code) return code;
-  }
   std::swap(*si, *fresh);
   return 0;
 }
 
-CMS_SIGNER_INFO *add_signer(CMS_CONTENT_INFO *cms, const SignerArguments &from, bool write_pss,
-                            const RSASSA_PSS_PARAM *pss) noexcept {
+CMS_SIGNER_INFO *add_signer(CMS_CONTENT_INFO *cms, const SignerArguments &from) noexcept {
   owned<CMS_SIGNER_INFO> signer(new_CMS_SIGNER_INFO());
-  if (!signer || set_signer(signer.get(), from, write_pss, pss) || add_CMS_SignerInfo(cms, signer.get())) {
-    return nullptr;
-  }
+  if (!signer || set_signer(signer.get(), from) || add_CMS_SignerInfo(cms, signer.get())) return nullptr;
   return signer.release();
 }
 
@@ -133,11 +134,11 @@ int set_CMS_IssuerAndSerialNumber(ISSUER_AND_SERIAL_NUMBER **issuer_and_serial, 
 
 int set_CMS_SIGNER_INFO(CMS_SIGNER_INFO *si, X509_CERT *cert, int flags, ASYMMETRIC_KEY *key, int digest_index,
                         int padding, RSASSA_PSS_PARAM *) noexcept {
-  return set_signer(si, {cert, key, flags, digest_index, padding}, false, nullptr);
+  return set_signer(si, {cert, key, flags, digest_index, padding});
 }
 int set_CMS_SIGNER_INFO_ex(CMS_SIGNER_INFO *si, const X509_CERT *cert, int flags, const ASYMMETRIC_KEY *key,
                            int digest_index, int padding, const RSASSA_PSS_PARAM *pss) noexcept {
-  return set_signer(si, {cert, key, flags, digest_index, padding}, true, pss);
+  return set_signer(si, {cert, key, flags, digest_index, padding, true, pss});
 }
 
 int add_CMS_SignerInfo(CMS_CONTENT_INFO *cms, CMS_SIGNER_INFO *si) noexcept {
@@ -158,10 +159,10 @@ int add_CMS_SignerInfo(CMS_CONTENT_INFO *cms, CMS_SIGNER_INFO *si) noexcept {
 
 CMS_SIGNER_INFO *add_CMS_Signature(CMS_CONTENT_INFO *cms, X509_CERT *cert, int flags, ASYMMETRIC_KEY *key,
                                    int digest_index, int padding, RSASSA_PSS_PARAM *) noexcept {
-  return add_signer(cms, {cert, key, flags, digest_index, padding}, false, nullptr);
+  return add_signer(cms, {cert, key, flags, digest_index, padding});
 }
 CMS_SIGNER_INFO *add_CMS_Signature_ex(CMS_CONTENT_INFO *cms, const X509_CERT *cert, int flags,
                                       const ASYMMETRIC_KEY *key, int digest_index, int padding,
                                       const RSASSA_PSS_PARAM *pss) noexcept {
-  return add_signer(cms, {cert, key, flags, digest_index, padding}, true, pss);
+  return add_signer(cms, {cert, key, flags, digest_index, padding, true, pss});
 }

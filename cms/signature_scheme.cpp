@@ -96,6 +96,7 @@ int write_attribute_set(const X509_ATTRIBUTES &attributes, DerWriter &out) noexc
 }
 
 bool name_signature(X509_ALGO_IDENTIFIER *&algorithm, int key_type, bool attributes, bool version_0) noexcept {
+  if (key_type == ASYMMETRIC_KEY_ECC) return true;
   if (key_type == ASYMMETRIC_KEY_KCDSA) return set_algorithm(algorithm, row::kKcdsa1);
   const int row = index_from_OBJECT_IDENTIFIER(algorithm->algorithm);
   const bool pss = row == row::kRsassaPss || row == row::kPssRsa;

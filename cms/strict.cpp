@@ -1,5 +1,6 @@
 #include "cms/internal/strict.h"
 
+#include "cms/internal/ecdsa.h"
 #include "x509/internal/received.h"
 #include "x509/internal/signature.h"
 
@@ -74,21 +75,10 @@ bool is_attribute_set(Octets content) noexcept {
   return true;
 }
 
-struct EcdsaDigest {
-  std::string_view oid;
-  int digest_id;
-};
-constexpr EcdsaDigest kEcdsa[] = {
-    {"1.2.840.10045.4.1", PKV_DIGEST_SHA1},     {"1.2.840.10045.4.3.1", PKV_DIGEST_SHA224},
-    {"1.2.840.10045.4.3.2", PKV_DIGEST_SHA256}, {"1.2.840.10045.4.3.3", PKV_DIGEST_SHA384},
-    {"1.2.840.10045.4.3.4", PKV_DIGEST_SHA512},
-};
-
 // The digest that a signature algorithm itself names; 0 for one that leaves it to the digest algorithm.
 int own_digest(const OBJECT_IDENTIFIER &oid) noexcept {
-  for (const EcdsaDigest &each : kEcdsa)
-    if (text(oid) == each.oid) return each.digest_id;
-  return get_DigestID_from_OID(&oid);
+  const int digest_id = ecdsa_digest(oid);
+  return digest_id ? digest_id : get_DigestID_from_OID(&oid);
 }
 
 int verify_with_registry(const StrictSigner &signer, const ASYMMETRIC_KEY &key, ContentDigests &digests,

@@ -47,7 +47,8 @@ int set_pss_parameters(const RSASSA_PSS_PARAM *given, const X509_ALGO_IDENTIFIER
 // The signature algorithm that is written for a digest's row under a padding.
 int signature_row(int digest_row, int padding) noexcept;
 // Names the algorithm of a finished signature. KCDSA has one of its own; an RSA signer that signed its attributes, and
-// every signer of version 0, names the key's, and PSS survives the former. False when memory ends.
+// every signer of version 0, names the key's, and PSS survives the former; one on a curve has been named. False when
+// memory ends.
 bool name_signature(X509_ALGO_IDENTIFIER *&algorithm, int key_type, bool attributes, bool version_0) noexcept;
 
 // What is signed of attributes: their set under the tag of a SET.

@@ -76,6 +76,17 @@ bool is_started(const Signer &signer) noexcept {
   return signer.state && signer.state->started;
 }
 
+// The signature of a signer is in work.
+template <class Signer>
+int begin_signer(Signer &signer, int function) noexcept {
+  P7_SIGNER_STATE *state = new_signer_state({});
+  if (!state) return fail(function, kNoMemory);
+  state->started = true;
+  if (signer.state) Flat<P7_SIGNER_STATE>::release(signer.state);
+  signer.state = state;
+  return 0;
+}
+
 // Starts the signature of a signer's key by its algorithms.
 template <class Signer>
 int start_signer(Signer &signer, const X509_ALGO_IDENTIFIER *signature_algorithm, int function) noexcept {
@@ -86,12 +97,7 @@ int start_signer(Signer &signer, const X509_ALGO_IDENTIFIER *signature_algorithm
   }
   if (!key) return fail(function, kUnsupported);
   if (const int code = start_signature(*key, scheme, function)) return code;
-  P7_SIGNER_STATE *state = new_signer_state({});
-  if (!state) return fail(function, kNoMemory);
-  state->started = true;
-  if (signer.state) Flat<P7_SIGNER_STATE>::release(signer.state);
-  signer.state = state;
-  return 0;
+  return begin_signer(signer, function);
 }
 
 // The signature is made: of the signer's state stays what it signed, the encoded set of its attributes, if it did.

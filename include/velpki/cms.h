@@ -497,7 +497,9 @@ VELPKI_API int set_CMS_IssuerAndSerialNumber(ISSUER_AND_SERIAL_NUMBER **issuer_a
 VELPKI_API int set_CMS_SIGNER_INFO(CMS_SIGNER_INFO *si, X509_CERT *cert, int flags, ASYMMETRIC_KEY *key,
                                    int digest_index, int padding, RSASSA_PSS_PARAM *pss) VELPKI_NOEXCEPT;
 /** As set_CMS_SIGNER_INFO; but with padding 2 it writes the parameters of PSS and signs with them, null meaning the
- * digest for everything. */
+ * digest for everything; and with padding 1 it takes keys on a curve, for ECDSA with a digest of SHA-1 or SHA-2 (RFC
+ * 5753 2.1). Their signers need signed attributes where the content is detached. verify_CMS_strict verifies them,
+ * verify_CMS refuses them. */
 VELPKI_API int set_CMS_SIGNER_INFO_ex(CMS_SIGNER_INFO *si, const X509_CERT *cert, int flags, const ASYMMETRIC_KEY *key,
                                       int digest_index, int padding, const RSASSA_PSS_PARAM *pss) VELPKI_NOEXCEPT;
 /** Takes a signer over, into signed data, and appends a copy of its digest algorithm to the message's, once for each
@@ -610,7 +612,8 @@ VELPKI_API CMS_RECIPIENT_INFO *add_CMS_Recipient_ex(CMS_CONTENT_INFO *cms,
  * @{ */
 /** Starts every signer that has no signature yet; the others are left as they are by all three steps. `detached` 1
  * keeps the content out of the message. F_INIT_CMS_SIGN with 49 (null, no content), 48 (content that is not signed
- * data, a key that is neither RSA nor KCDSA), 2B (no signers, an unknown algorithm), 3C, or the provider's. */
+ * data; a key that is neither RSA nor KCDSA, nor on a curve with attributes or content that is not detached), 2B (no
+ * signers, an unknown algorithm), 3C, or the provider's. */
 VELPKI_API int init_CMS_Sign(CMS_CONTENT_INFO *cms, int detached) VELPKI_NOEXCEPT;
 /** Keeps the first octets as the content of a message that is not detached, and ignores later ones; detached content
  * comes in any number of pieces and is not stored. F_UPDATE_CMS_SIGN with 49, 48, 2B (a negative
