@@ -57,6 +57,12 @@ int encode_auth_safe(const STACK &safes, DerWriter &out) noexcept {
   return encode_list<P7_CONTENT_INFO>(safes, out, tag::kSequence, F_P12_AUTH_SAFE_TO_SEQ, encode);
 }
 
+void wipe_plain_content(P7_CONTENT_INFO *safe) noexcept {
+  if (auto *content = content_of<ASN1_STRING>(safe, PKCS7_DATA)) {
+    PKV_Wipe(content->data, content->data ? octets(*content).size() : 0);
+  }
+}
+
 // PFX ::= SEQUENCE { version INTEGER { v3(3) }, authSafe ContentInfo, macData MacData OPTIONAL }
 int decode(const Tlv &tlv, PKCS12 &out) noexcept {
   Cursor in(tlv);
@@ -86,9 +92,17 @@ PKCS12 *new_PKCS12(void) noexcept {
   owned<PKCS12> fresh(blank<PKCS12>());
   return fresh && set_version(fresh->version, kVersion) ? fresh.release() : nullptr;
 }
-void free_PKCS12(PKCS12 *p) noexcept { destroy(p); }
+void free_PKCS12(PKCS12 *p) noexcept {
+  if (p) wipe_plain_content(p->authSafe);
+  destroy(p);
+}
 VELPKI_NEW_AND_FREE(P12_MAC_DATA)
-VELPKI_LIST(P12_AUTH_SAFE, P7_CONTENT_INFO)
+
+P12_AUTH_SAFE *new_P12_AUTH_SAFE(void) noexcept { return new_STACK(); }
+void free_P12_AUTH_SAFE(P12_AUTH_SAFE *list) noexcept {
+  for (P7_CONTENT_INFO *safe : elements<P7_CONTENT_INFO>(list)) wipe_plain_content(safe);
+  destroy_list<P7_CONTENT_INFO>(list);
+}
 
 int P12_PFX_to_Seq(const PKCS12 *in, ASN1_UNIT **out) noexcept {
   return to_seq(F_P12_PFX_TO_SEQ, in, out, encode, {}, Content::secret);

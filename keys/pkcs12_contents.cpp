@@ -83,15 +83,20 @@ int walk_safe(Import &import, const Pkcs12Password &password, const P7_CONTENT_I
   return walk_bags(import, password, *bags.stack, 0);
 }
 
+struct FreeAuthSafe {
+  void operator()(P12_AUTH_SAFE *list) const noexcept { free_P12_AUTH_SAFE(list); }
+};
+
 }  // namespace
 
 int read_contents(Import &import, const Pkcs12Password &password, const PKCS12 &p12) noexcept {
   Octets octets;
-  OwnedList<P7_CONTENT_INFO> safes;
   if (!auth_safe_octets(p12, octets)) return ERR_ASN1_DECODING;
-  const int code = list_of_octets<P7_CONTENT_INFO>(octets, F_SEQ_TO_P12_AUTH_SAFE, decode_auth_safe, safes.stack);
+  STACK *list = nullptr;
+  const int code = list_of_octets<P7_CONTENT_INFO>(octets, F_SEQ_TO_P12_AUTH_SAFE, decode_auth_safe, list);
+  const std::unique_ptr<P12_AUTH_SAFE, FreeAuthSafe> safes(list);
   if (code) return reason_of(code);
-  for (const P7_CONTENT_INFO *safe : elements<P7_CONTENT_INFO>(safes.stack))
+  for (const P7_CONTENT_INFO *safe : elements<P7_CONTENT_INFO>(safes.get()))
     if (const int reason = walk_safe(import, password, *safe)) return reason;
   return 0;
 }

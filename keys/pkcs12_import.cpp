@@ -87,18 +87,22 @@ void hand_over_certs(OwnedList<X509_CERT> &from, Output &to) noexcept {
   for (int i = 0; to.wanted() && i < from.count(); ++i) to.add(from.take(i));
 }
 
+// Both kinds of certificates may be for one list.
 int hand_over(Import &import, STACK **keys, STACK **certs, STACK **ca_certs) noexcept {
-  Output key_list(keys), own_list(certs), other_list(ca_certs);
+  const bool one_list = certs == ca_certs;
+  Output key_list(keys), own_list(certs), second_list(one_list ? nullptr : ca_certs);
+  Output &other_list = one_list ? own_list : second_list;
+  const int own = import.own.count(), others = import.others.count();
   if (const int reason = key_list.prepare(import.keys.count())) return reason;
-  if (const int reason = own_list.prepare(import.own.count())) return reason;
-  if (const int reason = other_list.prepare(import.others.count())) return reason;
+  if (const int reason = own_list.prepare(one_list ? own + others : own)) return reason;
+  if (const int reason = second_list.prepare(others)) return reason;
   for (ImportedKey *key : elements<ImportedKey>(import.keys.stack))
     if (keys) key_list.add(std::exchange(key->key, nullptr));
   hand_over_certs(import.own, own_list);
   hand_over_certs(import.others, other_list);
   key_list.finish();
   own_list.finish();
-  other_list.finish();
+  second_list.finish();
   return 0;
 }
 

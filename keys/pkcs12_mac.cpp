@@ -54,6 +54,8 @@ struct Pbmac1 {
 };
 
 // PBMAC1-params (RFC 8018 A.5, RFC 9579) have the shape of those of PBES2, with an HMAC for a cipher.
+constexpr int kShortestMacKey = 20;  // octets (RFC 9579); of shorter ones a forger tries all
+
 int read_pbmac1(const P12_MAC_DATA &mac, Budget &budget, Pbmac1 &out) noexcept {
   if (!mac.digestParameters) return ERR_ASN1_DECODING;
   P5_PBE_PARAM *decoded = nullptr;
@@ -66,7 +68,7 @@ int read_pbmac1(const P12_MAC_DATA &mac, Budget &budget, Pbmac1 &out) noexcept {
   out.key_length = decoded->key_length;
   if (!out.prf_digest_id || !out.hmac_digest_id) return kUnsupported;
   if (const int reason = read_iterations(*decoded, budget.maximum, out.iterations)) return reason;
-  const bool fits = out.key_length >= 1 && size_t(out.key_length) <= Mac().size();
+  const bool fits = out.key_length >= kShortestMacKey && size_t(out.key_length) <= Mac().size();
   return fits && budget.spend(out.iterations) ? 0 : kBadValue;
 }
 

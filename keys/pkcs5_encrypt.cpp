@@ -27,17 +27,23 @@ struct Request {
   int count_length;
 };
 
-// The scheme of the row. The count must leave octets to write, which is seen before anything is derived.
+bool states_prf(const Request &request) noexcept {
+  return request.scheme == Scheme::pbes2 && request.flags & PKCS5_STATE_PRF;
+}
+
+// The scheme of the row. A digest that the container cannot state must be the row's. The count must leave octets to
+// write, which is seen before anything is derived.
 int resolve(int oid_index, Request &request) noexcept {
   request.row = oid_index;
   request.oid = oid_of_row(oid_index);
   request.cipher_id = get_CipherID_from_OID(request.oid.get());
   request.scheme = scheme_of_row(oid_index, request.cipher_id);
   if (!request.cipher_id) return failure(kUnknownRow);
-  if (!request.digest_id) request.digest_id = get_DigestID_from_OID(request.oid.get());
-  if (!request.digest_id) request.digest_id = PKV_DIGEST_SHA1;
-  const bool states_prf = request.scheme == Scheme::pbes2 && request.flags & PKCS5_STATE_PRF;
-  if (states_prf && prf_oid(request.digest_id).empty()) return failure(kBadValue);
+  const int row_digest = get_DigestID_from_OID(request.oid.get());
+  const int usual = row_digest ? row_digest : PKV_DIGEST_SHA1;
+  if (!request.digest_id) request.digest_id = usual;
+  const bool stated = states_prf(request);
+  if (stated ? prf_oid(request.digest_id).empty() : request.digest_id != usual) return failure(kBadValue);
   const bool exact = request.flags & PKCS5_EXACT_ITERATIONS;
   request.count_length = exact ? exact_iteration_octets(request.work.iterations, request.count)
                                : iteration_octets(request.work.iterations, request.count);
@@ -95,7 +101,7 @@ owned<OBJECT_IDENTIFIER> cipher_oid(const Request &request) noexcept {
   const int own_digest = get_DigestID_from_OID(request.oid.get());
   owned<OBJECT_IDENTIFIER> oid = oid_of_row(get_OID_from_CipherID(request.cipher_id));
   const bool leads_back = oid && get_CipherID_from_OID(oid.get()) == request.cipher_id;
-  if (leads_back && (!own_digest || own_digest == PKV_DIGEST_SHA1)) return oid;
+  if (leads_back && (!own_digest || own_digest == PKV_DIGEST_SHA1 || states_prf(request))) return oid;
   return owned<OBJECT_IDENTIFIER>(dup_OBJECT_IDENTIFIER(request.oid.get()));
 }
 
@@ -112,9 +118,9 @@ int set_parameters(const Request &request, const Encrypted &encrypted, PKCS8 &p8
                                         cipher.get(), iv.get())) {
     return code;
   }
-  const bool states_prf = pbes2 && request.flags & PKCS5_STATE_PRF;
-  if (states_prf && !set_prf(*param, request.digest_id)) return failure(kNoMemory);
-  return store_pbe_param(*p8.algorithm, *param, states_prf ? kStandardRules : Rules()) ? 0 : failure(kNoMemory);
+  const bool stated = states_prf(request);
+  if (stated && !set_prf(*param, request.digest_id)) return failure(kNoMemory);
+  return store_pbe_param(*p8.algorithm, *param, stated ? kStandardRules : Rules()) ? 0 : failure(kNoMemory);
 }
 
 int kind_of(Scheme scheme) noexcept {

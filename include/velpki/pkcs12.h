@@ -6,7 +6,8 @@
  * MAC (set_PKCS12_mac). Keys are records of pkcs8.h, certificates of x509.h; docs/key_files.md says what was tried with
  * which other program.
  *
- * Passwords: the plain functions take each octet as a character, the _UTF8 ones take UTF-8, as other programs do; for
+ * Passwords: the plain functions take each octet as a character, the _UTF8 ones take UTF-8, as other programs do, of
+ * characters up to U+FFFF; for
  * ASCII both are the same. PBES2 uses the octets as they are. Null is no password, which differs from an empty one; a
  * length of -1 measures NUL-terminated text. Functions that give a pointer give null on any failure.
  *

@@ -148,8 +148,9 @@ enum {
   PKCS5_EXACT_ITERATIONS = 1, /**< write the count as a number */
   PKCS5_STATE_PRF = 2         /**< write the PRF of PBES2; 2B for a digest that has no HMAC identifier */
 };
-/** As encrypt_PKCS5, with another digest, an IV for PBES2 (null: drawn), and flags of PKCS5_EXACT_ITERATIONS and
- * PKCS5_STATE_PRF. */
+/** As encrypt_PKCS5, with a digest (0: the row's), an IV for PBES2 (null: drawn), and flags of PKCS5_EXACT_ITERATIONS
+ * and PKCS5_STATE_PRF. Another digest than the row's has to be stated, so it is 2B without that flag and for other
+ * schemes than PBES2. */
 VELPKI_API int encrypt_PKCS5_ex(P8_PRIV_KEY_INFO *key, PKCS8 **out, const char *password, int password_length,
                                 const unsigned char *salt, int salt_length, int iterations, int oid_index,
                                 int digest_id, const unsigned char *iv, int iv_length, unsigned flags) VELPKI_NOEXCEPT;

@@ -124,5 +124,7 @@ owned<char> name_text(const ASN1_STRING *name, int &length, bool &no_memory) noe
 
 // The octets of the authenticated safe; false for a file whose safe is none, or is signed.
 bool auth_safe_octets(const PKCS12 &p12, Octets &out) noexcept;
+// Keys may stand in content that is not encrypted; null is nothing.
+void wipe_plain_content(P7_CONTENT_INFO *safe) noexcept;
 
 }  // namespace velpki

@@ -295,6 +295,9 @@ TEST_F(Pkcs12, LimitsVersionsAndListsOfTheCaller) {
   EXPECT_EQ(import_PKCS12(p12, "pass", -1, &keys, nullptr, nullptr), 0);
   EXPECT_EQ(keys->count, 1);
   EXPECT_EQ(import_PKCS12(nullptr, "pass", -1, &keys, nullptr, nullptr), F_IMPORT_PKCS12 | 0x49);
+  Certificates all;
+  EXPECT_EQ(import_PKCS12(p12, "pass", -1, &keys, &all, &all), 0);
+  EXPECT_EQ(get_STACK_count(all), 2) << "one list for both kinds";
   PKV_Set_BIGINT_Word(p12->version, 4);
   STACK *none = nullptr;
   EXPECT_EQ(import_PKCS12_strict(p12, "pass", -1, 0, &none, nullptr, nullptr), F_IMPORT_PKCS12 | 0x2B);

@@ -208,6 +208,14 @@ TEST_F(Containers, EveryRowOfTheRegistry) {
     EXPECT_NE(open_plain(p8, Secret("q")).code, 0) << row;
     EXPECT_EQ(open_strict(p8, Secret("p")).code, 0) << row;
     EXPECT_EQ(open_strict(p8, Secret("q")).code, F_DEC_PKCS5 | 0x12) << row;
+    // With another digest there is either a container that opens or none.
+    for (const int digest : {PKV_DIGEST_SHA1, PKV_DIGEST_SHA256})
+      for (const unsigned flags : {0, int(PKCS5_STATE_PRF)}) {
+        Owned<PKCS8> other;
+        const int refused = encrypt_PKCS5_ex(key(), &other, "p", 1, nullptr, 0, 100, row, digest, nullptr, 0, flags);
+        EXPECT_EQ(refused ? refused : open_strict(other, Secret("p")).code, refused ? F_ENC_PKCS5 | 0x2B : 0) << row;
+        EXPECT_TRUE(!refused || !flags || p8->kind != PKCS8_PBES2) << row;
+      }
   }
   EXPECT_EQ(kinds[PKCS8_NATIONAL], 4);
   EXPECT_EQ(kinds[PKCS8_PBES1], 10);
