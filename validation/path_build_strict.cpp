@@ -140,7 +140,7 @@ STACK *copies_of(std::span<const X509_CERT *const> path) noexcept {
 // The anchor is that of the path. Revocation is asked for as for the path; the lists' signers that come up on the way
 // are not validated again.
 int verify_list_signer(const X509_CERT &signer, const VerifiedPath &path) noexcept {
-  CERTPATH_SETTINGS settings = path.settings;
+  CERTPATH_SETTINGS settings = path.task.settings;
   settings.user_initial_policy_set = nullptr;
   settings.initial_explicit_policy = settings.key_usage = 0;
   settings.extended_key_usage = nullptr;
@@ -149,7 +149,7 @@ int verify_list_signer(const X509_CERT &signer, const VerifiedPath &path) noexce
   const STACK certs{int(path.certs.size()), reinterpret_cast<void **>(const_cast<X509_CERT **>(path.certs.data())), 0,
                     0, nullptr};
   CERTPATH_REPORT report{};
-  const PathTask task{anchors, settings, true};
+  const PathTask task{anchors, settings, path.task.lists, true};
   return StrictBuilder(task, &certs, settings.pool, report).run(signer, false);
 }
 
@@ -163,7 +163,10 @@ int build_certPath_strict(STACK **path, const X509_CERT *cert, const STACK *pool
   CERTPATH_REPORT found{-1, -1, nullptr};
   if (report) *report = found;
   if (!path || !cert || !pool || !anchors) return failure(kNullArgument);
-  const PathTask task{*anchors, settings ? *settings : kDefaults, false};
+  if (!settings) settings = &kDefaults;
+  RevocationLists lists;
+  if (const int code = asks_for_revocation(*settings) ? lists.open(settings->crls) : 0) return code;
+  const PathTask task{*anchors, *settings, lists, false};
   StrictBuilder builder(task, nullptr, pool, found);
   int code = builder.run(*cert, report);
   STACK *copies = code ? nullptr : copies_of(builder.path());

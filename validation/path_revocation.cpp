@@ -17,19 +17,6 @@ bool same_value(const X509_EXTENSION *a, const X509_EXTENSION *b) noexcept {
   return a && b ? same_octets(a->value, b->value) : a == b;
 }
 
-owned<BIGINT> number_in(const X509_EXTENSION *extension) noexcept {
-  Tlv value;
-  Rules rules = kStandardRules;
-  BIGINT *number = nullptr;
-  const bool read = extension && extension->value && Tlv::parse(octets(*extension->value), rules, value) &&
-                    value.number() == TYPE_INTEGER && read_integer(value, number) == Read::ok;
-  return owned<BIGINT>(read ? number : nullptr);
-}
-
-bool is_less(const owned<BIGINT> &a, const owned<BIGINT> &b) noexcept {
-  return a && b && PKV_Cmp_BIGINT(a.get(), b.get()) < 0;
-}
-
 int find_entry(const X509_CRL &crl, bool indirect, const X509_CERT &cert, X509_REVOKED *&entry) noexcept {
   if (indirect) return find_listed_of_issuer(crl, cert, entry);
   if (const int fault = entries_fault(crl)) return failure(fault);
@@ -39,7 +26,7 @@ int find_entry(const X509_CRL &crl, bool indirect, const X509_CERT &cert, X509_R
 // A complete list that is being looked at.
 struct List {
   const X509_CRL &crl;
-  ListExtensions extensions;
+  const ListExtensions &extensions;
   bool indirect = false;
   const X509_PUBKEY *key = nullptr;  // that signed it
 };
@@ -49,8 +36,8 @@ class Status {
   Status(const VerifiedPath &path, int index) noexcept : path_(path), index_(size_t(index)) {}
 
   int run() noexcept {
-    for (const X509_CRL *crl : elements<X509_CRL>(path_.settings.crls)) {
-      const int code = crl && crl->tbs ? consider(*crl) : 0;
+    for (const PathList &each : path_.task.lists.complete()) {
+      const int code = consider(each);
       if (reason_of(code) == ERR_CERT_REVOKED || reason_of(code) == kNoMemory) return code;
       if (code) note(code);
       if (covered_ == kAllReasons) return 0;
@@ -68,15 +55,14 @@ class Status {
     if (!other && !why_not_) why_not_ = code;
   }
 
-  // Delta lists are looked at beside the list that they go on from.
-  int consider(const X509_CRL &crl) noexcept {
-    List list{crl, {}};
+  // Newer lists were looked at before: what they cover is decided.
+  int consider(const PathList &candidate) noexcept {
+    List list{*candidate.crl, candidate.extensions};
     Reasons reasons = 0;
-    if (const int code = find_list_extensions(crl, list.extensions)) return code;
-    if (list.extensions.base) return 0;
+    if (candidate.fault) return candidate.fault;
     if (const int code = read_coverage(list, reasons)) return code;
     if (!(reasons & ~covered_)) return 0;
-    if (const int code = check_list_dates(crl, path_.settings.time)) return code;
+    if (const int code = check_list_dates(list.crl, path_.task.settings.time)) return code;
     if (const int code = find_signer(list)) return code;
     if (const int code = look_up(list)) return code;
     covered_ |= reasons;
@@ -99,26 +85,21 @@ class Status {
     return entry && !takes_back(*entry) ? failure(ERR_CERT_REVOKED) : 0;
   }
 
-  // The delta list with the highest number that goes on from a list (RFC 5280 6.3.3 c), or the list itself.
+  // The newest delta list that goes on from a list (RFC 5280 6.3.3 c) and beyond it, or the list itself.
   const X509_CRL &newest_of(const List &list) noexcept {
-    const X509_CRL *newest = &list.crl;
-    const owned<BIGINT> complete = number_in(list.extensions.number);
-    owned<BIGINT> highest = number_in(list.extensions.number);
-    for (const X509_CRL *each : elements<X509_CRL>(path_.settings.crls)) {
-      ListExtensions extensions;
-      if (!each || !each->tbs || find_list_extensions(*each, extensions) || !extensions.base) continue;
-      owned<BIGINT> number = number_in(extensions.number);
-      const owned<BIGINT> base = number_in(extensions.base);
-      if (!base || is_less(complete, base) || !is_less(highest, number)) continue;
-      if (goes_with(list, *each, extensions)) highest = std::move(number), newest = each;
+    const ListNumber complete = number_in(list.extensions.number);
+    for (const PathList &each : path_.task.lists.deltas()) {
+      const ListNumber base = number_in(each.extensions.base);
+      const bool fits = complete.known && base.known && !is_less(complete, base) && is_less(complete, each.number);
+      if (fits && goes_with(list, *each.crl, each.extensions)) return *each.crl;
     }
-    return *newest;
+    return list.crl;
   }
   bool goes_with(const List &list, const X509_CRL &delta, const ListExtensions &extensions) noexcept {
     return cmp_X509_NAME_RFC5280(get_X509_CRL_issuer(&delta), get_X509_CRL_issuer(&list.crl)) == 0 &&
            same_value(extensions.scope, list.extensions.scope) &&
            same_value(extensions.authority_key, list.extensions.authority_key) &&
-           check_list_dates(delta, path_.settings.time) == 0 && verify(delta, list.key) == 0;
+           check_list_dates(delta, path_.task.settings.time) == 0 && verify(delta, list.key) == 0;
   }
 
   // The key that signed a list is the anchor's, or of a certificate above on the path, or of one of the pool that has a
@@ -127,8 +108,8 @@ class Status {
     int code = failure(ERR_CRL_ISSUER);
     for (size_t i = index_ + 1; i < path_.certs.size() && code; ++i) try_certificate(list, *path_.certs[i], code);
     if (code && is_issuer(list, path_.anchor.trustedCAName)) code = try_anchor(list);
-    if (!code || path_.of_list_signer) return code;
-    for (const X509_CERT *each : elements<X509_CERT>(path_.settings.pool)) {
+    if (!code || path_.task.of_list_signer) return code;
+    for (const X509_CERT *each : elements<X509_CERT>(path_.task.settings.pool)) {
       if (each && try_certificate(list, *each, code)) code = verify_signer(*each);
       if (!code || reason_of(code) == kNoMemory) break;
     }

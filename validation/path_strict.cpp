@@ -47,8 +47,8 @@ int find_anchor(const X509_CERT &top, const PathTask &task, int &index) noexcept
 }
 
 int check_revocation(const VerifiedPath &path, int &index) noexcept {
-  const int flags = path.settings.flags;
-  if (!(flags & (CERTPATH_CHECK_REVOCATION | CERTPATH_CHECK_REVOCATION_END_ENTITY))) return 0;
+  const int flags = path.task.settings.flags;
+  if (!asks_for_revocation(path.task.settings)) return 0;
   const int count = flags & CERTPATH_CHECK_REVOCATION ? int(path.certs.size()) : 1;
   for (index = 0; index < count; ++index)
     if (const int code = check_path_revocation(path, index)) return code;
@@ -75,7 +75,7 @@ int validate_path(Certs certs, const PathTask &task, CERTPATH_REPORT &report, bo
   report.anchor = anchor;
   const bool constrained = settings.flags & CERTPATH_ANCHOR_CONSTRAINTS;
   if (!constrained || !given || index_of_anchor(task.anchors, *given) != anchor) given = nullptr;
-  const VerifiedPath path{certs, *element<TRUST_ANCHOR>(&task.anchors, anchor), settings, given, task.of_list_signer};
+  const VerifiedPath path{certs, *element<TRUST_ANCHOR>(&task.anchors, anchor), given, task};
   STACK *policies = nullptr;
   const int code = walk(path, report, want_policies ? &policies : nullptr);
   if (code) return free_CERTPATH_POLICIES(policies), code;
@@ -117,11 +117,14 @@ int validate_certpath_strict(const STACK *certs, const TRUST_ANCHORS *anchors, c
                              CERTPATH_REPORT *report) noexcept {
   static constexpr CERTPATH_SETTINGS kDefaults{};
   CERTPATH_REPORT found{-1, -1, nullptr};
+  if (!settings) settings = &kDefaults;
   StandardCerts standard;
+  RevocationLists lists;
   int code = certs && certs->count > 0 && anchors ? 0 : path_failure(kNullArgument);
+  if (!code && asks_for_revocation(*settings)) code = lists.open(settings->crls);
   if (!code) code = standard.open(certs, found.index);
   if (!code) {
-    code = validate_path(standard.certs(), {*anchors, settings ? *settings : kDefaults, false}, found, report);
+    code = validate_path(standard.certs(), {*anchors, *settings, lists, false}, found, report);
   }
   if (report) *report = found;
   return code;

@@ -41,7 +41,7 @@ int check_issued(const X509_CERT &cert, const X509_NAME *issuer, const X509_PUBK
 
 PathWalk::PathWalk(const VerifiedPath &path) noexcept
     : path_(path),
-      settings_(path.settings),
+      settings_(path.task.settings),
       names_(settings_.initial_permitted, settings_.initial_excluded),
       explicit_policy_(start_of(settings_.initial_explicit_policy, path.certs.size())),
       policy_mapping_(start_of(settings_.initial_policy_mapping_inhibit, path.certs.size())),

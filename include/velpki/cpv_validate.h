@@ -108,6 +108,11 @@ typedef struct {
  * Purposes: where `extended_key_usage` is given, a certificate of the path that has a list of them must have it, or
  * anyExtendedKeyUsage.
  *
+ * Revocation (RFC 5280 6.3), where it is asked for: of the lists that cover a certificate the newest decides, by
+ * thisUpdate, then by CRL number, wherever it stands in `crls`, and the newest delta list that goes on from it. A list
+ * is passed over that is not valid at the time, or not signed by the anchor, an authority of the path, or a certificate
+ * of `pool` from which a path leads to the anchor.
+ *
  * Codes: F_VALIDATE_CERTPATH with 49 (null, an empty path, a certificate that keeps no received octets), 3C,
  * ERR_INVALID_TRUST_ANCHOR (no anchor has the name of the last issuer), ERR_INVALID_MAX_PATH_LENGTH (longer than
  * `max_length`), ERR_SIGNATURE_MISMATCH, ERR_WEAK_DIGEST, ERR_TBS_CERT_ISSUER, ERR_DUPLICATE_EXTENSION,

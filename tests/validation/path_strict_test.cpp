@@ -35,7 +35,55 @@ Bytes excluded(int count) {
   return extension("551d1e", TLV(0x30, TLV(0xA1, list)), true);
 }
 
+// A list of a year with its number, and the certificate that it revokes or, as a delta, takes back.
+struct MadeList {
+  std::string issuer;
+  int key, year;
+  const X509_CERT *listed = nullptr;
+  int base = 0;
+};
+Owned<X509_CRL> make_list(const MadeList &made) {
+  const Bytes algorithm = TLV(0x30, "06092a864886f70d01010b0500"), until = TLV(0x17, "3430303130313030303030305a");
+  const auto date = [](int year) { return TLV(0x17, "303" + std::to_string(year) + "303130313030303030305a"); };
+  const auto number = [](int value) { return TLV(0x02, Bytes{uint8_t(value)}); };
+  Bytes entries, extensions = extension("551d14", number(made.year));
+  if (made.base) extensions = extensions + extension("551d1b", number(made.base), true);
+  if (made.listed) {
+    int length = 0;
+    const unsigned char *serial = PKV_Get_BIGINT_Octets(get_X509_serial(made.listed), &length);
+    const Bytes taken_back = made.base ? TLV(0x30, extension("551d15", hex("0a0108"))) : Bytes();
+    entries = TLV(0x30, TLV(0x30, TLV(0x02, Bytes(serial, serial + length)) + date(made.year) + taken_back));
+  }
+  const Bytes body = TLV(0x02, "01") + algorithm + name_of(made.issuer) + date(made.year) + until + entries +
+                     TLV(0xA0, TLV(0x30, extensions));
+  Owned<X509_CRL> crl =
+      read_by(readDER_X509_CRL_from_Binary_RFC5280, TLV(0x30, TLV(0x30, body) + algorithm + TLV(0x03, "00aa")));
+  EXPECT_TRUE(crl);
+  EXPECT_EQ(gen_SIG_X509_CRL_RFC5280(crl, test_key(made.key)), 0);
+  return crl;
+}
+
 class Strict : public WithThreeKeys {};
+
+// openssl verify -crl_check says of the first two rows that the certificate is revoked.
+TEST_F(Strict, TheNewestListDecides) {
+  const StrictPath path({{"user", "root", 1, 0}, kRoot});
+  const std::map<char, MadeList> made = {{'o', {"root", 0, 5}},
+                                         {'n', {"root", 0, 6, path.at(0)}},
+                                         {'f', {"root", 1, 9}},
+                                         {'l', {"root", 0, 7}},
+                                         {'d', {"root", 0, 8, path.at(0), 6}}};
+  std::map<char, Owned<X509_CRL>> lists;
+  for (const auto &[letter, list] : made) lists[letter] = make_list(list);
+  for (const auto &[order, reason] : std::vector<std::pair<std::string, int>>{
+           {"on", ERR_CERT_REVOKED}, {"no", ERR_CERT_REVOKED}, {"ofn", ERR_CERT_REVOKED}, {"onl", 0}, {"dno", 0}}) {
+    const Owned<STACK, free_STACK> crls(new_STACK());
+    for (const char letter : order) push_STACK_value(crls, static_cast<X509_CRL *>(lists[letter]));
+    CERTPATH_SETTINGS settings{};
+    settings.crls = crls, settings.flags = CERTPATH_CHECK_REVOCATION_END_ENTITY;
+    EXPECT_EQ(validate_certpath_strict(path.certs, path.anchors, &settings, nullptr) & 0xFFFF, reason) << order;
+  }
+}
 
 TEST_F(Strict, WorkIsBounded) {
   const Bytes exploding = kAuthority + policies(40) + mappings(40);
@@ -84,13 +132,7 @@ TEST_F(Strict, EachAllocationMayFail) {
   const StrictPath path({{"user", "b", 1, 1, hosts(2) + policies(2)},
                          {"b", "root", 1, 0, kAuthority + excluded(2) + policies(2) + mappings(2)},
                          kRoot});
-  const Bytes algorithm = TLV(0x30, "06092a864886f70d01010b0500"), date = TLV(0x17, "3230303130313030303030305a");
-  const Bytes list =
-      TLV(0x30, TLV(0x30, TLV(0x02, "01") + algorithm + name_of("b") + date + TLV(0x17, "3430303130313030303030305a")) +
-                    algorithm + TLV(0x03, "00aa"));
-  const Owned<X509_CRL> crl = read_by(readDER_X509_CRL_from_Binary_RFC5280, list);
-  ASSERT_TRUE(crl);
-  ASSERT_EQ(gen_SIG_X509_CRL_RFC5280(crl, test_key(1)), 0);
+  const Owned<X509_CRL> crl = make_list({"b", 1, 0});
   const Owned<STACK, free_STACK> crls(new_STACK());
   push_STACK_value(crls, static_cast<X509_CRL *>(crl));
   CERTPATH_SETTINGS settings{};

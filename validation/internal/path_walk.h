@@ -61,11 +61,6 @@ class PathWalk {
 };
 
 // Finds the anchor of certificates in standard form, and validates the path from it. The report is in its first state.
-struct PathTask {
-  const TRUST_ANCHORS &anchors;
-  const CERTPATH_SETTINGS &settings;
-  bool of_list_signer;
-};
 int validate_path(std::span<const X509_CERT *const> certs, const PathTask &task, CERTPATH_REPORT &report,
                   bool want_policies) noexcept;
 
