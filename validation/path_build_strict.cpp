@@ -7,9 +7,7 @@ namespace velpki {
 
 namespace {
 
-constexpr int kSignatures = 512, kLongestBuilt = 64;
-// Names are compared with those of all anchors and of the whole pool, for each certificate that is looked at.
-constexpr int64_t kComparisons = 1 << 16, kComparisonsOfEach = 32;
+constexpr int kLongestBuilt = 64;
 
 constexpr int failure(int reason) noexcept { return fail(F_BUILD_CERTPATH, reason); }
 
@@ -21,10 +19,7 @@ bool has_key_id_of_issuer(const X509_CERT &candidate, const X509_CERT &cert) noe
 class StrictBuilder {
  public:
   StrictBuilder(const PathTask &task, const STACK *first_pool, const STACK *pool, CERTPATH_REPORT &report) noexcept
-      : task_(task), pools_{first_pool, pool}, report_(report) {
-    comparisons_left_ = kComparisons + kComparisonsOfEach * task.anchors.count;
-    for (const STACK *each : pools_) comparisons_left_ += kComparisonsOfEach * (each ? each->count : 0);
-  }
+      : task_(task), pools_{first_pool, pool}, report_(report) {}
 
   int run(const X509_CERT &cert, bool want_policies) noexcept {
     want_policies_ = want_policies;
@@ -32,7 +27,7 @@ class StrictBuilder {
     if (extend()) return 0;
     if (no_memory_) return failure(kNoMemory);
     if (code_) return code_;
-    return failure(stopped_ || too_long_ ? ERR_INVALID_MAX_PATH_LENGTH : ERR_NOT_FOUNDED);
+    return failure(task_.budget.is_spent() || too_long_ ? ERR_INVALID_MAX_PATH_LENGTH : ERR_NOT_FOUNDED);
   }
   std::span<const X509_CERT *const> path() const noexcept { return {path_, size_t(length_)}; }
 
@@ -43,10 +38,14 @@ class StrictBuilder {
   bool extend() noexcept {
     if (ends_at_anchor() && validates()) return true;
     if (length_ == longest()) return too_long_ = true, false;
+    const int mark = tried_.mark();
     for (const bool agrees : {true, false})
       for (const STACK *pool : pools_)
-        for (const X509_CERT *each : elements<X509_CERT>(pool))
-          if (!stopped() && each && try_issuer(*each, agrees)) return true;
+        for (const X509_CERT *each : elements<X509_CERT>(pool)) {
+          if (stopped()) return false;
+          if (each && try_issuer(*each, agrees, mark)) return true;
+        }
+    tried_.forget_from(mark);
     return false;
   }
   int longest() const noexcept {
@@ -54,9 +53,10 @@ class StrictBuilder {
     return std::min(wanted, kLongestBuilt);
   }
 
-  bool try_issuer(const X509_CERT &issuer, bool agrees) noexcept {
+  bool try_issuer(const X509_CERT &issuer, bool agrees, int mark) noexcept {
     if (!is_named(get_X509_subject(&issuer)) || is_on_path(issuer)) return false;
-    if (has_key_id_of_issuer(issuer, last()) != agrees || !verifies(get_X509_SPKI(&issuer))) return false;
+    if (has_key_id_of_issuer(issuer, last()) != agrees || !tried_.add(issuer, mark, task_.budget)) return false;
+    if (!verifies(get_X509_SPKI(&issuer))) return false;
     path_[length_++] = &issuer;
     if (extend()) return true;
     --length_;
@@ -64,11 +64,10 @@ class StrictBuilder {
   }
   // Whether the last certificate says that this is its issuer.
   bool is_named(const X509_NAME *name) noexcept {
-    if (--comparisons_left_ < 0) return false;
-    return cmp_X509_NAME_RFC5280(name, get_X509_issuer(&last())) == 0;
+    return task_.budget.comparison() && cmp_X509_NAME_RFC5280(name, get_X509_issuer(&last())) == 0;
   }
   bool verifies(const X509_PUBKEY *key) noexcept {
-    if (--signatures_left_ < 0) return false;
+    if (!task_.budget.signature()) return false;
     const int code = verify_SIG_X509_CERT_RFC5280(&last(), key);
     no_memory_ = no_memory_ || reason_of(code) == kNoMemory;
     return code == 0;
@@ -83,7 +82,8 @@ class StrictBuilder {
     if (!(task_.settings.flags & CERTPATH_ANCHOR_CONSTRAINTS)) return nullptr;
     for (const STACK *pool : pools_)
       for (const X509_CERT *each : elements<X509_CERT>(pool))
-        if (each && cmp_X509_NAME_RFC5280(get_X509_subject(each), anchor_->trustedCAName) == 0 &&
+        if (each && task_.budget.comparison() &&
+            cmp_X509_NAME_RFC5280(get_X509_subject(each), anchor_->trustedCAName) == 0 &&
             cmp_X509_PUBKEY(get_X509_SPKI(each), anchor_->trustedCAKey) == 0)
           return each;
     return nullptr;
@@ -101,7 +101,6 @@ class StrictBuilder {
   bool validates() noexcept {
     StandardCerts standard;
     CERTPATH_REPORT found{-1, -1, nullptr};
-    signatures_left_ -= length_;
     path_[length_] = certificate_of_anchor();
     const int count = length_ + (path_[length_] ? 1 : 0);
     STACK lent{count, reinterpret_cast<void **>(const_cast<X509_CERT **>(path_)), 0, count, nullptr};
@@ -112,10 +111,7 @@ class StrictBuilder {
     report_ = found;
     return code == 0;
   }
-  bool stopped() noexcept {
-    stopped_ = stopped_ || comparisons_left_ < 0 || signatures_left_ < 0;
-    return stopped_ || no_memory_;
-  }
+  bool stopped() const noexcept { return task_.budget.is_spent() || no_memory_; }
 
   const PathTask &task_;
   const STACK *const pools_[2];
@@ -123,9 +119,8 @@ class StrictBuilder {
   const TRUST_ANCHOR *anchor_ = nullptr;  // that the path ends at
   const X509_CERT *path_[kLongestBuilt + 1];
   int length_ = 0, code_ = 0;
-  int signatures_left_ = kSignatures;
-  int64_t comparisons_left_;
-  bool stopped_ = false, too_long_ = false, no_memory_ = false, want_policies_ = false;
+  TriedCerts tried_;  // from each certificate of the path
+  bool too_long_ = false, no_memory_ = false, want_policies_ = false;
 };
 
 STACK *copies_of(std::span<const X509_CERT *const> path) noexcept {
@@ -149,7 +144,7 @@ int verify_list_signer(const X509_CERT &signer, const VerifiedPath &path) noexce
   const STACK certs{int(path.certs.size()), reinterpret_cast<void **>(const_cast<X509_CERT **>(path.certs.data())), 0,
                     0, nullptr};
   CERTPATH_REPORT report{};
-  const PathTask task{anchors, settings, path.task.lists, true};
+  const PathTask task{anchors, settings, path.task.lists, path.task.budget, true};
   return StrictBuilder(task, &certs, settings.pool, report).run(signer, false);
 }
 
@@ -166,7 +161,8 @@ int build_certPath_strict(STACK **path, const X509_CERT *cert, const STACK *pool
   if (!settings) settings = &kDefaults;
   RevocationLists lists;
   if (const int code = asks_for_revocation(*settings) ? lists.open(settings->crls) : 0) return code;
-  const PathTask task{*anchors, *settings, lists, false};
+  Budget budget(0, items_of(pool) + items_of(settings->pool) + items_of(anchors) + items_of(settings->crls));
+  const PathTask task{*anchors, *settings, lists, budget, false};
   StrictBuilder builder(task, nullptr, pool, found);
   int code = builder.run(*cert, report);
   STACK *copies = code ? nullptr : copies_of(builder.path());

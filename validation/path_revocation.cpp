@@ -10,9 +10,6 @@ namespace {
 
 constexpr int failure(int reason) noexcept { return fail(kCrlModule, reason); }
 
-// Signatures of lists that are verified for one certificate at most, and signers whose own path is looked for.
-constexpr int kSignatures = 64, kSigners = 8;
-
 bool same_value(const X509_EXTENSION *a, const X509_EXTENSION *b) noexcept {
   return a && b ? same_octets(a->value, b->value) : a == b;
 }
@@ -21,6 +18,13 @@ int find_entry(const X509_CRL &crl, bool indirect, const X509_CERT &cert, X509_R
   if (indirect) return find_listed_of_issuer(crl, cert, entry);
   if (const int fault = entries_fault(crl)) return failure(fault);
   return find_listed(crl, cert, entry);
+}
+
+int size_of_points(const X509_CERT &cert) noexcept {
+  const X509_EXTENSIONS *list = get_X509_extensions(&cert);
+  const int index = get_X509_EXTENSION_index_by_OID_index(list, row::kCrlDistributionPoints, -1);
+  const X509_EXTENSION *points = index < 0 ? nullptr : get_X509_EXTENSION(list, index);
+  return points && points->value ? points->value->length : 0;
 }
 
 // A complete list that is being looked at.
@@ -33,11 +37,13 @@ struct List {
 
 class Status {
  public:
-  Status(const VerifiedPath &path, int index) noexcept : path_(path), index_(size_t(index)) {}
+  Status(const VerifiedPath &path, int index) noexcept
+      : path_(path), index_(size_t(index)), budget_(path.task.budget), size_of_points_(size_of_points(cert())) {}
 
   int run() noexcept {
     for (const PathList &each : path_.task.lists.complete()) {
       const int code = consider(each);
+      if (budget_.is_spent()) return failure(ERR_TOO_MUCH_WORK);
       if (reason_of(code) == ERR_CERT_REVOKED || reason_of(code) == kNoMemory) return code;
       if (code) note(code);
       if (covered_ == kAllReasons) return 0;
@@ -60,6 +66,7 @@ class Status {
     List list{*candidate.crl, candidate.extensions};
     Reasons reasons = 0;
     if (candidate.fault) return candidate.fault;
+    if (!budget_.comparisons(names_compared(candidate))) return failure(ERR_TOO_MUCH_WORK);
     if (const int code = read_coverage(list, reasons)) return code;
     if (!(reasons & ~covered_)) return 0;
     if (const int code = check_list_dates(list.crl, path_.task.settings.time)) return code;
@@ -67,6 +74,13 @@ class Status {
     if (const int code = look_up(list)) return code;
     covered_ |= reasons;
     return 0;
+  }
+  // About as many as there may be names of the list's point beside names of the certificate's.
+  int64_t names_compared(const PathList &list) const noexcept {
+    constexpr int kOctetsOfName = 64;
+    const X509_EXTENSION *scope = list.extensions.scope;
+    const int64_t size = scope && scope->value ? scope->value->length : 0;
+    return 1 + size / kOctetsOfName * (1 + size_of_points_ / kOctetsOfName);
   }
   int read_coverage(List &list, Reasons &reasons) noexcept {
     owned<ISSUING_DIST_POINT> scope;
@@ -91,6 +105,7 @@ class Status {
     for (const PathList &each : path_.task.lists.deltas()) {
       const ListNumber base = number_in(each.extensions.base);
       const bool fits = complete.known && base.known && !is_less(complete, base) && is_less(complete, each.number);
+      if (!budget_.comparison()) break;
       if (fits && goes_with(list, *each.crl, each.extensions)) return *each.crl;
     }
     return list.crl;
@@ -106,6 +121,7 @@ class Status {
   // path of its own. 0, or why the last one of the right name did not.
   int find_signer(List &list) noexcept {
     int code = failure(ERR_CRL_ISSUER);
+    tried_.forget_from(0);
     for (size_t i = index_ + 1; i < path_.certs.size() && code; ++i) try_certificate(list, *path_.certs[i], code);
     if (code && is_issuer(list, path_.anchor.trustedCAName)) code = try_anchor(list);
     if (!code || path_.task.of_list_signer) return code;
@@ -119,32 +135,35 @@ class Status {
     if (const int code = path_.anchor_cert ? check_list_key_usage(*path_.anchor_cert) : 0) return code;
     return try_key(list, path_.anchor.trustedCAKey);
   }
-  static bool is_issuer(const List &list, const X509_NAME *name) noexcept {
-    return cmp_X509_NAME_RFC5280(get_X509_CRL_issuer(&list.crl), name) == 0;
+  bool is_issuer(const List &list, const X509_NAME *name) noexcept {
+    return budget_.comparison() && cmp_X509_NAME_RFC5280(get_X509_CRL_issuer(&list.crl), name) == 0;
   }
-  // Whether a certificate's key signed the list. Leaves the code of those with other names as it is.
+  // Whether a certificate's key signed the list. Leaves the code as it is of those with other names, and of those that
+  // were tried.
   bool try_certificate(List &list, const X509_CERT &signer, int &code) noexcept {
-    if (!is_issuer(list, get_X509_subject(&signer))) return false;
+    if (!is_issuer(list, get_X509_subject(&signer)) || !tried_.add(signer, 0, budget_)) return false;
     code = check_list_key_usage(signer);
     if (!code) code = try_key(list, get_X509_SPKI(&signer));
     return !code;
   }
   int verify_signer(const X509_CERT &signer) noexcept {
-    return signers_left_-- > 0 ? verify_list_signer(signer, path_) : failure(ERR_CRL_MISSING);
+    return budget_.list_signer() ? verify_list_signer(signer, path_) : failure(ERR_TOO_MUCH_WORK);
   }
   int try_key(List &list, const X509_PUBKEY *key) noexcept {
     list.key = key;
     return verify(list.crl, key);
   }
   int verify(const X509_CRL &crl, const X509_PUBKEY *key) noexcept {
-    return signatures_left_-- > 0 ? check_list_signature(crl, key) : failure(ERR_CRL_MISSING);
+    return budget_.signature() ? check_list_signature(crl, key) : failure(ERR_TOO_MUCH_WORK);
   }
 
   const VerifiedPath &path_;
   const size_t index_;
+  Budget &budget_;
+  const int size_of_points_;  // octets of the certificate's distribution points
   Reasons covered_ = 0;
   int why_not_ = 0;
-  int signatures_left_ = kSignatures, signers_left_ = kSigners;
+  TriedCerts tried_;  // for one list
 };
 
 }  // namespace

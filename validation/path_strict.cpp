@@ -12,9 +12,9 @@ constexpr int kAnchorTries = 64;  // anchors of the right name whose key is trie
 
 using Certs = std::span<const X509_CERT *const>;
 
-int index_of_anchor(const TRUST_ANCHORS &anchors, const X509_CERT &cert) noexcept {
-  for (int i = 0; i < anchors.count; ++i) {
-    const auto *each = element<TRUST_ANCHOR>(&anchors, i);
+int index_of_anchor(const PathTask &task, const X509_CERT &cert) noexcept {
+  for (int i = 0; i < task.anchors.count && task.budget.comparison(); ++i) {
+    const auto *each = element<TRUST_ANCHOR>(&task.anchors, i);
     const bool same = each && cmp_X509_NAME_RFC5280(each->trustedCAName, get_X509_subject(&cert)) == 0 &&
                       cmp_X509_PUBKEY(each->trustedCAKey, get_X509_SPKI(&cert)) == 0;
     if (same) return i;
@@ -23,9 +23,9 @@ int index_of_anchor(const TRUST_ANCHORS &anchors, const X509_CERT &cert) noexcep
 }
 
 // Takes the anchors' own certificates off the end; the last one taken, null for none.
-const X509_CERT *take_off_anchors(Certs &certs, const TRUST_ANCHORS &anchors) noexcept {
+const X509_CERT *take_off_anchors(Certs &certs, const PathTask &task) noexcept {
   const X509_CERT *taken = nullptr;
-  while (certs.size() > 1 && index_of_anchor(anchors, *certs.back()) >= 0) {
+  while (certs.size() > 1 && index_of_anchor(task, *certs.back()) >= 0) {
     taken = certs.back();
     certs = certs.first(certs.size() - 1);
   }
@@ -37,10 +37,11 @@ int find_anchor(const X509_CERT &top, const PathTask &task, int &index) noexcept
   int code = path_failure(ERR_INVALID_TRUST_ANCHOR), tries = kAnchorTries;
   for (int i = 0; i < task.anchors.count && tries > 0; ++i) {
     const auto *each = element<TRUST_ANCHOR>(&task.anchors, i);
-    const int step = each ? check_issued(top, each->trustedCAName, each->trustedCAKey, task.settings.flags) : 0;
+    const int step = each ? check_issued(top, each->trustedCAName, each->trustedCAKey, task) : 0;
     if (!each || reason_of(step) == ERR_TBS_CERT_ISSUER) continue;
     if (!step) return index = i, 0;
     code = step;
+    if (task.budget.is_spent()) break;
     --tries;
   }
   return code;
@@ -66,7 +67,7 @@ int walk(const VerifiedPath &path, CERTPATH_REPORT &report, STACK **policies) no
 
 int validate_path(Certs certs, const PathTask &task, CERTPATH_REPORT &report, bool want_policies) noexcept {
   const CERTPATH_SETTINGS &settings = task.settings;
-  const X509_CERT *given = take_off_anchors(certs, task.anchors);
+  const X509_CERT *given = take_off_anchors(certs, task);
   const int longest = settings.max_length > 0 ? settings.max_length : kUsualLongestPath;
   if (certs.size() > size_t(longest)) return path_failure(ERR_INVALID_MAX_PATH_LENGTH);
   report.index = int(certs.size()) - 1;
@@ -74,7 +75,8 @@ int validate_path(Certs certs, const PathTask &task, CERTPATH_REPORT &report, bo
   if (const int code = find_anchor(*certs.back(), task, anchor)) return code;
   report.anchor = anchor;
   const bool constrained = settings.flags & CERTPATH_ANCHOR_CONSTRAINTS;
-  if (!constrained || !given || index_of_anchor(task.anchors, *given) != anchor) given = nullptr;
+  if (!constrained || !given || index_of_anchor(task, *given) != anchor) given = nullptr;
+  if (task.budget.is_spent()) return path_failure(ERR_TOO_MUCH_WORK);
   const VerifiedPath path{certs, *element<TRUST_ANCHOR>(&task.anchors, anchor), given, task};
   STACK *policies = nullptr;
   const int code = walk(path, report, want_policies ? &policies : nullptr);
@@ -124,7 +126,9 @@ int validate_certpath_strict(const STACK *certs, const TRUST_ANCHORS *anchors, c
   if (!code && asks_for_revocation(*settings)) code = lists.open(settings->crls);
   if (!code) code = standard.open(certs, found.index);
   if (!code) {
-    code = validate_path(standard.certs(), {*anchors, *settings, lists, false}, found, report);
+    Budget budget(certs->count,
+                  items_of(certs) + items_of(settings->pool) + items_of(anchors) + items_of(settings->crls));
+    code = validate_path(standard.certs(), {*anchors, *settings, lists, budget, false}, found, report);
   }
   if (report) *report = found;
   return code;

@@ -30,9 +30,12 @@ int check_digest(const X509_CERT &cert) noexcept {
 
 }  // namespace
 
-int check_issued(const X509_CERT &cert, const X509_NAME *issuer, const X509_PUBKEY *key, int flags) noexcept {
+int check_issued(const X509_CERT &cert, const X509_NAME *issuer, const X509_PUBKEY *key,
+                 const PathTask &task) noexcept {
+  if (!task.budget.comparison()) return path_failure(ERR_TOO_MUCH_WORK);
   if (cmp_X509_NAME_RFC5280(get_X509_issuer(&cert), issuer)) return path_failure(ERR_TBS_CERT_ISSUER);
-  if (const int code = flags & CERTPATH_ALLOW_WEAK_DIGESTS ? 0 : check_digest(cert)) return code;
+  if (const int code = task.settings.flags & CERTPATH_ALLOW_WEAK_DIGESTS ? 0 : check_digest(cert)) return code;
+  if (!task.budget.signature()) return path_failure(ERR_TOO_MUCH_WORK);
   const int code = verify_SIG_X509_CERT_RFC5280(&cert, key);
   if (code == kNoMemory) return path_failure(kNoMemory);
   const bool of_provider = code && code == reason_of(code);
@@ -94,7 +97,7 @@ int PathWalk::step() noexcept {
 int PathWalk::check_basics(const X509_CERT &cert) noexcept {
   const size_t above = size_t(index_) + 1;
   const X509_CERT *issuer = above < path_.certs.size() ? path_.certs[above] : nullptr;
-  const int code = issuer ? check_issued(cert, get_X509_subject(issuer), get_X509_SPKI(issuer), settings_.flags) : 0;
+  const int code = issuer ? check_issued(cert, get_X509_subject(issuer), get_X509_SPKI(issuer), path_.task) : 0;
   if (code) return code;
   const bool extended = get_X509_extensions(&cert), version3 = get_X509_version(&cert) == kVersion3;
   return extended && !version3 ? path_failure(ERR_TBS_CERT_VERSION)

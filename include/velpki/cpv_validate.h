@@ -111,7 +111,11 @@ typedef struct {
  * Revocation (RFC 5280 6.3), where it is asked for: of the lists that cover a certificate the newest decides, by
  * thisUpdate, then by CRL number, wherever it stands in `crls`, and the newest delta list that goes on from it. A list
  * is passed over that is not valid at the time, or not signed by the anchor, an authority of the path, or a certificate
- * of `pool` from which a path leads to the anchor.
+ * of `pool` from which a path leads to the anchor. Equal certificates of `pool` are tried once.
+ *
+ * Work is bounded: at most 512 signatures are verified beside one for each certificate of `certs`, 65,536 names
+ * compared and 128 more for each certificate of `certs` and `pool`, each anchor and each list, and paths looked for of
+ * 64 signers of lists, everything that revocation asks for included. Beyond that nothing is valid: ERR_TOO_MUCH_WORK.
  *
  * Codes: F_VALIDATE_CERTPATH with 49 (null, an empty path, a certificate that keeps no received octets), 3C,
  * ERR_INVALID_TRUST_ANCHOR (no anchor has the name of the last issuer), ERR_INVALID_MAX_PATH_LENGTH (longer than
@@ -121,19 +125,20 @@ typedef struct {
  * ERR_NAME_NOT_PERMITTED, ERR_NAME_EXCLUDED, ERR_NAME_UNREADABLE, ERR_NAME_CONSTRAINTS (constraints that cannot be
  * applied), ERR_INVALID_CERTIFICATE_POLICIES (a policy twice, or critical ones with an unknown qualifier),
  * ERR_INVALID_POLICY_MAPPING (of anyPolicy), ERR_INVALID_VALID_POLICY_TREE (a policy is required and none is left) or
- * ERR_TOO_MUCH_WORK (more names times constraints than 2,000,000 or so); or the codes of the reader of a value, of
- * verify_X509_validity_RFC5280 and of verify_SIG_X509_CERT_RFC5280. */
+ * ERR_TOO_MUCH_WORK (one of the limits, or more names times constraints than 2,000,000 or so); or the codes of the
+ * reader of a value, of verify_X509_validity_RFC5280 and of verify_SIG_X509_CERT_RFC5280. */
 VELPKI_API int validate_certpath_strict(const STACK *certs, const TRUST_ANCHORS *anchors,
                                         const CERTPATH_SETTINGS *settings, CERTPATH_REPORT *report) VELPKI_NOEXCEPT;
 
 /** Finds a path that validate_certpath_strict takes with these settings, from `cert` through certificates of `pool` to
  * an anchor, and gives a new STACK of copies, `cert` first and without the anchor's own certificate, released with
  * free_X509_CERTIFICATES. A path that fails is followed by the next one. Of several issuers those whose key identifier
- * agrees come first. No name and key come twice. At most 512 signatures are verified, and 65,536 names compared and 32
- * more for each certificate of the pool and each anchor.
+ * agrees come first, and of equal certificates one is tried. No name and key come twice. At most 512 signatures are
+ * verified, over all paths and their revocation, 65,536 names compared and 128 more for each certificate of both pools,
+ * each anchor and each list, and paths looked for of 64 signers of lists.
  * `*path` is written on success only; the report is that of the path found, or of the last that failed. Codes: those of
  * the last path that reached an anchor and failed; else F_BUILD_CERTPATH with 49, 3C, ERR_NOT_FOUNDED (none reaches an
- * anchor) or ERR_INVALID_MAX_PATH_LENGTH (one of the limits was met). With
+ * anchor) or ERR_INVALID_MAX_PATH_LENGTH (one of the limits was met before any did). With
  * CERTPATH_ANCHOR_CONSTRAINTS the anchor's certificate is looked for in `pool`. */
 VELPKI_API int build_certPath_strict(STACK **path, const X509_CERT *cert, const STACK *pool,
                                      const TRUST_ANCHORS *anchors, const CERTPATH_SETTINGS *settings,

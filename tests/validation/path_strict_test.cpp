@@ -128,6 +128,38 @@ TEST_F(Strict, AuthoritiesAreFoundInALargePool) {
   EXPECT_EQ(get_STACK_count(built), 6);
 }
 
+// Certificates that differ in their signatures only.
+Certificates forgeries_of(const X509_CERT *cert, int count) {
+  Certificates out(new_X509_CERTIFICATES());
+  Bytes der = encoded(X509_CERT_to_Seq_RFC5280, cert);
+  for (int i = 0; i < count; ++i) {
+    der[der.size() - 1] = uint8_t(i), der[der.size() - 2] = uint8_t(i >> 8);
+    push_STACK_value(out, read_by(readDER_X509_CERT_from_Binary_RFC5280, der).release());
+  }
+  return out;
+}
+
+// The newest list is signed by those who have no path: each search for one tries all the forgeries. Signatures are
+// counted over all searches, and the older list says nothing where one was cut short.
+TEST_F(Strict, SearchesShareOneLimit) {
+  const StrictPath path({{"user", "root", 1, 0}, kRoot}),
+      bad({{"root", "z", 2, 2, kAuthority}, {"root", "z", 2, 2, kAuthority}, {"z", "y", 1, 1, kAuthority}, kRoot});
+  const Owned<X509_CRL> older = make_list({"root", 0, 5}), newer = make_list({"root", 2, 6});
+  const Certificates forgeries = forgeries_of(bad.at(2), 300);
+  const Owned<STACK, free_STACK> crls(new_STACK());
+  for (X509_CRL *each : {static_cast<X509_CRL *>(older), static_cast<X509_CRL *>(newer)}) push_STACK_value(crls, each);
+  for (const auto &[signers, reason] : {std::pair(1, 0), {2, int(ERR_TOO_MUCH_WORK)}}) {
+    const Owned<STACK, free_STACK> pool(new_STACK());
+    for (int i = 0; i < 100; ++i) push_STACK_value(pool, bad.at(i % signers));
+    for (int i = 0; i < 600; ++i) push_STACK_value(pool, forgeries->data[i % 300]);
+    CERTPATH_SETTINGS settings{};
+    settings.crls = crls, settings.pool = pool, settings.flags = CERTPATH_CHECK_REVOCATION_END_ENTITY;
+    EXPECT_EQ(validate_certpath_strict(path.certs, path.anchors, &settings, nullptr) & 0xFFFF, reason);
+    Certificates built;
+    EXPECT_EQ(build_certPath_strict(&built, path.at(0), pool, path.anchors, &settings, nullptr) & 0xFFFF, reason);
+  }
+}
+
 TEST_F(Strict, EachAllocationMayFail) {
   const StrictPath path({{"user", "b", 1, 1, hosts(2) + policies(2)},
                          {"b", "root", 1, 0, kAuthority + excluded(2) + policies(2) + mappings(2)},

@@ -5,6 +5,7 @@
 
 #include <span>
 
+#include "validation/internal/path_budget.h"
 #include "validation/internal/path_lists.h"
 
 namespace velpki {
@@ -14,6 +15,7 @@ struct PathTask {
   const TRUST_ANCHORS &anchors;
   const CERTPATH_SETTINGS &settings;
   const RevocationLists &lists;
+  Budget &budget;
   bool of_list_signer;  // another validation asks for it, because its end entity signed a revocation list
 };
 

@@ -11,7 +11,7 @@ namespace velpki {
 inline constexpr int kUsualLongestPath = 16;
 
 // Whether a name and key issued a certificate that keeps its received octets.
-int check_issued(const X509_CERT &cert, const X509_NAME *issuer, const X509_PUBKEY *key, int flags) noexcept;
+int check_issued(const X509_CERT &cert, const X509_NAME *issuer, const X509_PUBKEY *key, const PathTask &task) noexcept;
 
 // The certificates of a list as the standard reads them.
 class StandardCerts {
