@@ -4,6 +4,7 @@
 #include <velpki/asn1_error.h>
 
 #include "asn1/internal/encoded_time.h"
+#include "asn1/internal/oid_codec.h"
 #include "asn1/internal/status.h"
 #include "asn1/internal/writer.h"
 
@@ -122,7 +123,10 @@ Read read_any_string(const Tlv &tlv, ASN1_STRING *&out) noexcept {
     return keep(new_string(type, tlv.content), out);
   }
   if (number == TYPE_BIT_STRING) return read_bits(type, tlv.content, out);
-  if (number == TYPE_OBJECT_IDENTIFIER) return read_oid_as(type, tlv.content, out);
+  if (number == TYPE_OBJECT_IDENTIFIER) {
+    const bool read = tlv.rules.standard && read_oid_any_size(tlv.content, out) == Read::ok;
+    return read ? (out->type = type, Read::ok) : read_oid_as(type, tlv.content, out);
+  }
   if (number == TYPE_UTC_TIME || number == TYPE_GENERALIZED_TIME) {
     return keep(new_string(type, tlv.content, time_flag(number, tlv.content)), out);
   }

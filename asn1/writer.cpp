@@ -175,6 +175,10 @@ void DerWriter::oid(const OBJECT_IDENTIFIER *value) noexcept {
 
 void DerWriter::oid_text(std::string_view text) noexcept {
   const Scope scope = constructed(TYPE_OBJECT_IDENTIFIER);
+  oid_content(text);
+}
+
+void DerWriter::oid_content(std::string_view text) noexcept {
   if (!(rules_.standard ? write_oid_content_any_size(text, *this) : write_oid_content(text, *this))) refuse();
 }
 
@@ -223,7 +227,7 @@ void DerWriter::string(const ASN1_STRING *value) noexcept {
       return bits(value, identifier);
     case StringForm::oid: {
       const Scope scope = constructed(identifier);
-      if (!write_oid_content(text(*value), *this)) refuse();
+      oid_content(text(*value));
       return;
     }
     case StringForm::plain:

@@ -75,8 +75,16 @@ int set_X509_ALGO_IDENTIFIER_value_RFC5280(X509_ALGO_IDENTIFIER *identifier, con
 int X509_ALGO_IDENTIFIER_to_Seq(const X509_ALGO_IDENTIFIER *in, ASN1_UNIT **out) noexcept {
   return to_refilled_seq(F_X509_ALGO_IDENTIFIER_TO_SEQ, in, out, encode);
 }
+// Into a record that is there go the members alone: how many lists hold it does not change.
 int Seq_to_X509_ALGO_IDENTIFIER(ASN1_UNIT *in, X509_ALGO_IDENTIFIER **out) noexcept {
-  return from_seq(F_SEQ_TO_X509_ALGO_IDENTIFIER, in, out, decode);
+  X509_ALGO_IDENTIFIER *fresh = nullptr;
+  const int code = from_seq(F_SEQ_TO_X509_ALGO_IDENTIFIER, in, out ? &fresh : nullptr, decode);
+  if (code) return code;
+  if (!*out) return *out = fresh, 0;
+  const owned<X509_ALGO_IDENTIFIER> old(fresh);
+  std::swap((*out)->algorithm, fresh->algorithm);
+  std::swap((*out)->parameters, fresh->parameters);
+  return 0;
 }
 
 VELPKI_LIST(X509_ALGO_IDENTIFIERS, X509_ALGO_IDENTIFIER)

@@ -34,26 +34,29 @@ namespace velpki {
 
 namespace {
 
-// The TBS of a certificate that is about to change: what was received no longer describes it. A cleaned certificate
-// gets a new TBS. Null for null or exhausted memory.
-X509_TBS_CERT *changing(X509_CERT *cert) noexcept {
-  if (!cert) return nullptr;
-  if (!cert->tbs) cert->tbs = new_X509_TBS_CERT();
-  drop_received(*cert);
-  return cert->tbs;
+// The TBS of a certificate that is about to change; a cleaned one gets a new TBS. Null for null or exhausted memory.
+X509_TBS_CERT *tbs_of(X509_CERT *cert) noexcept {
+  if (cert && !cert->tbs) cert->tbs = new_X509_TBS_CERT();
+  return cert ? cert->tbs : nullptr;
+}
+
+// The end of a setter: what was received describes the certificate no longer, if it has changed.
+bool changed(X509_CERT &cert, bool stored) noexcept {
+  if (stored) drop_received(cert);
+  return stored;
 }
 
 template <class T>
 int set_field(int function, X509_CERT *cert, T *X509_TBS_CERT::*member, const T *value) noexcept {
   if (!cert || !value) return fail(function, kNullArgument);
-  X509_TBS_CERT *tbs = changing(cert);
-  return tbs && replace(*tbs, member, value) ? 0 : fail(function, kNoMemory);
+  X509_TBS_CERT *tbs = tbs_of(cert);
+  return changed(*cert, tbs && replace(*tbs, member, value)) ? 0 : fail(function, kNoMemory);
 }
 
 int set_name(int function, X509_CERT *cert, STACK *X509_TBS_CERT::*member, const X509_NAME *name) noexcept {
   if (!cert || !name) return fail(function, kNullArgument);
-  X509_TBS_CERT *tbs = changing(cert);
-  return tbs && replace_list<X509_NAME_CHILD>(*tbs, member, name) ? 0 : fail(function, kNoMemory);
+  X509_TBS_CERT *tbs = tbs_of(cert);
+  return changed(*cert, tbs && replace_list<X509_NAME_CHILD>(*tbs, member, name)) ? 0 : fail(function, kNoMemory);
 }
 
 template <class T>
@@ -68,8 +71,8 @@ T *field(const X509_CERT *cert, T *X509_TBS_CERT::*member) noexcept {
 int set_X509_version(X509_CERT *cert, int version) noexcept {
   if (!cert) return fail(F_SET_X509_VERSION, kNullArgument);
   if (version < 0 || version > 2) return fail(F_SET_X509_VERSION, kBadValue);
-  X509_TBS_CERT *tbs = changing(cert);
-  if (!tbs) return fail(F_SET_X509_VERSION, kNoMemory);
+  X509_TBS_CERT *tbs = tbs_of(cert);
+  if (!changed(*cert, tbs)) return fail(F_SET_X509_VERSION, kNoMemory);
   tbs->version = static_cast<unsigned char>(version);
   return 0;
 }
@@ -112,12 +115,13 @@ int set_X509_pub_key(X509_CERT *cert, const X509_PUBKEY *pubkey) noexcept {
 X509_PUBKEY *get_X509_SPKI(const X509_CERT *cert) noexcept { return field(cert, &X509_TBS_CERT::subjectPublicKeyInfo); }
 
 int set_X509_extensions(X509_CERT *cert, const X509_EXTENSIONS *extensions) noexcept {
-  X509_TBS_CERT *tbs = changing(cert);
+  X509_TBS_CERT *tbs = tbs_of(cert);
   if (!tbs) return 1;
-  if (extensions) return replace_list<X509_EXTENSION>(*tbs, &X509_TBS_CERT::extensions, extensions) ? 0 : 1;
-  free_X509_EXTENSIONS(tbs->extensions);
-  tbs->extensions = nullptr;
-  return 0;
+  if (extensions) {
+    return changed(*cert, replace_list<X509_EXTENSION>(*tbs, &X509_TBS_CERT::extensions, extensions)) ? 0 : 1;
+  }
+  free_X509_EXTENSIONS(std::exchange(tbs->extensions, nullptr));
+  return changed(*cert, true), 0;
 }
 X509_EXTENSIONS *get_X509_extensions(const X509_CERT *cert) noexcept { return field(cert, &X509_TBS_CERT::extensions); }
 

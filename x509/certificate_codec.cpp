@@ -21,7 +21,8 @@ bool read_version(Cursor &in, unsigned char &version) noexcept {
   if (!inner.next(TYPE_INTEGER, number)) return in.absorb(inner);
   if (number.content.size() != 1) return in.stop(Read::malformed);
   version = number.content[0];
-  return true;
+  inner.finish();
+  return in.absorb(inner);
 }
 
 // Validity ::= SEQUENCE { notBefore Time, notAfter Time }
@@ -29,7 +30,7 @@ bool read_validity(Cursor &in, X509_TBS_CERT &out) noexcept {
   Tlv child;
   if (!in.next(TYPE_SEQUENCE, child)) return false;
   Cursor validity(child);
-  if (read_time(validity, out.notBefore)) read_time(validity, out.notAfter);
+  if (read_time(validity, out.notBefore) && read_time(validity, out.notAfter)) validity.finish();
   return in.absorb(validity);
 }
 
@@ -38,7 +39,7 @@ bool read_extensions(Cursor &in, X509_TBS_CERT &out) noexcept {
   Tlv wrapper;
   if (!in.next(wrapper)) return false;
   Cursor inner(wrapper);
-  read_list(inner, out.extensions, decode_extensions);
+  if (read_list(inner, out.extensions, decode_extensions)) inner.finish();
   return in.absorb(inner);
 }
 
@@ -58,7 +59,7 @@ bool read_standard_tail(Cursor &in, X509_TBS_CERT &out) noexcept {
   const bool read = read_unique_id(in, kIssuerUniqueID, out.issuerUniqueID) &&
                     read_unique_id(in, kSubjectUniqueID, out.subjectUniqueID) &&
                     (!in.at(tag::explicit_context(kExtensions)) || read_extensions(in, out));
-  return read && (in.at_end() || in.stop(Read::malformed));
+  return read && in.finish();
 }
 
 }  // namespace
@@ -68,7 +69,7 @@ bool read_algorithm_oid(Cursor &in, OBJECT_IDENTIFIER *&out) noexcept {
   Tlv child;
   if (!in.next(TYPE_SEQUENCE, child)) return false;
   Cursor algorithm(child);
-  algorithm.oid(out);
+  if (algorithm.oid(out) && (algorithm.at_end() || algorithm.next(child))) algorithm.finish();
   return in.absorb(algorithm);
 }
 
@@ -78,6 +79,7 @@ bool read_time(Cursor &in, X509_TIME *&out) noexcept {
   if (!in.next(child)) return false;
   const int number = child.number();
   if (number != TYPE_UTC_TIME && number != TYPE_GENERALIZED_TIME) return in.stop(Read::malformed);
+  if (!child.fits(uint8_t(number))) return in.stop(Read::malformed);
   out = new_X509_TIME();
   if (!in.made(out)) return false;
   out->type = number == TYPE_UTC_TIME ? X509_TIME_UTC : X509_TIME_GENERALIZED;
@@ -113,7 +115,7 @@ int decode(const Tlv &tlv, X509_CERT &out) noexcept {
   if (!in.made(out.tbs)) return in.result(F_SEQ_TO_X509_CERT);
   if (const int code = decode(tbs, *out.tbs)) return code;
   if (read_algorithm_oid(in, out.sig_alg) && in.string(TYPE_BIT_STRING, out.sig_value)) {
-    if (in.rules().standard && !in.at_end()) in.stop(Read::malformed);
+    in.finish();
     in.made(out.received = new_received(tlv, tbs.whole));
   }
   return in.result(F_SEQ_TO_X509_CERT);

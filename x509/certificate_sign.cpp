@@ -97,7 +97,6 @@ template <class Unit>
 int sign_tbs(const X509_TBS_CERT *tbs, ASN1_STRING *out, const OBJECT_IDENTIFIER *oid, const Unit *key, int function,
              int (*sign)(Octets, const OBJECT_IDENTIFIER *, const Unit *, int, ASN1_STRING &) noexcept) noexcept {
   if (!tbs || !out || !oid || !key) return fail(function, kNullArgument);
-  if (!is_signature_algorithm(oid)) return fail(function, kBadValue);
   DerWriter writer;
   if (const int code = encode(*tbs, writer)) return code;
   return sign(writer.written(), oid, key, function, *out);

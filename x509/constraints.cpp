@@ -29,7 +29,8 @@ bool read_ca(Cursor &in, int &ca) noexcept {
   if (!in.next(TYPE_BOOLEAN, flag)) return false;
   if (flag.content.empty()) return in.stop(Read::malformed);
   ca = flag.content[0];
-  return !in.rules().standard || flag.content.size() == 1 || in.stop(Read::malformed);
+  const bool is_der = flag.content.size() == 1 && (ca == 0x00 || ca == 0xFF);
+  return !in.rules().standard || is_der || in.stop(Read::malformed);
 }
 
 bool read_path_length(Cursor &in, int *&out) noexcept {

@@ -76,22 +76,27 @@ namespace velpki {
 namespace {
 
 // The body of a CRL that is about to change. A cleaned CRL gets a new body. Null for null or exhausted memory.
-X509_CRL_INFO *changing(X509_CRL *crl) noexcept {
+X509_CRL_INFO *body_of(X509_CRL *crl) noexcept {
   if (!crl) return nullptr;
   if (!crl->tbs) crl->tbs = new_X509_CRL_INFO();
   if (!crl->kept) crl->kept = Flat<X509_CRL_KEPT>::make();
-  drop_content(crl->kept);
   return crl->kept ? crl->tbs : nullptr;
+}
+
+// The end of a setter, 0 or 1: what was received and the index describe the CRL no longer, if it has changed.
+int changed(X509_CRL *crl, bool stored) noexcept {
+  if (stored) drop_content(crl->kept);
+  return stored ? 0 : 1;
 }
 
 template <class T>
 int set_field(X509_CRL *crl, T *X509_CRL_INFO::*member, const T *value) noexcept {
-  X509_CRL_INFO *info = value ? changing(crl) : nullptr;
-  return info && replace(*info, member, value) ? 0 : 1;
+  X509_CRL_INFO *info = value ? body_of(crl) : nullptr;
+  return changed(crl, info && replace(*info, member, value));
 }
 // The two members outside the body.
 int set_outside(X509_CRL *crl, ASN1_STRING *X509_CRL::*member, const ASN1_STRING *value) noexcept {
-  return value && changing(crl) && replace(*crl, member, value) ? 0 : 1;
+  return changed(crl, value && body_of(crl) && replace(*crl, member, value));
 }
 
 template <class T>
@@ -106,10 +111,9 @@ X509_EXTENSIONS *extensions_of(const X509_CRL *crl) noexcept { return field(crl,
 }  // namespace velpki
 
 int set_X509_CRL_version(X509_CRL *crl, int version) noexcept {
-  X509_CRL_INFO *info = version == 0 || version == 1 ? changing(crl) : nullptr;
-  if (!info) return 1;
-  info->version = version;
-  return 0;
+  X509_CRL_INFO *info = version == 0 || version == 1 ? body_of(crl) : nullptr;
+  if (info) info->version = version;
+  return changed(crl, info);
 }
 int get_X509_CRL_version(const X509_CRL *crl) noexcept { return crl && crl->tbs ? crl->tbs->version : -1; }
 
@@ -122,10 +126,10 @@ OBJECT_IDENTIFIER *get_X509_CRL_signature(const X509_CRL *crl) noexcept {
 
 int set_X509_CRL_issuer(X509_CRL *crl, const X509_NAME *issuer) noexcept {
   STACK *copy = crl && issuer ? copy_list<X509_NAME_CHILD>(issuer) : nullptr;
-  X509_CRL_INFO *info = copy ? changing(crl) : nullptr;
+  X509_CRL_INFO *info = copy ? body_of(crl) : nullptr;
   if (info) std::swap(info->issuer, copy);
   destroy_list<X509_NAME_CHILD>(copy);
-  return info ? 0 : 1;
+  return changed(crl, info);
 }
 X509_NAME *get_X509_CRL_issuer(const X509_CRL *crl) noexcept { return field(crl, &X509_CRL_INFO::issuer); }
 
@@ -156,15 +160,15 @@ const unsigned char *get_X509_CRL_received(const X509_CRL *crl, int tbs, int *le
 }
 
 int add_X509_CRL_revoked(X509_CRL *crl, const X509_REVOKED *entry) noexcept {
-  X509_CRL_INFO *info = entry ? changing(crl) : nullptr;
-  if (!info || add_X509_REVOKED_child(&info->revoked, entry, -1)) return 1;
+  X509_CRL_INFO *info = entry ? body_of(crl) : nullptr;
+  if (changed(crl, info && !add_X509_REVOKED_child(&info->revoked, entry, -1))) return 1;
   link_entry(*element<X509_REVOKED>(info->revoked, info->revoked->count - 1), crl->kept);
   return 0;
 }
 
 void remove_X509_CRL_revoked(X509_CRL *crl, int index) noexcept {
-  X509_CRL_INFO *info = changing(crl);
-  if (info) free_X509_REVOKED(static_cast<X509_REVOKED *>(remove_STACK_value(info->revoked, index)));
+  const owned<X509_REVOKED> entry(static_cast<X509_REVOKED *>(remove_STACK_value(get_X509_CRL_revoked(crl), index)));
+  changed(crl, entry != nullptr);
 }
 
 int sort_X509_CRL_revoked(X509_CRL *crl) noexcept {
@@ -197,9 +201,10 @@ X509_EXTENSION *get_X509_CRL_ext(const X509_CRL *crl, int index) noexcept {
   return get_X509_EXTENSION(extensions_of(crl), index);
 }
 void remove_X509_CRL_ext(X509_CRL *crl, int index) noexcept {
-  if (X509_CRL_INFO *info = changing(crl)) remove_X509_EXTENSION(info->extensions, index);
+  changed(crl, get_X509_CRL_ext(crl, index));
+  remove_X509_EXTENSION(extensions_of(crl), index);
 }
 int add_X509_CRL_ext(X509_CRL *crl, const X509_EXTENSION *extension, int position) noexcept {
-  X509_CRL_INFO *info = changing(crl);
-  return info ? add_X509_EXTENSION(&info->extensions, extension, position) : 1;
+  X509_CRL_INFO *info = body_of(crl);
+  return changed(crl, info && !add_X509_EXTENSION(&info->extensions, extension, position));
 }

@@ -50,7 +50,7 @@ bool read_extensions(Cursor &in, X509_CRL_INFO &out) noexcept {
   Cursor inner(wrapper);
   const bool standard = in.rules().standard;
   if (!inner.at_end() || standard) read_whole_list(inner, out.extensions, decode_extensions);
-  if (standard && !inner.at_end()) inner.stop(Read::malformed);
+  inner.finish();
   return in.pass(inner.result(F_SEQ_TO_X509_CRLINFO));
 }
 
@@ -80,7 +80,7 @@ int decode_info(const Tlv &tlv, const Holders &holders, X509_CRL_INFO &out) noex
   const bool read = read_version(in, out.version) && read_algorithm_oid(in, out.signature) &&
                     read_whole_list(in, out.issuer, decode_name) && read_date(in, out.thisUpdate) &&
                     ((standard && !at_time(in)) || read_date(in, out.nextUpdate)) && read_tail(in, holders, out);
-  if (read && standard && !in.at_end()) in.stop(Read::malformed);
+  if (read) in.finish();
   return in.result(F_SEQ_TO_X509_CRLINFO);
 }
 
@@ -107,7 +107,7 @@ int decode_kept(const Tlv &tlv, X509_CRL &out) noexcept {
   out.kept->received_count = get_STACK_count(out.tbs->revoked);
   out.kept->standard = tlv.rules.standard;
   if (read_algorithm_oid(in, out.sig_alg) && in.string(TYPE_BIT_STRING, out.sig_value)) {
-    if (in.rules().standard && !in.at_end()) in.stop(Read::malformed);
+    in.finish();
   }
   return in.result(F_SEQ_TO_X509_CRL);
 }

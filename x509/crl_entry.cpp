@@ -169,10 +169,11 @@ int place_extensions(X509_REVOKED &entry, const Tlv &encoded) noexcept {
   return 0;
 }
 
+void changed(X509_REVOKED &entry) noexcept { changing(&entry); }
+
 // A shared list becomes one of its own.
-bool change_extensions(X509_REVOKED *entry) noexcept {
-  if (!changing(entry)) return false;
-  if (!shares_extensions(*entry)) return true;
+bool own_extensions(X509_REVOKED *entry) noexcept {
+  if (!entry || !shares_extensions(*entry)) return entry;
   STACK *copy = dup_X509_EXTENSIONS(entry->crlEntryExtensions);
   if (copy) set_extensions(*entry, copy, false);
   return copy != nullptr;

@@ -36,7 +36,7 @@ int decode_entry(const Tlv &tlv, X509_REVOKED &out) noexcept {
   if (read_serial(in, out) && read_date(in, out) && !in.at_end()) {
     const int code = in.at(tag::kSequence) ? read_extensions(in, out) : 0;
     if (code) return code;
-    if (in.rules().standard && !in.at_end()) in.stop(Read::malformed);
+    in.finish();
   }
   return in.result(F_SEQ_TO_X509_REVOKED);
 }

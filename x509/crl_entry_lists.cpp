@@ -37,8 +37,11 @@ X509_EXTENSION *get_X509_REVOKED_ext(const X509_REVOKED *entry, int index) noexc
 }
 
 void remove_X509_REVOKED_ext(X509_REVOKED *entry, int index) noexcept {
-  if (change_extensions(entry)) remove_X509_EXTENSION(entry->crlEntryExtensions, index);
+  if (!get_X509_REVOKED_ext(entry, index) || !own_extensions(entry)) return;
+  remove_X509_EXTENSION(entry->crlEntryExtensions, index);
+  changed(*entry);
 }
 int add_X509_REVOKED_ext(X509_REVOKED *entry, const X509_EXTENSION *extension, int position) noexcept {
-  return change_extensions(entry) ? add_X509_EXTENSION(&entry->crlEntryExtensions, extension, position) : 1;
+  if (!own_extensions(entry) || add_X509_EXTENSION(&entry->crlEntryExtensions, extension, position)) return 1;
+  return changed(*entry), 0;
 }

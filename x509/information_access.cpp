@@ -17,7 +17,7 @@ int decode(const Tlv &tlv, ACCESS_DESCRIPTION &out) noexcept {
   Tlv location;
   if (in.oid(out.accessMethod) && in.next(location) && in.made(out.accessLocation = new_GENERAL_NAME())) {
     in.pass(decode(location, *out.accessLocation));
-    if (in.rules().standard && !in.at_end()) in.stop(Read::malformed);
+    in.finish();
   }
   return in.result(F_SEQ_TO_ACCESS_DESCRIPTION);
 }

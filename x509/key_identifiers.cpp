@@ -94,13 +94,17 @@ int encode_octets(const ASN1_STRING &string, DerWriter &out) noexcept {
 
 // The named bits up to the last that is set.
 int encode_named_bits(const ASN1_STRING &string, DerWriter &out) noexcept {
-  Octets bits = octets(string);
+  const Octets bits = octets(string);
   if (string.unused_bits < 0 || string.unused_bits > 7) out.refuse();
-  while (!bits.empty() && bits.back() == 0) bits = bits.first(bits.size() - 1);
-  ASN1_STRING trimmed = string;
-  trimmed.length = int(bits.size());
-  trimmed.unused_bits = bits.empty() ? 0 : std::countr_zero(bits.back());
-  out.bits(&trimmed);
+  size_t size = bits.size();
+  // The octet at the end of those that are left, of which the unused bits do not count.
+  const auto last = [&]() noexcept {
+    return size < bits.size() ? bits[size - 1] : uint8_t(bits[size - 1] >> string.unused_bits << string.unused_bits);
+  };
+  while (size > 0 && last() == 0) --size;
+  const auto scope = out.constructed(TYPE_BIT_STRING);
+  out.octet(size ? uint8_t(std::countr_zero(last())) : uint8_t(0));
+  if (size) out.raw(bits.first(size - 1)), out.octet(last());
   return out.result(kExtensionModule);
 }
 
@@ -135,6 +139,6 @@ int Seq_to_KEY_USAGE_RFC5280(ASN1_UNIT *in, BIT_STRING **out) noexcept {
 }
 
 int has_KEY_USAGE(const BIT_STRING *usage, int bit) noexcept {
-  if (!usage || bit < 0 || bit / 8 >= usage->length || !usage->data) return 0;
+  if (!usage || bit < 0 || !usage->data || bit >= 8LL * usage->length - usage->unused_bits) return 0;
   return usage->data[bit / 8] >> (7 - bit % 8) & 1;
 }

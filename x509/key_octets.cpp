@@ -104,7 +104,7 @@ template <class Unit>
 int write_bits(int function, const Unit *key, ASN1_STRING **out,
                int (*encode)(const Unit &, DerWriter &) noexcept) noexcept {
   if (!key || !out) return fail(function, kNullArgument);
-  DerWriter writer;
+  DerWriter writer({}, Content::secret);
   if (const int code = encode(*key, writer)) return code;
   if (const int code = writer.result(function)) return code;
   ASN1_STRING *bits = new_string(TYPE_BIT_STRING, writer.written());
@@ -130,12 +130,15 @@ Octets bits_of(const ASN1_STRING *string) noexcept { return string ? octets(*str
 
 // The flat octets of a unit, for the readers that take one.
 struct FlatUnit {
+  FlatUnit(const FlatUnit &) = delete;
+  FlatUnit &operator=(const FlatUnit &) = delete;
   explicit FlatUnit(const ASN1_UNIT *unit) noexcept {
     unsigned char *flat = nullptr;
     const int length = ASN1_to_binary(unit, &flat);
     block.reset(flat);
     der = octets_of(flat, length);
   }
+  ~FlatUnit() { PKV_Wipe(block.get(), der.size()); }
   owned<uint8_t> block;
   Octets der;
 };
@@ -164,7 +167,9 @@ int Seq_to_RSA_KEY(ASN1_UNIT *in, RSA_UNIT **out) noexcept {
 int Seq_to_RSA_KEY_strict(ASN1_UNIT *in, RSA_UNIT **out) noexcept {
   return fill_key(F_Seq_to_RSA_KEY, FlatUnit(in).der, in, out, PKV_New_RSA, PKV_Clear_RSA, read_rsa_strict);
 }
-int RSA_KEY_to_Seq(RSA_UNIT *in, ASN1_UNIT **out) noexcept { return to_seq(F_RSA_KEY_to_Seq, in, out, write_rsa); }
+int RSA_KEY_to_Seq(RSA_UNIT *in, ASN1_UNIT **out) noexcept {
+  return to_seq(F_RSA_KEY_to_Seq, in, out, write_rsa, {}, Content::secret);
+}
 
 int BITSTRING_to_KCDSA_KEY(const ASN1_STRING *in, KCDSA_UNIT **out) noexcept {
   return fill_key(F_BITSTRING_to_KCDSA_KEY, bits_of(in), in, out, PKV_New_KCDSA, PKV_Clear_KCDSA, read_kcdsa_value);

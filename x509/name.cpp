@@ -22,7 +22,7 @@ bool read_attribute(Cursor &rdn, STACK &name, int rdn_number) noexcept {
   if (!rdn.made(child.get())) return false;
   child->rdn = rdn_number;
   Cursor in(tlv);
-  if (!in.oid(child->type) || !in.any_string(child->value)) return rdn.absorb(in);
+  if (!in.oid(child->type) || !in.any_string(child->value) || !in.finish()) return rdn.absorb(in);
   return append(&name, child) || rdn.stop(Read::no_memory);
 }
 

@@ -8,10 +8,12 @@ namespace velpki {
 namespace {
 
 // Dotted text that encodes in one way only and surely does: digits, single dots, no leading zeros, arcs of at most nine
-// digits.
+// digits, a second arc below 40 under 0 and 1.
 bool is_plain_oid(std::string_view text) noexcept {
   size_t digits = 0;
   if (text.size() < 3 || text[0] > '2' || text[1] != '.') return false;
+  const std::string_view second = text.substr(2, text.find('.', 2) - 2);
+  if (text[0] < '2' && (second.size() > 2 || (second.size() == 2 && second[0] > '3'))) return false;
   for (size_t i = 0; i < text.size(); ++i) {
     if (text[i] == '.') {
       if (digits == 0) return false;
@@ -110,23 +112,33 @@ class FoldedText {
     return take_wide(type_ == TYPE_BMP_STRING ? 2 : type_ == kUniversalString ? 4 : 1);
   }
   int32_t take_wide(size_t size) noexcept {
-    if (rest_.size() < size) size = 1;
+    if (rest_.size() < size) return take_stray();
     uint32_t c = 0;
     for (const uint8_t octet : rest_.first(size)) c = c << 8 | octet;
+    if (c >= uint32_t(kNoCodePoint)) return take_stray();
     rest_ = rest_.subspan(size);
-    return c < uint32_t(kNoCodePoint) ? int32_t(c) : kNoCodePoint;
+    return int32_t(c);
   }
   int32_t take_utf8() noexcept {
     const uint8_t lead = rest_[0];
     const size_t size = lead < 0x80 ? 1 : lead >= 0xF0 ? 4 : lead >= 0xE0 ? 3 : lead >= 0xC0 ? 2 : 0;
-    if (size == 0 || size > rest_.size()) {
-      rest_ = rest_.subspan(1);
-      return kNoCodePoint + lead;
-    }
+    if (size == 0 || size > rest_.size()) return take_stray();
     int32_t c = size == 1 ? lead : lead & (0x7F >> size);
-    for (const uint8_t octet : rest_.subspan(1, size - 1)) c = c << 6 | (octet & 0x3F);
+    bool proper = true;
+    for (const uint8_t octet : rest_.subspan(1, size - 1)) {
+      proper &= (octet & 0xC0) == 0x80;
+      c = c << 6 | (octet & 0x3F);
+    }
+    constexpr int32_t kLeast[] = {0, 0, 0x80, 0x800, 0x10000};
+    if (!proper || c < kLeast[size] || c >= kNoCodePoint) return take_stray();
     rest_ = rest_.subspan(size);
     return c;
+  }
+  // An octet that is no text equals itself alone.
+  int32_t take_stray() noexcept {
+    const uint8_t octet = rest_[0];
+    rest_ = rest_.subspan(1);
+    return kNoCodePoint + octet;
   }
 
   int type_;

@@ -55,7 +55,7 @@ int decode(const Tlv &tlv, NOTICE_REFERENCE &out) noexcept {
   Tlv numbers;
   if (read_display_text(in, out.organization) && in.next(TYPE_SEQUENCE, numbers)) {
     if (in.made(out.noticeNumbers = new_STACK())) in.pass(decode_numbers(numbers, *out.noticeNumbers));
-    if (in.rules().standard && !in.at_end()) in.stop(Read::malformed);
+    in.finish();
   }
   return in.result(F_SEQ_TO_NOTICE_REFERENCE);
 }

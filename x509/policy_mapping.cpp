@@ -18,7 +18,7 @@ namespace {
 int decode(const Tlv &tlv, POLICY_MAPPING &out) noexcept {
   Cursor in(tlv);
   const bool read = in.oid(out.issuerDomainPolicy) && in.oid(out.subjectDomainPolicy);
-  if (read && in.rules().standard && !in.at_end()) in.stop(Read::malformed);
+  if (read) in.finish();
   return in.result(F_SEQ_TO_POLICY_MAPPING);
 }
 

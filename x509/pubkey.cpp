@@ -29,11 +29,13 @@ Unit *attach_key(X509_PUBKEY &out, int type, Unit *(*make)() noexcept) noexcept 
 
 int out_of_bits(int code) noexcept { return (code & 0xFFFF) == kNoMemory ? kOutOfMemory : kNoKeyInBits; }
 
-int read_rsa(X509_PUBKEY &out) noexcept {
+// In standard form a public key and nothing else.
+int read_rsa(X509_PUBKEY &out, bool standard) noexcept {
   RSA_UNIT *key = attach_key(out, ASYMMETRIC_KEY_RSA, PKV_New_RSA);
   if (!key) return kOutOfMemory;
-  const int code = read_rsa_key(octets(*out.subjectPublicKey), F_BITSTRING_to_RSA_KEY, false, *key);
-  return code ? out_of_bits(code) : 0;
+  const int code = read_rsa_key(octets(*out.subjectPublicKey), F_BITSTRING_to_RSA_KEY, standard, *key);
+  if (code) return out_of_bits(code);
+  return standard && PKV_Is_RSA_Private(key) ? kNoKeyInBits : 0;
 }
 
 int read_kcdsa(Cursor &algorithm, X509_PUBKEY &out) noexcept {
@@ -66,9 +68,9 @@ int read_ecc(Cursor &algorithm, X509_PUBKEY &out) noexcept {
 int read_key(Cursor &algorithm, X509_PUBKEY &out) noexcept {
   switch (index_from_OBJECT_IDENTIFIER(out.algorithm)) {
     case row::kRsassaPss:  // in standard form alone
-      return algorithm.rules().standard ? read_rsa(out) : kMalformed;
+      return algorithm.rules().standard ? read_rsa(out, true) : kMalformed;
     case row::kRsaEncryption:
-      return read_rsa(out);
+      return read_rsa(out, algorithm.rules().standard);
     case row::kKcdsa1:
       return read_kcdsa(algorithm, out);
     case row::kEcPublicKey:
@@ -87,6 +89,8 @@ void drop_key(X509_PUBKEY &out) noexcept {
 int read_any_key(const Cursor &algorithm, X509_PUBKEY &out) noexcept {
   Cursor parameters = algorithm;
   if (!parameters.at_end() && !parameters.any_string(out.parameters)) return parameters.result(F_SEQ_TO_X509_PUBKEY);
+  if (!parameters.finish()) return parameters.result(F_SEQ_TO_X509_PUBKEY);
+  if (out.subjectPublicKey->unused_bits) return 0;
   Cursor again = algorithm;
   if (const int code = read_key(again, out)) {
     drop_key(out);
@@ -104,7 +108,7 @@ int decode(const Tlv &tlv, X509_PUBKEY &out) noexcept {
   if (!in.next(TYPE_SEQUENCE, child)) return in.result(F_SEQ_TO_X509_PUBKEY);
   Cursor algorithm(child);
   if (!algorithm.oid(out.algorithm)) return algorithm.result(F_SEQ_TO_X509_PUBKEY);
-  if (!in.string(TYPE_BIT_STRING, out.subjectPublicKey)) return in.result(F_SEQ_TO_X509_PUBKEY);
+  if (!in.string(TYPE_BIT_STRING, out.subjectPublicKey) || !in.finish()) return in.result(F_SEQ_TO_X509_PUBKEY);
   return in.rules().standard ? read_any_key(algorithm, out) : read_key(algorithm, out);
 }
 

@@ -57,6 +57,9 @@ class Cursor {
   bool boolean(unsigned char &out) noexcept;  // the content octet as it is
   bool unit(ASN1_UNIT *&out) noexcept;        // the next child, whatever it is, as a unit
 
+  // In standard form nothing may be left over; house form ignores it.
+  bool finish() noexcept { return !rules_.standard || at_end() || stop(Read::malformed); }
+
   // Stores the outcome of a read; false unless it is ok.
   bool keep(Read outcome) noexcept { return outcome == Read::ok || stop(outcome); }
   bool stop(Read reason) noexcept {

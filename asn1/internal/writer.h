@@ -82,6 +82,7 @@ class DerWriter {
  private:
   friend class Scope;
   size_t open(uint8_t identifier) noexcept;
+  void oid_content(std::string_view text) noexcept;
   void negative_integer(Octets magnitude, uint8_t identifier) noexcept;
   void close(size_t start) noexcept;
   void header(uint8_t identifier, size_t length) noexcept;

@@ -174,7 +174,8 @@ VELPKI_API ASN1_STRING *get_X509_NAME_CHILD_data(const X509_NAME_CHILD *child) V
  * Passing the result back finds the next one. */
 VELPKI_API int get_X509_NAME_index_by_OID(const X509_NAME *name, const OBJECT_IDENTIFIER *oid,
                                           int last) VELPKI_NOEXCEPT;
-/** Inserts a deep copy, appending when `position` is below 0 or above the count; 0, or 1 on failure. */
+/** Inserts a deep copy, appending when `position` is below 0 or above the count; 0, or 1 on failure. The copy has the
+ * child's `rdn`: where children of several names come together, number their RDNs anew. */
 VELPKI_API int add_X509_NAME_child(X509_NAME *name, const X509_NAME_CHILD *child, int position) VELPKI_NOEXCEPT;
 /** Inserts a child of a type, a string type (TYPE_UTF8_STRING ...) and octets; a negative length measures
  * NUL-terminated text. The octets are not checked against the string type. Positions and results as for
@@ -462,9 +463,11 @@ VELPKI_API int Seq_to_X509_PUBKEY(ASN1_UNIT *in, X509_PUBKEY **out) VELPKI_NOEXC
 VELPKI_API int X509_PUBKEY_to_Seq(const X509_PUBKEY *in, ASN1_UNIT **out) VELPKI_NOEXCEPT;
 /** Decodes a key of any algorithm, with its parameters: `key` is null for those that the provider does not know (it
  * knows RSA, also under id-RSASSA-PSS, KCDSA, and the curves prime256v1, secp384r1 and secp521r1), and for octets that
- * are no such key. Codes of Seq_to_X509_PUBKEY. */
+ * are no such key or more than a public one. Whether a point is on its curve is seen when it is used. Codes of
+ * Seq_to_X509_PUBKEY. */
 VELPKI_API int Seq_to_X509_PUBKEY_RFC5280(ASN1_UNIT *in, X509_PUBKEY **out) VELPKI_NOEXCEPT;
-/** Encodes a key that Seq_to_X509_PUBKEY_RFC5280 read as it was read, and one that was set as X509_PUBKEY_to_Seq does,
+/** Encodes a key that Seq_to_X509_PUBKEY_RFC5280 read as it was read, but for the NULL that RSA keys get as parameters
+ * where they had none, and one that was set as X509_PUBKEY_to_Seq does,
  * on all three curves. Codes of X509_PUBKEY_to_Seq. */
 VELPKI_API int X509_PUBKEY_to_Seq_RFC5280(const X509_PUBKEY *in, ASN1_UNIT **out) VELPKI_NOEXCEPT;
 /** @} */
@@ -497,8 +500,8 @@ VELPKI_API int RSA_KEY_to_Seq(RSA_UNIT *in, ASN1_UNIT **out) VELPKI_NOEXCEPT;
 /** @name Octets of KCDSA keys
  * @{ */
 /** Reads the public value y, an INTEGER, from the octets of a string; the domain parameters stand elsewhere. The
- * provider key at `*out` is made when that is null and left cleared on failure. Codes: F_BITSTRING_to_KCDSA_KEY with
- * 49, 3C or ERR_ASN1_DECODING. */
+ * provider key at `*out` is made when that is null, and else cleared first, domain parameters included: set them
+ * afterwards. Codes: F_BITSTRING_to_KCDSA_KEY with 49, 3C or ERR_ASN1_DECODING. */
 VELPKI_API int BITSTRING_to_KCDSA_KEY(const ASN1_STRING *in, KCDSA_UNIT **out) VELPKI_NOEXCEPT;
 /** Makes a new BIT STRING of the DER of y. Codes: F_KCDSA_KEY_to_BITSTRING with 49, 3C or ERR_ASN1_ENCODING. */
 VELPKI_API int KCDSA_KEY_to_BITSTRING(KCDSA_UNIT *in, ASN1_STRING **out) VELPKI_NOEXCEPT;

@@ -276,8 +276,10 @@ VELPKI_API int verify_SIG_X509_CRL_RFC5280(const X509_CRL *crl, const X509_PUBKE
  * looked at. find_X509_CRL_revoked and check_X509_CRL_revocation_strict are unambiguous. */
 VELPKI_API int verify_CRL_X509_CERT(X509_CRL *crl, X509_CERT *cert) VELPKI_NOEXCEPT;
 /** Lends the first entry with a serial number, or null. The first call makes an index (a few octets an entry), which
- * later ones use; any number of threads may search one CRL at a time. Where memory does not suffice for the index, or
- * the list was changed by the functions of stack.h, the list is walked. */
+ * later ones use; any number of threads may search one CRL at a time. Where memory does not suffice for the index the
+ * list is walked.
+ * @warning Of changes by the functions of stack.h those are seen that change the number of entries or the last one: use
+ * add_X509_CRL_revoked and remove_X509_CRL_revoked. */
 VELPKI_API X509_REVOKED *find_X509_CRL_revoked(const X509_CRL *crl, const BIGINT *serial) VELPKI_NOEXCEPT;
 
 /** Answers for one certificate by one CRL (RFC 5280 6.3.3): 0 when the CRL covers it and does not list it; 0x48000000

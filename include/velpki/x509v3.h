@@ -222,7 +222,8 @@ VELPKI_API int Seq_to_GENERAL_NAME_RFC5280(ASN1_UNIT *in, GENERAL_NAME **out) VE
 
 /** @name GENERAL_NAMES (RFC 5280 4.2.1.6)
  * @{ */
-/** SEQUENCE OF GeneralName, with the warning at GENERAL_NAME_to_Seq. A new list is empty, and is not encoded (2B). */
+/** SEQUENCE OF GeneralName, with the warning at GENERAL_NAME_to_Seq. An empty list is 30 00 in house
+ * form, which neither form reads (2B), and 2B in standard form. */
 VELPKI_API GENERAL_NAMES *new_GENERAL_NAMES(void) VELPKI_NOEXCEPT;
 VELPKI_API void free_GENERAL_NAMES(GENERAL_NAMES *p) VELPKI_NOEXCEPT;
 VELPKI_API GENERAL_NAMES *dup_GENERAL_NAMES(const GENERAL_NAMES *p) VELPKI_NOEXCEPT;
@@ -299,7 +300,7 @@ VELPKI_API int Seq_to_SUBJECT_KEYID_RFC5280(ASN1_UNIT *in, OCTET_STRING **out) V
 VELPKI_API int KEY_USAGE_to_Seq_RFC5280(const BIT_STRING *in, ASN1_UNIT **out) VELPKI_NOEXCEPT;
 /** Decodes KeyUsage in place of `*out`. Codes as Seq_to_SUBJECT_KEYID_RFC5280. */
 VELPKI_API int Seq_to_KEY_USAGE_RFC5280(ASN1_UNIT *in, BIT_STRING **out) VELPKI_NOEXCEPT;
-/** Returns 1 when a bit is set, 0 when not and for null. */
+/** Returns 1 when a bit is set, 0 when not, for an unused bit and for null. */
 VELPKI_API int has_KEY_USAGE(const BIT_STRING *usage, int bit) VELPKI_NOEXCEPT;
 /** @} */
 
@@ -408,8 +409,10 @@ VELPKI_API int Seq_to_POLICY_CONSTRAINTS_RFC5280(ASN1_UNIT *in, POLICY_CONSTRAIN
 /** @name BASIC_CONSTRAINTS (RFC 5280 4.2.1.9)
  * @{ */
 /** A new record is of no authority. Lengths above INT_MAX read as INT_MAX. The _RFC5280 pair reads cA as false where it
- * is absent, and writes a length of any size, with cA only.
- * @warning House form writes `pathLenConstraint & 0xFF` in one octet, so a length above 127 does not read back; and it
+ * is absent, refuses a BOOLEAN that is neither 00 nor FF, reads a length without cA all the same, and writes one of any
+ * size, with cA only.
+ * @warning House form writes `pathLenConstraint & 0xFF` in one octet: 128 to 255 are negative numbers to others, and
+ * from 256 on another length is read back. And it
  * reads no value without the BOOLEAN: the empty SEQUENCE of a certificate that is no CA, which it also writes, is
  * ERR_ASN1_DECODING. */
 VELPKI_API BASIC_CONSTRAINTS *new_BASIC_CONSTRAINTS(void) VELPKI_NOEXCEPT;

@@ -165,6 +165,10 @@ TEST(Crl, ChangesDropWhatIsKept) {
       EXPECT_EQ(find_X509_CRL_revoked(crl, serial(1)), nullptr);
       EXPECT_NE(get_X509_CRL_received(crl, 0, &length), nullptr);
       EXPECT_EQ(size_t(length), der.size());
+      // What fails or does nothing changes nothing.
+      EXPECT_EQ(add_X509_CRL_ext(crl, nullptr, 0) + add_X509_REVOKED_ext(at(crl, 3), nullptr, 0), 2);
+      remove_X509_CRL_ext(crl, 99), remove_X509_CRL_revoked(crl, 999), remove_X509_REVOKED_ext(at(crl, 3), 99);
+      EXPECT_NE(get_X509_CRL_received(crl, 0, &length), nullptr);
       change(crl, at(crl, 3));
       EXPECT_EQ(get_X509_CRL_received(crl, 0, &length), nullptr) << which;
       // The answer is that of a walk.

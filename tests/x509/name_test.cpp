@@ -53,6 +53,10 @@ TEST(Names, CompareByEncoding) {
   add_X509_NAME_child_OID_index(padded, kCommonName, 2, zero_five, 2, -1);
   add_X509_NAME_child_OID_index(plain, kCommonName, 2, five, 1, -1);
   EXPECT_EQ(cmp_X509_NAME(padded, plain), 0);
+  const Name low(new_X509_NAME()), high(new_X509_NAME());
+  add_X509_NAME_child_OID(low, oid("0.90"), TYPE_UTF8_STRING, five, 1, -1);
+  add_X509_NAME_child_OID(high, oid("2.10"), TYPE_UTF8_STRING, five, 1, -1);
+  EXPECT_EQ(cmp_X509_NAME(low, high), 0) << "one encoding for both";
 }
 
 TEST(Names, StandardComparisonFoldsText) {
@@ -153,6 +157,9 @@ TEST(Algorithms, SharedListsReleaseOnce) {
   const List shallow(dup_X509_ALGO_IDENTIFIERS(list)), deep(dup_X509_ALGO_IDENTIFIERS_strict(list));
   EXPECT_EQ(get_STACK_value(list, 0), get_STACK_value(shallow, 0));
   EXPECT_NE(get_STACK_value(list, 0), get_STACK_value(deep, 0));
+  auto *shared = item<X509_ALGO_IDENTIFIER>(list, 0);
+  EXPECT_EQ(Seq_to_X509_ALGO_IDENTIFIER(unit("3005 06032a0304"), &shared), 0);
+  EXPECT_EQ(text_of(item<X509_ALGO_IDENTIFIER>(shallow, 0)->algorithm), "1.2.3.4");
 }
 
 TEST(Attributes, ValuesByType) {

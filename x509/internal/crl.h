@@ -60,8 +60,10 @@ X509_REVOKED *take_entry(RevokedGroup &group, int slot) noexcept;
 Read place_serial(X509_REVOKED &entry, const Tlv &number) noexcept;
 Read place_date(X509_REVOKED &entry, int type, Octets text) noexcept;
 int place_extensions(X509_REVOKED &entry, const Tlv &encoded) noexcept;
-// Makes the extensions of an entry, and what its CRL keeps, ready for a change; false when that cannot be.
-bool change_extensions(X509_REVOKED *entry) noexcept;
+// Makes the extensions of an entry its own, for a change; false when that cannot be.
+bool own_extensions(X509_REVOKED *entry) noexcept;
+// An entry has changed: what its CRL keeps describes it no longer.
+void changed(X509_REVOKED &entry) noexcept;
 // Makes an entry part of the list of the CRL that keeps `kept`. False when it is part of another's.
 bool link_entry(X509_REVOKED &entry, X509_CRL_KEPT *kept) noexcept;
 X509_CRL_KEPT *kept_of(const X509_REVOKED &entry) noexcept;
