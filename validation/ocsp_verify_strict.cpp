@@ -1,6 +1,7 @@
 // Whether an OCSP response is an authorised and current answer about one certificate (RFC 6960 3.2, 4.2.2).
 #include <velpki/asn1_error.h>
 
+#include "asn1/internal/calendar.h"
 #include "validation/internal/ocsp.h"
 
 namespace velpki {
@@ -91,14 +92,23 @@ int check_responder(const Question &asked) noexcept {
 
 // The entry.
 
+constexpr int kClockSkew = 300;  // seconds by which clocks may differ, where that is allowed
+
+bool instant_of_update(const GENERALIZED_TIME *time, int64_t &instant) noexcept {
+  const owned<ASN1_TIME> fields(generalizedTimeToASN1_TIME_RFC5280(time));
+  return fields && instant_of(*fields, instant);
+}
+
 int check_time(const Question &asked, const OCSP_SINGLE_RESPONSE &single) noexcept {
-  const owned<ASN1_TIME> now = asked.time ? time_of(*asked.time) : owned<ASN1_TIME>(getCurrentLocalTime());
-  if (!now) return ocsp_failure(asked.time ? ERR_INVALID_X509_TIME_TYPE : kNoMemory);
-  const owned<ASN1_TIME> from(generalizedTimeToASN1_TIME_RFC5280(single.thisUpdate));
-  if (!from || cmp_ASN1_TIME(from.get(), now.get()) > 0) return ocsp_failure(ERR_OCSP_THIS_UPDATE);
+  const owned<ASN1_TIME> time = asked.time ? time_of(*asked.time) : owned<ASN1_TIME>(getCurrentLocalTime());
+  const int64_t skew = asked.flags & OCSP_ALLOW_CLOCK_SKEW ? kClockSkew : 0;
+  int64_t now, from, until;
+  if (!time) return ocsp_failure(asked.time ? ERR_INVALID_X509_TIME_TYPE : kNoMemory);
+  if (!instant_of(*time, now)) return ocsp_failure(ERR_INVALID_X509_TIME_TYPE);
+  if (!instant_of_update(single.thisUpdate, from) || from > now + skew) return ocsp_failure(ERR_OCSP_THIS_UPDATE);
   if (!single.nextUpdate && asked.flags & OCSP_ALLOW_NO_NEXT_UPDATE) return 0;
-  const owned<ASN1_TIME> until(generalizedTimeToASN1_TIME_RFC5280(single.nextUpdate));
-  return until && cmp_ASN1_TIME(until.get(), now.get()) >= 0 ? 0 : ocsp_failure(ERR_OCSP_NEXT_UPDATE);
+  const bool current = instant_of_update(single.nextUpdate, until) && until >= now - skew;
+  return current ? 0 : ocsp_failure(ERR_OCSP_NEXT_UPDATE);
 }
 
 // The serial number is compared first: the hashes cost something, and a stranger's list may be long.

@@ -369,7 +369,8 @@ VELPKI_API BASIC_OCSP_RESPONSE *get_BASIC_OCSP_RESPONSE(OCSP_RESPONSE *response)
 VELPKI_API int get_BASIC_OCSP_RESPONSE_strict(const OCSP_RESPONSE *response, BASIC_OCSP_RESPONSE **out) VELPKI_NOEXCEPT;
 /** Flags of verify_BASIC_OCSP_RESPONSE_strict. */
 enum {
-  OCSP_ALLOW_NO_NEXT_UPDATE = 1 /**< an answer that does not say when more is known is current for ever */
+  OCSP_ALLOW_NO_NEXT_UPDATE = 1, /**< an answer that does not say when more is known is current for ever */
+  OCSP_ALLOW_CLOCK_SKEW = 2      /**< the responder's clock may be 300 seconds away */
 };
 /** Verifies the signature with the signer's certificate, or with the first one carried where that is null, then the
  * nonce where one is given. Reasons: 49, 14 (no certificate), 18 (no encoded response data), 17 (no signature), 1B (an
