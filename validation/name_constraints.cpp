@@ -86,13 +86,18 @@ int NameConstraints::check_subject(const X509_CERT &cert, bool alone, bool end_e
   if (const int code = named ? check_name(view_of(*subject)) : 0) return code;
   for (const X509_NAME_CHILD *child : elements<X509_NAME_CHILD>(alone ? subject : nullptr)) {
     if (!child || !child->type || !child->value) continue;
-    NameView name{GENERAL_NAME_RFC822, text(*child->value), nullptr, false};
-    const std::string_view type = text(*child->type);
-    const bool host = end_entity && type == kCommonName && reads_as_host(name.text);
-    if (host) name.kind = GENERAL_NAME_DNS;
-    if (const int code = host || type == kEmailAddress ? check_name(name) : 0) return code;
+    if (const int code = check_attribute(text(*child->type), *child->value, end_entity)) return code;
   }
   return 0;
+}
+
+// A common name that cannot be read may be one of a host, and is no proper one.
+int NameConstraints::check_attribute(std::string_view type, const ASN1_STRING &value, bool end_entity) noexcept {
+  if (type == kEmailAddress) return check_name({GENERAL_NAME_RFC822, text(value), nullptr, false});
+  if (type != kCommonName || !end_entity) return 0;
+  const NarrowText name(value);
+  const bool host = !name.is_readable() || reads_as_host(name.view());
+  return host ? check_name({GENERAL_NAME_DNS, name.view(), nullptr, false}) : 0;
 }
 
 int NameConstraints::check_alternative(const GENERAL_NAME &name) noexcept {

@@ -217,6 +217,28 @@ bool touches(const NameView &name, const NameView &base) noexcept {
   return dot != base.text.npos && same_without_case(base.text.substr(dot + 1), behind_wildcard(name.text));
 }
 
+NarrowText::NarrowText(const ASN1_STRING &value) noexcept {
+  constexpr int kUniversalString = 28;
+  const int type = value.type & 0x1F;
+  const bool wide = type == TYPE_BMP_STRING || type == kUniversalString;
+  wide ? narrow(octets(value), type == TYPE_BMP_STRING ? 2 : 4) : void(text_ = text(value));
+  readable_ = readable_ && text_.find('\0') == text_.npos;  // where programs in C would end
+  if (!readable_) text_ = {};
+}
+
+void NarrowText::narrow(Octets characters, size_t size) noexcept {
+  constexpr char kOther = char(0x80);
+  size_t length = 0;
+  readable_ = characters.size() % size == 0;
+  for (; readable_ && !characters.empty(); characters = characters.subspan(size)) {
+    uint32_t c = 0;
+    for (const uint8_t octet : characters.first(size)) c = c << 8 | octet;
+    readable_ = c < 0x110000 && (c < 0xD800 || c > 0xDFFF);
+    if (length < sizeof buffer_) buffer_[length++] = c < 0x80 ? char(c) : kOther;
+  }
+  text_ = {buffer_, length};
+}
+
 bool reads_as_host(std::string_view text) noexcept { return is_full_host(behind_wildcard(text)); }
 
 }  // namespace velpki

@@ -104,7 +104,9 @@ typedef struct {
  * allows. Names: every kind but otherName, x400Address, ediPartyName and registeredID, of which a critical constraint
  * refuses any name of its kind; an rfc822Name constraint holds for SmtpUTF8Mailbox (RFC 9598) too, and in a certificate
  * without alternative names for emailAddress, and for common names that read as host names where hosts are constrained.
- * A name that is no proper one of its kind is refused where its kind is constrained. Policies: a graph as in RFC 9618.
+ * A name that is no proper one of its kind is refused where its kind is constrained; where hosts are, so is a common
+ * name of wide characters (BMPString, UniversalString) that cannot be converted, and one with a zero octet. Policies: a
+ * graph as in RFC 9618.
  * Purposes: where `extended_key_usage` is given, a certificate of the path that has a list of them must have it, or
  * anyExtendedKeyUsage.
  *

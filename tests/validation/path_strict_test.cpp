@@ -128,6 +128,32 @@ TEST_F(Strict, AuthoritiesAreFoundInALargePool) {
   EXPECT_EQ(get_STACK_count(built), 6);
 }
 
+// openssl verify, too, finds the host as a BMPString among the excluded ones.
+TEST_F(Strict, CommonNamesOfAnyStringTypeAreConstrained) {
+  const auto wide = [](size_t zeros, const std::string &text) {
+    std::string out;
+    for (const char c : text) out += std::string(zeros, 0) + c;
+    return out;
+  };
+  const std::string host = "a.h10000.example", other = "a.h.example";
+  for (const auto &[type, name, reason] :
+       std::vector<std::tuple<uint8_t, std::string, int>>{{0x0C, host, ERR_NAME_EXCLUDED},
+                                                          {0x14, host, ERR_NAME_EXCLUDED},
+                                                          {0x1E, wide(1, host), ERR_NAME_EXCLUDED},
+                                                          {0x1C, wide(3, host), ERR_NAME_EXCLUDED},
+                                                          {0x1E, wide(1, other), 0},
+                                                          {0x0C, host + '\0', ERR_NAME_UNREADABLE},
+                                                          {0x1E, wide(1, std::string(300, 'a') + "." + host), 0},
+                                                          {0x1E, wide(1, other) + "\xD8", ERR_NAME_UNREADABLE},
+                                                          {0x1E, wide(1, other) + "\xD8\x01", ERR_NAME_UNREADABLE},
+                                                          {0x1C, wide(3, other) + "\x01", ERR_NAME_UNREADABLE}}) {
+    Made user{name, "b", 1, 1};
+    user.subject_type = type;
+    const StrictPath path({user, {"b", "root", 1, 0, kAuthority + excluded(1)}, kRoot});
+    EXPECT_EQ(validate_certpath_strict(path.certs, path.anchors, nullptr, nullptr) & 0xFFFF, reason) << int(type);
+  }
+}
+
 // Certificates that differ in their signatures only.
 Certificates forgeries_of(const X509_CERT *cert, int count) {
   Certificates out(new_X509_CERTIFICATES());

@@ -52,11 +52,12 @@ struct Made {
   Bytes extensions{};                                // the list's content
   bool extended = true;                              // whether there is a list
   std::string until = "3430303130313030303030305a";  // of 2040
+  uint8_t subject_type = 0x0C;
 };
-inline Bytes name_of(const std::string &text) {
-  return TLV(0x30, TLV(0x31, TLV(0x30, TLV(0x06, "550403") + TLV(0x0C, Bytes(text.begin(), text.end())))));
+inline Bytes name_of(const std::string &text, uint8_t type = 0x0C) {
+  return TLV(0x30, TLV(0x31, TLV(0x30, TLV(0x06, "550403") + TLV(type, Bytes(text.begin(), text.end())))));
 }
-inline Certificate make_certificate(const Made &made) {
+inline Certificate make_certificate(const Made &made, bool standard = false) {
   static std::atomic<int> count{0};  // tests make certificates in several threads
   const Bytes algorithm = TLV(0x30, "06092a864886f70d01010b0500");
   const Bytes spki = TLV(0x30, TLV(0x30, "06092a864886f70d0101010500") + TLV(0x03, "00300602010b020103"));
@@ -65,13 +66,14 @@ inline Certificate make_certificate(const Made &made) {
   const Bytes number{uint8_t(1 + (serial >> 8) % 100), uint8_t(serial)};
   const Bytes tail = made.extended ? TLV(0xA3, TLV(0x30, made.extensions)) : Bytes();
   const Bytes tbs = TLV(0x30, TLV(0xA0, "020102") + TLV(0x02, number) + algorithm + name_of(made.issuer) + dates +
-                                  name_of(made.subject) + spki + tail);
+                                  name_of(made.subject, made.subject_type) + spki + tail);
   const Bytes der = TLV(0x30, tbs + algorithm + TLV(0x03, "00aa"));
-  Certificate cert = read_by(readDER_X509_CERT_from_Binary, der);
+  Certificate cert = read_by(standard ? readDER_X509_CERT_from_Binary_RFC5280 : readDER_X509_CERT_from_Binary, der);
   EXPECT_TRUE(cert);
   const Owned<X509_PUBKEY> key = public_half(test_key(made.key));
   set_X509_pub_key(cert, key);
-  EXPECT_EQ(gen_SIG_X509_Cert(cert, test_key(made.signer)), 0);
+  ASYMMETRIC_KEY *signer = test_key(made.signer);
+  EXPECT_EQ(standard ? gen_SIG_X509_Cert_RFC5280(cert, signer) : gen_SIG_X509_Cert(cert, signer), 0);
   return cert;
 }
 
@@ -80,10 +82,7 @@ struct StrictPath {
   Certificates certs{new_X509_CERTIFICATES()};
   Owned<STACK, free_TRUST_ANCHORS> anchors{new_TRUST_ANCHORS()};
   explicit StrictPath(const std::vector<Made> &made) {
-    for (const Made &each : made) {
-      const Bytes der = encoded(X509_CERT_to_Seq_RFC5280, make_certificate(each));
-      push_STACK_value(certs, read_by(readDER_X509_CERT_from_Binary_RFC5280, der).release());
-    }
+    for (const Made &each : made) push_STACK_value(certs, make_certificate(each, true).release());
     const auto *root = item<X509_CERT>(certs, certs->count - 1);
     const TRUST_ANCHOR anchor{get_X509_subject(root), get_X509_SPKI(root)};
     add_TRUST_ANCHORS(anchors, &anchor);

@@ -23,6 +23,23 @@ bool is_proper_base(const NameView &base) noexcept;
 // Whether a proper name lies in a subtree of its kind, and whether it may stand for one that does.
 bool is_within(const NameView &name, const NameView &base) noexcept;
 bool touches(const NameView &name, const NameView &base) noexcept;
+// The text of a string of whatever type, one octet a character. Characters of several octets that are not of ASCII
+// stand as octets that no host name has; so does text that is longer than any.
+class NarrowText {
+ public:
+  explicit NarrowText(const ASN1_STRING &value) noexcept;
+  NarrowText(const NarrowText &) = delete;
+  NarrowText &operator=(const NarrowText &) = delete;
+  bool is_readable() const noexcept { return readable_; }  // else there is no text
+  std::string_view view() const noexcept { return text_; }
+
+ private:
+  void narrow(Octets characters, size_t size) noexcept;
+
+  char buffer_[256];
+  std::string_view text_;
+  bool readable_ = true;
+};
 // Text that a program without alternative names to look at would take for a host name.
 bool reads_as_host(std::string_view text) noexcept;
 
@@ -46,6 +63,7 @@ class NameConstraints {
 
  private:
   int check_subject(const X509_CERT &cert, bool alone, bool end_entity) noexcept;
+  int check_attribute(std::string_view type, const ASN1_STRING &value, bool end_entity) noexcept;
   int check_alternative(const GENERAL_NAME &name) noexcept;
   int check_name(NameView name) noexcept;
   int check_name(const NameView &name, const NAME_CONSTRAINTS &constraints, bool critical) noexcept;
