@@ -34,6 +34,13 @@ const X509_CERT *find_named(const X509_CERTIFICATES *list, const SIGNER_IDENTIFI
   return nullptr;
 }
 
+SignerName name_of(const SIGNER_IDENTIFIER *identifier) noexcept {
+  if (!identifier) return {};
+  if (identifier->type == CMS_ID_SUBJECT_KEY) return {.subject_key = identifier->subjectKeyIdentifier};
+  const ISSUER_AND_SERIAL_NUMBER *name = identifier->issuerAndSerialNumber;
+  return name ? SignerName{.issuer = name->issuer, .serial = name->serialNumber} : SignerName();
+}
+
 namespace {
 
 int verify_with(const CMS_SIGNER_INFO &signer, const X509_CERT &cert, ContentDigests &digests) noexcept {
@@ -46,9 +53,12 @@ int verify_with(const CMS_SIGNER_INFO &signer, const X509_CERT &cert, ContentDig
 }
 
 int verify_all(const CMS_SIGNED_DATA &data, const X509_CERT *given, ContentDigests &digests) noexcept {
+  const CertificateIndex index(given ? nullptr : data.signerInfos, data.certificates, nullptr,
+                               CertificateIndex::Comparison::plain);
   for (const CMS_SIGNER_INFO *signer : elements<CMS_SIGNER_INFO>(data.signerInfos)) {
     if (!signer || (given && !names_certificate(signer->sid, *given))) continue;
-    const X509_CERT *cert = given ? given : find_named(data.certificates, signer->sid);
+    const X509_CERT *cert = given;
+    if (!cert && !index.find(name_of(signer->sid), cert)) cert = find_named(data.certificates, signer->sid);
     if (!cert) return 1;
     if (const int code = verify_with(*signer, *cert, digests)) return code;
   }

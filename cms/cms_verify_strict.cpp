@@ -16,12 +16,10 @@ struct Task {
   bool weak_allowed;
 };
 
-bool is_named_by(const X509_CERT *cert, const CMS_SIGNER_INFO &signer) noexcept {
-  const SIGNER_IDENTIFIER *sid = signer.sid;
-  if (!cert || !sid) return false;
-  if (sid->type == CMS_ID_SUBJECT_KEY) return has_subject_key(*cert, sid->subjectKeyIdentifier);
-  const ISSUER_AND_SERIAL_NUMBER *name = sid->issuerAndSerialNumber;
-  return name && is_named(*cert, received_name(kept_of(signer)), name->issuer, name->serialNumber);
+SignerName name_of(const CMS_SIGNER_INFO &signer) noexcept {
+  SignerName name = velpki::name_of(signer.sid);
+  name.received = received_name(kept_of(signer));
+  return name;
 }
 
 int verify_one(const CMS_SIGNER_INFO &signer, const Task &task, const X509_CERT *cert) noexcept {
@@ -65,5 +63,5 @@ int verify_CMS_strict(const CMS_CONTENT_INFO *cms, const X509_CERT *cert, const 
   ContentDigests digests(chosen);
   const Task task{content, digests, bool(flags & CMS_ALLOW_WEAK_DIGESTS)};
   return verify_each<CMS_SIGNER_INFO>(content.signerInfos, {cert, content.certificates, more}, task, made, F_VERIFY_CMS,
-                                      is_named_by, verify_one);
+                                      name_of, verify_one);
 }

@@ -1,4 +1,5 @@
 // Verifying, with the tolerances of the plain functions.
+#include "cms/internal/certificate_index.h"
 #include "cms/internal/signature.h"
 #include "cms/internal/signer_state.h"
 
@@ -25,17 +26,21 @@ const ASYMMETRIC_KEY *key_of(const X509_CERT *cert) noexcept {
 }
 
 // The certificate that verifies a signer; null for one that the given certificate is not meant for.
-const X509_CERT *certificate_for(const P7_SIGNER_INFO &signer, const X509_CERT *given,
-                                 const X509_CERTIFICATES *list) noexcept {
+const X509_CERT *certificate_for(const P7_SIGNER_INFO &signer, const X509_CERT *given, const X509_CERTIFICATES *list,
+                                 const CertificateIndex &index) noexcept {
   const P7_ISSUER_AND_SERIAL_NUMBER *wanted = signer.issuerAndSerialNumber;
+  const X509_CERT *found = nullptr;
   if (given) return cmp_P7_ISSUER_AND_SERIAL_NUMBER(given, wanted) == 0 ? given : nullptr;
-  return wanted ? find_certificate(list, wanted->issuer, wanted->serialNumber) : nullptr;
+  if (!wanted || index.find({nullptr, wanted->issuer, wanted->serialNumber}, found)) return found;
+  return find_certificate(list, wanted->issuer, wanted->serialNumber);
 }
 
 int verify_all(const P7_CONTENT_INFO &p7, const X509_CERT *given, ContentDigests &digests) noexcept {
   const X509_CERTIFICATES *certificates = certificates_of(&p7);
+  const CertificateIndex index(given ? nullptr : signer_infos(&p7), certificates, nullptr,
+                               CertificateIndex::Comparison::plain);
   for (const P7_SIGNER_INFO *signer : elements<P7_SIGNER_INFO>(signer_infos(&p7))) {
-    const X509_CERT *cert = signer ? certificate_for(*signer, given, certificates) : nullptr;
+    const X509_CERT *cert = signer ? certificate_for(*signer, given, certificates, index) : nullptr;
     if (!cert && given) continue;
     if (!cert) return 1;
     if (const int code = verify_with(*signer, key_of(cert), digests)) return code;

@@ -20,9 +20,9 @@ struct Task {
   const DigestCipher *cipher = nullptr;
 };
 
-bool is_named_by(const X509_CERT *cert, const P7_SIGNER_INFO &signer) noexcept {
+SignerName name_of(const P7_SIGNER_INFO &signer) noexcept {
   const P7_ISSUER_AND_SERIAL_NUMBER *name = signer.issuerAndSerialNumber;
-  return cert && name && is_named(*cert, received_name(kept_of(signer)), name->issuer, name->serialNumber);
+  return name ? SignerName{nullptr, name->issuer, name->serialNumber, received_name(kept_of(signer))} : SignerName();
 }
 
 // The signer's signature out of the cipher that it may be in.
@@ -57,7 +57,7 @@ int verify_one(const P7_SIGNER_INFO &signer, const Task &task, const X509_CERT *
 int verify_all(const Task &task, const X509_CERT *chosen, const X509_CERTIFICATES *more,
                Reports<P7_SIGNER_REPORT> &reports) noexcept {
   return verify_each<P7_SIGNER_INFO>(signer_infos(&task.p7), {chosen, certificates_of(&task.p7), more}, task, reports,
-                                     F_P7_VERIFY, is_named_by, verify_one);
+                                     F_P7_VERIFY, name_of, verify_one);
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 #include "cms/internal/strict.h"
 
+#include "cms/internal/cms.h"
 #include "cms/internal/ecdsa.h"
 #include "x509/internal/received.h"
 #include "x509/internal/signature.h"
@@ -167,9 +168,6 @@ bool write_kept_attributes(const KeptOctets &kept, const X509_ATTRIBUTES *attrib
   return !whole.failed() && !out.failed();
 }
 
-namespace {
-
-// Issuer and serial number of a certificate as they were received.
 bool name_of_certificate(const X509_CERT &cert, Octets &issuer, Octets &serial) noexcept {
   Tlv tbs, child;
   Rules rules;
@@ -183,8 +181,6 @@ bool name_of_certificate(const X509_CERT &cert, Octets &issuer, Octets &serial) 
   return true;
 }
 
-}  // namespace
-
 int choose_content(const Octets *held, const Octets *given, int function, Octets &out) noexcept {
   if (!held && !given) return fail(function, ERR_NO_CONTENT);
   if (held && given && !equal_octets(*held, *given)) return fail(function, ERR_CONTENT_MISMATCH);
@@ -192,17 +188,18 @@ int choose_content(const Octets *held, const Octets *given, int function, Octets
   return 0;
 }
 
-bool is_named(const X509_CERT &cert, Octets received_name, const X509_NAME *issuer, const BIGINT *serial) noexcept {
-  Octets own_issuer, own_serial;
-  Tlv parent, name, number;
-  if (!serial || PKV_Cmp_BIGINT(get_X509_serial(&cert), serial) != 0) return false;
-  if (received_name.empty() || !name_of_certificate(cert, own_issuer, own_serial)) {
-    return compare_issuer_and_serial(&cert, issuer, serial) == 0;
+bool is_named(const X509_CERT &cert, const SignerName &name) noexcept {
+  Octets issuer, serial;
+  Tlv parent, named_issuer, named_serial;
+  if (name.subject_key) return has_subject_key(cert, name.subject_key);
+  if (!name.serial || PKV_Cmp_BIGINT(get_X509_serial(&cert), name.serial) != 0) return false;
+  if (name.received.empty() || !name_of_certificate(cert, issuer, serial)) {
+    return compare_issuer_and_serial(&cert, name.issuer, name.serial) == 0;
   }
-  parent.content = received_name;
+  parent.content = name.received;
   Cursor in(parent);
-  return in.next(name) && in.next(number) && equal_octets(name.whole, own_issuer) &&
-         equal_octets(number.whole, own_serial);
+  return in.next(named_issuer) && in.next(named_serial) && equal_octets(named_issuer.whole, issuer) &&
+         equal_octets(named_serial.whole, serial);
 }
 
 }  // namespace velpki

@@ -3,6 +3,7 @@
 
 #include <velpki/cms.h>
 
+#include "cms/internal/certificate_index.h"
 #include "cms/internal/certificate_sets.h"
 #include "cms/internal/pkcs7.h"
 #include "x509/internal/crl.h"
@@ -97,6 +98,8 @@ bool has_subject_key(const X509_CERT &cert, const ASN1_STRING *identifier) noexc
 // the plain functions.
 bool names_certificate(const SIGNER_IDENTIFIER *identifier, const X509_CERT &cert) noexcept;
 const X509_CERT *find_named(const X509_CERTIFICATES *list, const SIGNER_IDENTIFIER *identifier) noexcept;
+// What an identifier says; no name for null.
+SignerName name_of(const SIGNER_IDENTIFIER *identifier) noexcept;
 
 inline bool has_anything(const CMS_ORIGINATOR_INFO *info) noexcept {
   return info && (has_elements(info->certificates) || has_elements(info->crls) ||

@@ -1,6 +1,7 @@
 // Verification without tolerances, as PKCS#7 and CMS share it.
 #pragma once
 
+#include "cms/internal/certificate_index.h"
 #include "cms/internal/signer_state.h"
 
 namespace velpki {
@@ -28,9 +29,12 @@ int check_binding(const StrictSigner &signer, const OBJECT_IDENTIFIER *content_t
 // they cannot be written; nothing is written for a signer without.
 bool write_kept_attributes(const KeptOctets &kept, const X509_ATTRIBUTES *attributes, DerWriter &out) noexcept;
 
-// Whether a certificate has the issuer and serial number that were received, octet for octet; what was built here is
-// compared by its members.
-bool is_named(const X509_CERT &cert, Octets received_name, const X509_NAME *issuer, const BIGINT *serial) noexcept;
+// Issuer and serial number of a certificate as they were received, each whole; false where it was built here.
+bool name_of_certificate(const X509_CERT &cert, Octets &issuer, Octets &serial) noexcept;
+
+// Whether a certificate has the subject key identifier, or the issuer and serial number that were received, octet for
+// octet; what was built here is compared by its members.
+bool is_named(const X509_CERT &cert, const SignerName &name) noexcept;
 
 // What is signed: what the message holds, or else what the caller gives. Where there is both they have to agree.
 int choose_content(const Octets *held, const Octets *given, int function, Octets &out) noexcept;
@@ -64,19 +68,23 @@ struct SignerCertificates {
 // or `function` with 2B when there was none to verify. `task` holds what all signers share.
 template <class Signer, class Report, class Task>
 int verify_each(const STACK *signers, const SignerCertificates &certificates, const Task &task,
-                Reports<Report> &reports, int function, bool (*is_named_by)(const X509_CERT *, const Signer &) noexcept,
+                Reports<Report> &reports, int function, SignerName (*name_of)(const Signer &) noexcept,
                 int (*verify)(const Signer &, const Task &, const X509_CERT *) noexcept) noexcept {
-  const auto find = [&](const Signer &signer) noexcept -> const X509_CERT * {
-    if (certificates.chosen) return certificates.chosen;
+  const CertificateIndex index(certificates.chosen ? nullptr : signers, certificates.own, certificates.more,
+                               CertificateIndex::Comparison::strict);
+  const auto find = [&](const SignerName &name) noexcept -> const X509_CERT * {
+    const X509_CERT *found = nullptr;
+    if (certificates.chosen) return is_named(*certificates.chosen, name) ? certificates.chosen : nullptr;
+    if (index.find(name, found)) return found;
     for (const STACK *list : {certificates.own, certificates.more})
       for (const X509_CERT *cert : elements<X509_CERT>(list))
-        if (is_named_by(cert, signer)) return cert;
+        if (cert && is_named(*cert, name)) return cert;
     return nullptr;
   };
   int verified = 0, first = 0;
   for (const Signer *signer : elements<Signer>(signers)) {
-    if (!signer || (certificates.chosen && !is_named_by(certificates.chosen, *signer))) continue;
-    const X509_CERT *cert = find(*signer);
+    const X509_CERT *cert = signer ? find(name_of(*signer)) : nullptr;
+    if (!signer || (certificates.chosen && !cert)) continue;
     const int code = verify(*signer, task, cert);
     reports.add({signer, cert, digest_id_of(signer->digestAlgorithm), code});
     if (!first) first = code;

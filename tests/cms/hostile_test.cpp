@@ -1,6 +1,7 @@
 // Messages made to hurt: very many parts, deep nesting, content of the wrong type, missing members, signatures and
 // ciphertexts of odd lengths. Each gives a code, in time.
 #include "cms_parties.h"
+#include "cms_samples.h"
 
 using namespace test;
 
@@ -35,6 +36,40 @@ TEST(Hostile, VeryManyParts) {
   EXPECT_EQ(code_of(content_info(3, TLV(0x30, TLV(0x02, "00") + many(parts.recipient(), 50000) + parts.encrypted))), 0);
   EXPECT_EQ(code_of(content_info(2, TLV(0x30, start + many(parts.certificate.der(), 5000, 0xA0) + TLV(0x31, Bytes())))),
             0);
+}
+
+// Signers, in turn by number and by key, and the certificates in another order; a number and an issuer are those of
+// two.
+TEST(Hostile, VeryManySignersAndCertificates) {
+  constexpr int kMany = 120;
+  CmsParts parts;
+  const auto message = [&](bool by_key) {
+    Bytes certificates, signers;
+    for (uint8_t i = 0; i < kMany; ++i) {
+      parts.key_id = TLV(0x80, Bytes{i});
+      parts.certificate.serial = TLV(0x02, Bytes{uint8_t(i / 2)});
+      parts.certificate.issuer[parts.certificate.issuer.size() - 1] = uint8_t('a' + i % 2);
+      parts.certificate.tail = TLV(0xA3, TLV(0x30, extension("551d0e", TLV(0x04, Bytes{i}))));
+      parts.issuer_and_serial = TLV(0x30, parts.certificate.issuer + parts.certificate.serial);
+      certificates = certificates + parts.certificate.der();
+      signers = (by_key && i % 2 ? parts.cms_signer() : parts.signer()) + signers;
+    }
+    return content_info(2, TLV(0x30, TLV(0x02, "03") + TLV(0x31, parts.sha256) + parts.data + TLV(0xA0, certificates) +
+                                         TLV(0x31, signers)));
+  };
+  const Cms cms = read_cms(message(true));
+  const Message p7 = read_message(message(false));
+  ASSERT_TRUE(cms && p7);
+  STACK *certificates = content<CMS_SIGNED_DATA>(cms)->certificates,
+        *others = static_cast<P7_SIGNED_DATA *>(p7->content)->certificates;
+  CMS_SIGNER_REPORT reports[kMany];
+  int count = kMany;
+  EXPECT_NE(verify_CMS_strict(cms, nullptr, nullptr, nullptr, 0, 0, reports, &count), 0);
+  ASSERT_EQ(count, kMany);
+  for (int i = 0; i < kMany; ++i) EXPECT_EQ(reports[i].certificate, item<X509_CERT>(certificates, kMany - 1 - i)) << i;
+  EXPECT_TRUE(verify(cms) != 1 && verify(p7) != 1) << "a signature that is none";
+  for (STACK *list : {certificates, others}) free_X509_CERT(static_cast<X509_CERT *>(pop_STACK_value(list)));
+  EXPECT_TRUE(verify(cms) == 1 && verify(p7) == 1) << "the certificate of the first signer is gone";
 }
 
 TEST(Hostile, Nesting) {
