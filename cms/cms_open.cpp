@@ -83,7 +83,7 @@ int open_agreed(const CMS_CONTENT_INFO &cms, const KEY_AGREE_RECIPIENT_INFO &inf
 }
 
 int open_exactly(const CMS_CONTENT_INFO &cms, const OpenableRecipient &from, const CMS_OPENER &opener, int function,
-                 SecretOctets &out) noexcept {
+                 int &iterations_left, SecretOctets &out) noexcept {
   if (const KEY_TRANS_RECIPIENT_INFO *info = key_trans(from.recipient)) {
     return open_transported(*info, opener, function, out);
   }
@@ -94,7 +94,38 @@ int open_exactly(const CMS_CONTENT_INFO &cms, const OpenableRecipient &from, con
     return unwrap_with_key(*info, octets_of(opener.kek, opener.kek_length), function, out);
   }
   return unwrap_with_password(*password(from.recipient), octets_of(opener.password, opener.password_length), function,
-                              out);
+                              iterations_left, out);
+}
+
+// The next recipient that the opener fits.
+bool find_next(const CMS_RECIPIENT_INFOS *recipients, const CMS_OPENER &opener, OpenableRecipient &at) noexcept {
+  while (++at.index < get_STACK_count(recipients)) {
+    const auto *each = element<CMS_RECIPIENT_INFO>(recipients, at.index);
+    if (each && each->info && can_open(*each, opener, at)) return true;
+  }
+  return false;
+}
+
+// With `decoy` nobody learns whether the key of an RSA recipient was one.
+int open_one(const CMS_CONTENT_INFO &cms, const OpenableRecipient &from, const CMS_OPENER &opener, bool decoy,
+             int function, int &iterations_left, SecretOctets &out) noexcept {
+  const KEY_TRANS_RECIPIENT_INFO *info = decoy ? key_trans(from.recipient) : nullptr;
+  const RSA_UNIT *rsa = ASYMMETRIC_KEY_to_RSA_UNIT(opener.key);
+  const int padding = info ? padding_of(info->keyEncryptionAlgorithm) : 0;
+  if (info && rsa && padding && info->encryptedKey) {
+    return recover_key(*rsa, *info->keyEncryptionAlgorithm, padding, octets(*info->encryptedKey), out);
+  }
+  return open_exactly(cms, from, opener, function, iterations_left, out);
+}
+
+// Whether only the check octets of a wrapped key tell for whom it is: a password has no name, and a key-encryption key
+// may be given without. RSA keys have no such octets, and their recipients are named.
+bool may_be_for_another(const OpenableRecipient &from) noexcept {
+  return kek(from.recipient) || password(from.recipient);
+}
+
+bool is_refusal(int code, int function) noexcept {
+  return code == PKV_ERR_FAILED || code == fail(function, kUnsupported) || code == fail(function, kBadValue);
 }
 
 }  // namespace
@@ -102,9 +133,8 @@ int open_exactly(const CMS_CONTENT_INFO &cms, const OpenableRecipient &from, con
 int find_openable(const CMS_RECIPIENT_INFOS *recipients, const CMS_OPENER &opener, int function,
                   OpenableRecipient &out) noexcept {
   if (opener.kek_length < 0 || opener.kek_id_length < 0 || opener.password_length < 0) return fail(function, kBadValue);
-  for (const CMS_RECIPIENT_INFO *each : elements<CMS_RECIPIENT_INFO>(recipients))
-    if (each && each->info && can_open(*each, opener, out)) return 0;
-  return fail(function, kBadValue);
+  out.index = -1;
+  return find_next(recipients, opener, out) ? 0 : fail(function, kBadValue);
 }
 
 int open_key(const CMS_CONTENT_INFO &cms, const OpenableRecipient &from, const CMS_OPENER &opener, bool decoy,
@@ -112,14 +142,14 @@ int open_key(const CMS_CONTENT_INFO &cms, const OpenableRecipient &from, const C
   const SecretOctets random(size_t(out.size()));
   if (!out || !random) return fail(function, kNoMemory);
   if (const int code = decoy ? PKV_Rand_Bytes(random.data(), random.size()) : 0) return code;
-  const KEY_TRANS_RECIPIENT_INFO *info = decoy ? key_trans(from.recipient) : nullptr;
-  const RSA_UNIT *rsa = ASYMMETRIC_KEY_to_RSA_UNIT(opener.key);
-  const int padding = info ? padding_of(info->keyEncryptionAlgorithm) : 0;
-  if (info && rsa && padding && info->encryptedKey) {
-    return recover_key(*rsa, *info->keyEncryptionAlgorithm, padding, octets(*info->encryptedKey), out);
+  int failed = 0, iterations_left = kMostIterations;
+  for (OpenableRecipient at = from;;) {
+    const int code = open_one(cms, at, opener, decoy, function, iterations_left, out);
+    if (!code || !is_refusal(code, function)) return code;
+    if (!failed || code == PKV_ERR_FAILED) failed = code;
+    if (!may_be_for_another(at) || !find_next(*recipient_list(&cms), opener, at)) break;
   }
-  const int code = open_exactly(cms, from, opener, function, out);
-  if (!decoy || code != PKV_ERR_FAILED) return code;
+  if (!decoy || failed != PKV_ERR_FAILED) return failed;
   copy_octets(out.data(), octets_of(random.data(), random.size()));
   return 0;
 }

@@ -67,7 +67,8 @@ bool read_derivation(const X509_ALGO_IDENTIFIER &algorithm, int key_length, Deri
 }
 
 // The key that a password means: derived from it, or without derivation the octets themselves.
-int derive(const PASSWORD_RECIPIENT_INFO &info, Octets password, int function, SecretOctets &kek) noexcept {
+int derive(const PASSWORD_RECIPIENT_INFO &info, Octets password, int function, int &iterations_left,
+           SecretOctets &kek) noexcept {
   Derivation from;
   if (!kek) return fail(function, kNoMemory);
   if (!info.keyDerivationAlgorithm) {
@@ -76,6 +77,8 @@ int derive(const PASSWORD_RECIPIENT_INFO &info, Octets password, int function, S
     return 0;
   }
   if (!read_derivation(*info.keyDerivationAlgorithm, kek.size(), from)) return fail(function, kUnsupported);
+  if (from.iterations > iterations_left) return PKV_ERR_FAILED;
+  iterations_left -= from.iterations;
   return PKV_PBKDF2(from.digest_id, password.data(), int(password.size()), from.salt.data(), int(from.salt.size()),
                     from.iterations, kek.data(), kek.size());
 }
@@ -185,14 +188,15 @@ int set_password_algorithms(PASSWORD_RECIPIENT_INFO &info, int digest_id, int ci
 
 int wrap_for_password(PASSWORD_RECIPIENT_INFO &info, Octets content_key, int function) noexcept {
   Cipher cipher;
+  int iterations_left = kMostIterations;
   if (!info.password) return fail(function, kNullArgument);
   if (!read_cipher(info.keyEncryptionAlgorithm, cipher)) return fail(function, kUnsupported);
   SecretOctets kek(size_t(cipher.key_length()));
-  if (const int code = derive(info, octets(*info.password), function, kek)) return code;
+  if (const int code = derive(info, octets(*info.password), function, iterations_left, kek)) return code;
   return wrap_twice(cipher, kek, content_key, function, info.encryptedKey);
 }
 
-int unwrap_with_password(const PASSWORD_RECIPIENT_INFO &info, Octets password, int function,
+int unwrap_with_password(const PASSWORD_RECIPIENT_INFO &info, Octets password, int function, int &iterations_left,
                          SecretOctets &out) noexcept {
   Cipher cipher;
   if (!read_cipher(info.keyEncryptionAlgorithm, cipher)) return fail(function, kUnsupported);
@@ -204,7 +208,7 @@ int unwrap_with_password(const PASSWORD_RECIPIENT_INFO &info, Octets password, i
   SecretOctets kek(size_t(cipher.key_length()));
   const SecretOctets plain(wrapped.size());
   if (!plain) return fail(function, kNoMemory);
-  if (const int code = derive(info, password, function, kek)) return code;
+  if (const int code = derive(info, password, function, iterations_left, kek)) return code;
   if (const int code = unwrap_twice(cipher, kek, wrapped, plain.data())) return code;
   if (!is_wrapped_key(plain.data(), size_t(out.size()))) return PKV_ERR_FAILED;
   copy_octets(out.data(), octets_of(plain.data() + 4, out.size()));

@@ -9,7 +9,8 @@ namespace velpki {
 
 // Wrapped keys of other lengths are none.
 inline constexpr size_t kLeastWrapped = 24, kMostWrapped = 72;
-// A password recipient may ask for this many iterations; what asks for more is refused.
+// The password recipients of a message that one password is tried on may ask for this many iterations together; what
+// asks for more is refused.
 inline constexpr int kMostIterations = 10000000, kUsualIterations = 600000;
 
 // The AlgorithmIdentifier of a key wrap by the provider's cipher: parameters are absent, but NULL for triple DES.
@@ -29,7 +30,8 @@ int wrap_for_agreement(KEY_AGREE_RECIPIENT_INFO &info, Octets content_key, int f
 
 // The reverse, for a key of exactly `out.size()` octets. What is wrong with the wrapped key is PKV_ERR_FAILED.
 int unwrap_with_key(const KEK_RECIPIENT_INFO &info, Octets key, int function, SecretOctets &out) noexcept;
-int unwrap_with_password(const PASSWORD_RECIPIENT_INFO &info, Octets password, int function,
+// What needs more than `iterations_left`, from which its iterations are taken, fails in the same way.
+int unwrap_with_password(const PASSWORD_RECIPIENT_INFO &info, Octets password, int function, int &iterations_left,
                          SecretOctets &out) noexcept;
 // `originator` is the key of an originator that is named by a certificate; null for one that brings its key.
 int unwrap_with_agreement(const KEY_AGREE_RECIPIENT_INFO &info, const RECIPIENT_ENCRYPTED_KEY &wrapped,

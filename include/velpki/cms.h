@@ -750,9 +750,11 @@ typedef struct {
 /** @name Decrypting with what the reader has
  * @{ */
 /** Gives the key out of the first recipient of enveloped data that the opener fits; the padding is what the algorithm
- * says, `*out_length` holds the capacity. F_DECRYPT_CONTENT_ENCRYPTION_KEY with 49, 48, 2B (no such recipient, a buffer
- * that is too small), ERR_NO_SIGNER_CERTIFICATE (the originator's is nowhere), 3C, or the provider's: PKV_ERR_FAILED
- * for a wrapped key that is wrong in any way. */
+ * says, `*out_length` holds the capacity. A password, or a key-encryption key, that does not open its first recipient
+ * is tried on the others that it may be meant for; a password with at most 10,000,000 iterations in all.
+ * F_DECRYPT_CONTENT_ENCRYPTION_KEY with 49, 48, 2B (no such recipient, a buffer that is too small),
+ * ERR_NO_SIGNER_CERTIFICATE (the originator's is nowhere), 3C, or the provider's: PKV_ERR_FAILED for a wrapped key that
+ * is wrong in any way. */
 VELPKI_API int decrypt_content_encryption_key_ex(const CMS_CONTENT_INFO *cms, const CMS_OPENER *opener,
                                                  unsigned char *out, int *out_length) VELPKI_NOEXCEPT;
 /** Decrypts the content with the key that decrypt_content_encryption_key_ex finds, `*out_length` being a capacity of at
