@@ -15,33 +15,40 @@ P7_SIGNER_STATE *new_signer_state(KeptOctets kept) noexcept {
 
 namespace {
 
-// The child of a SignerInfo at an index, counted from its version.
-bool child_at(Octets signer_info, int index, Tlv &child) noexcept {
-  Tlv parent;
-  parent.content = signer_info;
-  Cursor in(parent);
-  for (int i = 0; i < index; ++i)
+// Takes children of a SignerInfo up to the one at an index, counted from its version.
+bool take_up_to(Cursor &in, int index, Tlv &child) noexcept {
+  for (int i = 0; i <= index; ++i)
     if (!in.next(child)) return false;
-  return in.next(child);
+  return true;
+}
+
+Tlv parent_of(Octets content) noexcept {
+  Tlv parent;
+  parent.content = content;
+  return parent;
 }
 
 }  // namespace
 
-// Version, name and digest algorithm stand before the attributes; a name may have their tag.
+// Version, name and digest algorithm stand before the attributes; a name may have their tag. Of several sets the last
+// one counts, as for the decoder.
 bool find_kept_attributes(const KeptOctets &kept, Octets &set) noexcept {
-  constexpr int kAttributes = 3;
+  constexpr int kDigestAlgorithm = 2;
   Tlv child;
   if (kept.kind == Kept::nothing) return false;
   if (kept.kind == Kept::attributes) return set = kept.octets, true;
-  if (!child_at(kept.octets, kAttributes, child) || child.identifier != tag::explicit_context(0)) return false;
-  set = child.content;
-  return true;
+  Cursor in(parent_of(kept.octets));
+  bool found = false;
+  if (!take_up_to(in, kDigestAlgorithm, child)) return false;
+  while (in.at(tag::explicit_context(0)) && in.next(child)) set = child.content, found = true;
+  return found;
 }
 
 Octets received_name(const KeptOctets &kept) noexcept {
   Tlv child;
   const bool decoded = kept.kind == Kept::signer || kept.kind == Kept::changed;
-  return decoded && child_at(kept.octets, 1, child) ? child.content : Octets();
+  Cursor in(parent_of(kept.octets));
+  return decoded && take_up_to(in, 1, child) ? child.content : Octets();
 }
 
 }  // namespace velpki

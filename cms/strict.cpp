@@ -161,7 +161,9 @@ bool write_kept_attributes(const KeptOctets &kept, const X509_ATTRIBUTES *attrib
     return !out.failed();
   }
   Octets set;
-  if (!find_kept_attributes(kept, set)) return true;
+  const bool found = find_kept_attributes(kept, set);
+  if (found != (attributes != nullptr)) return false;
+  if (!found) return true;
   DerWriter whole;
   whole.primitive(tag::kSet, set);
   if (!whole.failed()) write_definite(whole.written(), out);

@@ -26,7 +26,7 @@ int check_binding(const StrictSigner &signer, const OBJECT_IDENTIFIER *content_t
                   int function) noexcept;
 
 // The attributes of a signer as a SET in DER, from what is kept of it, or from the list where nothing is. False when
-// they cannot be written; nothing is written for a signer without.
+// they cannot be written, or are not those of the list; nothing is written for a signer without.
 bool write_kept_attributes(const KeptOctets &kept, const X509_ATTRIBUTES *attributes, DerWriter &out) noexcept;
 
 // Issuer and serial number of a certificate as they were received, each whole; false where it was built here.

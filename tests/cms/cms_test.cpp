@@ -157,6 +157,33 @@ TEST(Cms, StrictRefusesWhatPlainLetsPass) {
   EXPECT_EQ(verify_strict(stripped), F_VERIFY_CMS | ERR_AMBIGUOUS_CONTENT);
 }
 
+// The attributes that are verified are those that were decoded, however the signer is named and whatever is repeated,
+// which house form takes.
+TEST(Cms, StrictVerifiesTheAttributesThatWereDecoded) {
+  CmsParts parts;
+  parts.certificate.tail = TLV(0xA3, TLV(0x30, extension("551d0e", TLV(0x04, "0102030405060708"))));
+  const Bytes content_type = parts.attributes, name = parts.key_id,
+              constructed = TLV(0xA0, TLV(0x04, "0102030405060708"));
+  const Bytes all = content_type + TLV(0x30, TLV(0x06, "2a864886f70d010904") +
+                                                 TLV(0x31, TLV(0x04, digest(PKV_DIGEST_SHA256, hex("68656c6c6f")))));
+  const Bytes sha256 = parts.sha256;
+  struct Case {
+    Bytes name, before, attributes;
+    int code;
+  };
+  for (const Case &c : {Case{name, {}, all, 0x5E},
+                        {constructed, {}, all, 0x5E},
+                        {name, TLV(0xA0, all), content_type, F_VERIFY_CMS | ERR_ATTRIBUTE_MISSING},
+                        {name + name, {}, all, F_VERIFY_CMS | ERR_ASN1_DECODING}}) {
+    parts.key_id = c.name, parts.sha256 = sha256 + c.before, parts.attributes = c.attributes;
+    const Bytes data = TLV(0x30, TLV(0x02, "03") + TLV(0x31, Bytes()) + parts.encapsulated +
+                                     TLV(0xA0, parts.certificate.der()) + TLV(0x31, parts.cms_signer()));
+    const Cms cms(read_by(readDER_CMS_CONTENT_INFO_from_Binary, content_info(2, data)));
+    ASSERT_TRUE(cms) << to_hex(c.name);
+    EXPECT_EQ(verify_strict(cms), c.code) << to_hex(c.name);
+  }
+}
+
 TEST(Cms, AuthenticatedDataWithAndWithoutAttributes) {
   const Bytes key(32, 0x31), id = {9};
   const CMS_RECIPIENT_OPTIONS options{
