@@ -57,13 +57,12 @@ int decode(const Tlv &tlv, CMS_SIGNED_DATA &out) noexcept {
 }
 
 int encode(const CMS_SIGNED_DATA &data, DerWriter &out) noexcept {
-  if (!data.digestAlgorithms || !data.encapContentInfo || !data.signerInfos) {
-    return fail(F_CMS_SIGNED_DATA_TO_SEQ, ERR_ASN1_ENCODING);
-  }
+  if (!data.digestAlgorithms || !data.signerInfos) return fail(F_CMS_SIGNED_DATA_TO_SEQ, ERR_ASN1_ENCODING);
   const auto sequence = out.sequence();
   write_version(data.version, out);
   if (const int code = encode_algorithms(*data.digestAlgorithms, out)) return code;
-  if (const int code = encode(*data.encapContentInfo, out)) return code;
+  if (!data.encapContentInfo) write_no_content(out);
+  if (const int code = data.encapContentInfo ? encode(*data.encapContentInfo, out) : 0) return code;
   if (const int code = write_sets(data, out)) return code;
   return encode_cms_signer_infos(*data.signerInfos, out);
 }

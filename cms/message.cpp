@@ -26,6 +26,11 @@ bool set_version(BIGINT *&version, unsigned word) noexcept {
   return true;
 }
 
+void write_no_content(DerWriter &out) noexcept {
+  const auto info = out.sequence();
+  out.oid_text("1.2.840.113549.1.7.1");
+}
+
 int compare_issuer_and_serial(const X509_CERT *cert, const X509_NAME *issuer, const BIGINT *serial) noexcept {
   const BIGINT *own_serial = get_X509_serial(cert);
   const X509_NAME *own_issuer = get_X509_issuer(cert);

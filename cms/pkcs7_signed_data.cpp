@@ -49,13 +49,12 @@ int decode(const Tlv &tlv, P7_SIGNED_DATA &out) noexcept {
 }
 
 int encode(const P7_SIGNED_DATA &data, DerWriter &out) noexcept {
-  if (!data.digestAlgorithms || !data.contentInfo || !data.signerInfos) {
-    return fail(F_P7_SIGNED_DATA_TO_SEQ, ERR_ASN1_ENCODING);
-  }
+  if (!data.digestAlgorithms || !data.signerInfos) return fail(F_P7_SIGNED_DATA_TO_SEQ, ERR_ASN1_ENCODING);
   const auto sequence = out.sequence();
   write_version(data.version, out);
   if (const int code = encode_algorithms(*data.digestAlgorithms, out)) return code;
-  if (const int code = encode(*data.contentInfo, out)) return code;
+  if (!data.contentInfo) write_no_content(out);
+  if (const int code = data.contentInfo ? encode(*data.contentInfo, out) : 0) return code;
   return write_signers(data, out);
 }
 

@@ -76,6 +76,9 @@ inline void write_optional_octets(int n, const ASN1_STRING *value, DerWriter &ou
   if (value) out.octets_as(tag::implicit_context(n), value);
 }
 
+// What signed data say of a content where they have none: the type data.
+void write_no_content(DerWriter &out) noexcept;
+
 // 0 when the certificate has this issuer and serial number; see cmp_P7_ISSUER_AND_SERIAL_NUMBER. The serial number is
 // looked at first, so a search costs one comparison of names.
 int compare_issuer_and_serial(const X509_CERT *cert, const X509_NAME *issuer, const BIGINT *serial) noexcept;

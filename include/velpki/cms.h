@@ -81,7 +81,7 @@ typedef struct cms_digests CMS_DIGESTS;
 typedef struct {
   BIGINT *version;                             /**< 1 or 3; null is written as 0 */
   X509_ALGO_IDENTIFIERS *digestAlgorithms;     /**< one for each signer */
-  ENCAPSULATED_CONTENT_INFO *encapContentInfo; /**< what is signed */
+  ENCAPSULATED_CONTENT_INFO *encapContentInfo; /**< what is signed; null is written as data without content */
   X509_CERTIFICATES *certificates;             /**< null when absent */
   X509_CRLS *crls;                             /**< null when absent */
   CMS_SIGNER_INFOS *signerInfos;               /**< the signatures */
@@ -519,7 +519,8 @@ VELPKI_API CMS_SIGNER_INFO *add_CMS_Signature_ex(CMS_CONTENT_INFO *cms, const X5
 
 /** @name Certificates and CRLs
  * @{ */
-/** Appends a copy of a certificate to signed data. F_ADD_CMS_CERTIFICATE with 49, 48 or 3C. */
+/** Appends a copy of a certificate to signed data, which may be without content and signers (certs-only).
+ * F_ADD_CMS_CERTIFICATE with 49, 48 or 3C. */
 VELPKI_API int add_CMS_Certificate(CMS_CONTENT_INFO *cms, X509_CERT *cert) VELPKI_NOEXCEPT;
 /** Appends a copy of a CRL to signed data. F_ADD_CMS_CRL with 49, 48 or 3C. */
 VELPKI_API int add_CMS_CRL(CMS_CONTENT_INFO *cms, X509_CRL *crl) VELPKI_NOEXCEPT;

@@ -91,7 +91,7 @@ typedef struct {
 typedef struct {
   BIGINT *version;                         /**< 1; null is written as 0 */
   X509_ALGO_IDENTIFIERS *digestAlgorithms; /**< one for each signer */
-  P7_CONTENT_INFO *contentInfo;            /**< what is signed; without content when that is elsewhere */
+  P7_CONTENT_INFO *contentInfo;            /**< what is signed, or its type alone; null is written as data */
   X509_CERTIFICATES *certificates;         /**< null when absent */
   X509_CRLS *crls;                         /**< null when absent */
   P7_SIGNER_INFOS *signerInfos;            /**< the signatures */
@@ -350,7 +350,8 @@ VELPKI_API int add_PKCS7_Unauthenticated_Attribute(P7_SIGNER_INFO *si, int oid_i
 
 /** @name Certificates, CRLs and recipients
  * @{ */
-/** Appends a copy of a certificate to signed or signed-and-enveloped data. 0, or 1.
+/** Appends a copy of a certificate to signed or signed-and-enveloped data, which may be signed data without content and
+ * signers (certs-only). 0, or 1.
  * @warning When the copy cannot be appended, add_PKCS7_Certificate releases the caller's certificate and returns 1; any
  * other failure, which returns 1 too, leaves it. add_PKCS7_Certificate_ex leaves it always. */
 VELPKI_API int add_PKCS7_Certificate(P7_CONTENT_INFO *p7, X509_CERT *cert) VELPKI_NOEXCEPT;

@@ -131,6 +131,17 @@ TEST(CmsInterop, WhatOpensslSignsIsVerifiedHere) {
   EXPECT_EQ(verify_CMS(cms, other, nullptr, 0), 0);
 }
 
+TEST(CmsInterop, CertificatesOnlyAsOpensslWritesThem) {
+  VELPKI_NEED_OPENSSL;
+  const std::string path = temporary_path("certificates");
+  const Certificate cert = first_party().certificate();
+  const Message p7 = message_of(PKCS7_SIGNED_DATA);
+  const Cms cms = cms_of(CMS_TYPE_SIGNED_DATA);
+  ASSERT_TRUE(add_PKCS7_Certificate_ex(p7, cert) == 0 && add_CMS_Certificate(cms, cert) == 0);
+  run("openssl crl2pkcs7 -nocrl -outform DER -certfile " + first_party().certificate_path + " -out " + path);
+  for (const Bytes &ours : {written(p7), written(cms)}) EXPECT_EQ(to_hex(ours), to_hex(read_file(path)));
+}
+
 // Recipients of every kind: how a message is made for them here and by openssl, and what opens it.
 struct RecipientCase {
   std::string name, encrypt, decrypt;  // options of openssl
