@@ -106,7 +106,7 @@ int set_PKCS7_P7_ENCRYPTED_CONTENT_INFO(P7_ENCRYPTED_CONTENT_INFO *eci, int type
   if (!copy || (content && !octets)) return 1;
   put(eci->contentType, std::move(type));
   put(eci->contentEncryptionAlgorithm, std::move(copy));
-  put(eci->encryptedContent, std::move(octets));
+  if (content) put(eci->encryptedContent, std::move(octets));
   if (eci->progress) release(std::exchange(eci->progress, nullptr));
   return 0;
 }

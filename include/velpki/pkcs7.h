@@ -460,12 +460,14 @@ VELPKI_API P7_RECIPIENT_INFO *add_PKCS7_Recipient(P7_CONTENT_INFO *p7, X509_CERT
 VELPKI_API P7_RECIPIENT_INFO *add_PKCS7_Recipient_withEncryptedAlgorithm(P7_CONTENT_INFO *p7, X509_CERT *cert,
                                                                          int padding,
                                                                          RSAES_OAEP_PARAM *oaep) VELPKI_NOEXCEPT;
-/** Fills the encrypted content info: type, algorithm and, unless null, the octets, all copied. 0, or 1. The algorithm
- * serves where an encryption is given none. */
+/** Fills the encrypted content info: type, algorithm and octets, all copied; null leaves the octets that are there. 0,
+ * or
+ * 1. The algorithm serves where an encryption is given none; one that is in work ends. */
 VELPKI_API int set_PKCS7_P7_ENCRYPTED_CONTENT_INFO(P7_ENCRYPTED_CONTENT_INFO *eci, int type_index,
                                                    X509_ALGO_IDENTIFIER *algorithm, const unsigned char *content,
                                                    int length) VELPKI_NOEXCEPT;
-/** Stores a copy of the algorithm in the content of a message, as set_PKCS7_P7_ENCRYPTED_CONTENT_INFO. 0, or 1. */
+/** Stores a copy of the algorithm in the content of a message, as set_PKCS7_P7_ENCRYPTED_CONTENT_INFO with null octets.
+ * 0, or 1. */
 VELPKI_API int set_PKCS7_Cipher(P7_CONTENT_INFO *p7, X509_ALGO_IDENTIFIER *algorithm) VELPKI_NOEXCEPT;
 /** The octets of the encrypted content, 0 when it is elsewhere; -1 for null and other types. */
 VELPKI_API int get_PKCS7_ENCRYPTED_CONTENT_length(const P7_CONTENT_INFO *p7) VELPKI_NOEXCEPT;

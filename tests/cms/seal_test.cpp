@@ -96,6 +96,8 @@ TEST(Seal, EncryptedDataWithAndWithoutAKeyOfItsOwn) {
   ASSERT_EQ(set_PKCS7_Cipher(p7, algorithm(419)), 0);
   ASSERT_EQ(encrypt_PKCS7_userKEY(p7, nullptr, nullptr, document().data(), 100, kKey.data(), kIv.data(), 0), 0);
   EXPECT_EQ(decrypted(sent(p7)).size(), 100u);
+  ASSERT_EQ(set_PKCS7_Cipher(p7, algorithm(419)), 0);
+  EXPECT_EQ(get_PKCS7_ENCRYPTED_CONTENT_length(p7), 112) << "the octets stay";
   // A cipher that is there already is used, and the parameters of a password-based algorithm are kept.
   const Message own = message_of(PKCS7_ENCRYPTED_DATA);
   ASSERT_EQ(set_PKCS7_Cipher(own, algorithm(780)), 0);
