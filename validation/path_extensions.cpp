@@ -100,6 +100,20 @@ int read_inhibit_any_policy(const X509_EXTENSION *extension, int &out) noexcept 
   return fits ? 0 : fail(F_VERIFY_INHIBITANYPOLICY, ERR_ASN1_DECODING);
 }
 
+int check_critical_points(const X509_EXTENSION *extension) noexcept {
+  CRL_DIST_POINTS *read = nullptr;
+  const int code = extension && extension->critical ? X509_EXTENSION_to_CRL_DIST_POINTS_RFC5280(extension, &read) : 0;
+  free_CRL_DIST_POINTS(read);
+  return code;
+}
+
+int check_alternative_names(const X509_EXTENSION *extension) noexcept {
+  GENERAL_NAMES *read = nullptr;
+  const int code = extension ? X509_EXTENSION_to_GENERAL_NAMES_RFC5280(extension, &read) : 0;
+  free_GENERAL_NAMES(read);
+  return code;
+}
+
 int read_purpose(const X509_EXTENSION *extension, const OBJECT_IDENTIFIER *purpose, bool &allowed) noexcept {
   allowed = true;
   STACK *read = nullptr;

@@ -84,7 +84,10 @@ int PathWalk::step() noexcept {
   if (const int code = check_basics(cert)) return code;
   if (const int code = find_path_extensions(cert, extensions)) return code;
   const bool any_allowed = any_policy_ > 0 || (self_issued && !last);
-  if (const int code = self_issued && !last ? 0 : names_.check(cert, extensions.alternative_names, last)) return code;
+  const X509_EXTENSION *names = extensions.alternative_names;
+  if (const int code = self_issued && !last ? check_alternative_names(names) : names_.check(cert, names, last))
+    return code;
+  if (const int code = check_critical_points(extensions.distribution_points)) return code;
   if (const int code = check_policies(extensions, any_allowed)) return code;
   if (const int code = graph_.read_mappings(extensions.mappings)) return code;
   if (const int code = check_use(extensions, last)) return code;

@@ -99,15 +99,15 @@ typedef struct {
  *
  * Every certificate: signature, dates with both boundaries inside, issuer (cmp_X509_NAME_RFC5280), no extension twice,
  * none critical but key usage, alternative names, basic constraints, name constraints, policies, mappings, policy
- * constraints, distribution points, purposes and inhibitAnyPolicy, and all of these readable in standard form. Each
- * that issues: version 3, cA, keyCertSign if there is a key usage, and no more authorities below than pathLenConstraint
- * allows. Names: every kind but otherName, x400Address, ediPartyName and registeredID, of which a critical constraint
- * refuses any name of its kind; an rfc822Name constraint holds for SmtpUTF8Mailbox (RFC 9598) too, and in a certificate
- * without alternative names for emailAddress, and for common names that read as host names where hosts are constrained.
- * A name that is no proper one of its kind is refused where its kind is constrained; where hosts are, so is a common
- * name of wide characters (BMPString, UniversalString) that cannot be converted, and one with a zero octet. Policies: a
- * graph as in RFC 9618.
- * Purposes: where `extended_key_usage` is given, a certificate of the path that has a list of them must have it, or
+ * constraints, distribution points, purposes and inhibitAnyPolicy, and all of these readable in standard form,
+ * distribution points where they are critical. Each that issues: version 3, cA, keyCertSign if there is a key usage,
+ * and no more authorities below than pathLenConstraint allows. Names: every kind but otherName, x400Address,
+ * ediPartyName and registeredID, of which a critical constraint refuses any name of its kind; an rfc822Name constraint
+ * holds for SmtpUTF8Mailbox (RFC 9598) too, and in a certificate without alternative names for emailAddress, and for
+ * common names that read as host names where hosts are constrained. A name that is no proper one of its kind is refused
+ * where its kind is constrained; where hosts are, so is a common name of wide characters (BMPString, UniversalString)
+ * that cannot be converted, and one with a zero octet. Policies: a graph as in RFC 9618. Purposes: where
+ * `extended_key_usage` is given, a certificate of the path that has a list of them must have it, or
  * anyExtendedKeyUsage.
  *
  * Revocation (RFC 5280 6.3), where it is asked for: of the lists that cover a certificate the newest decides, by

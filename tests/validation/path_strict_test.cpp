@@ -154,6 +154,18 @@ TEST_F(Strict, CommonNamesOfAnyStringTypeAreConstrained) {
   }
 }
 
+TEST_F(Strict, CriticalValuesMustBeReadable) {
+  const Bytes points = extension("551d1f", hex("0500"), true), names = extension("551d11", hex("0500"), true);
+  for (const auto &[user, own, index] : {std::tuple(points, Bytes(), 0), {Bytes(), names, 1}, {Bytes(), Bytes(), -1}}) {
+    const StrictPath path(
+        {{"user", "b", 2, 2, user}, {"b", "b", 2, 1, kAuthority + own}, {"b", "root", 1, 0, kAuthority}, kRoot});
+    CERTPATH_REPORT report;
+    EXPECT_EQ(validate_certpath_strict(path.certs, path.anchors, nullptr, &report) != 0, index >= 0);
+    EXPECT_EQ(report.index, index);
+    free_CERTPATH_POLICIES(report.policies);
+  }
+}
+
 // Certificates that differ in their signatures only.
 Certificates forgeries_of(const X509_CERT *cert, int count) {
   Certificates out(new_X509_CERTIFICATES());

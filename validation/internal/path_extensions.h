@@ -35,6 +35,9 @@ struct PolicyLimits {
 };
 int read_policy_limits(const X509_EXTENSION *extension, PolicyLimits &out) noexcept;
 int read_inhibit_any_policy(const X509_EXTENSION *extension, int &out) noexcept;
+// Only whether the values can be read; of distribution points where they are critical.
+int check_critical_points(const X509_EXTENSION *extension) noexcept;
+int check_alternative_names(const X509_EXTENSION *extension) noexcept;
 // Whether a list of purposes allows one; null for the list or the purpose allows all.
 int read_purpose(const X509_EXTENSION *extension, const OBJECT_IDENTIFIER *purpose, bool &allowed) noexcept;
 
