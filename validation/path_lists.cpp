@@ -16,10 +16,10 @@ int64_t issued_at(const X509_CRL &crl) noexcept {
   return time && instant_of_text(type, time->time, seconds) ? seconds : INT64_MIN;
 }
 
-PathList list_of(const X509_CRL &crl, int position) noexcept {
+PathList list_of(const X509_CRL &crl, int position, int fault) noexcept {
   PathList out;
   out.crl = &crl;
-  out.fault = find_list_extensions(crl, out.extensions);
+  out.fault = fault ? fault : find_list_extensions(crl, out.extensions);
   out.issued = issued_at(crl);
   out.number = number_in(out.extensions.number);
   out.position = position;
@@ -52,6 +52,18 @@ bool is_less(const ListNumber &a, const ListNumber &b) noexcept {
   return std::lexicographical_compare(a.digits.begin(), a.digits.end(), b.digits.begin(), b.digits.end());
 }
 
+int RevocationLists::standard_form_of(const X509_CRL *&crl) noexcept {
+  const X509_RECEIVED *received = crl->kept && !crl->kept->standard ? received_of(*crl) : nullptr;
+  if (!received) return 0;
+  const Octets whole = received_whole(*received);
+  X509_CRL *read = nullptr;
+  if (const int code = readDER_X509_CRL_from_Binary_RFC5280(&read, whole.data(), int(whole.size()))) return code;
+  owned<X509_CRL> made(read);
+  if (!made_) made_ = new_STACK();
+  if (!append(made_, made)) return fail(kCrlModule, kNoMemory);
+  return crl = read, 0;
+}
+
 int RevocationLists::open(const STACK *crls) noexcept {
   const int count = crls ? crls->count : 0;
   if (count <= 0) return 0;
@@ -59,7 +71,9 @@ int RevocationLists::open(const STACK *crls) noexcept {
   if (!lists_) return fail(kCrlModule, kNoMemory);
   for (const X509_CRL *each : elements<X509_CRL>(crls)) {
     if (!each || !each->tbs) continue;
-    lists_[count_] = list_of(*each, count_);
+    const int code = standard_form_of(each);
+    if (reason_of(code) == kNoMemory) return code;
+    lists_[count_] = list_of(*each, count_, code);
     complete_ += lists_[count_++].is_delta() ? 0 : 1;
   }
   std::sort(lists_, lists_ + count_, goes_before);

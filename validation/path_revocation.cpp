@@ -154,7 +154,10 @@ class Status {
     return verify(list.crl, key);
   }
   int verify(const X509_CRL &crl, const X509_PUBKEY *key) noexcept {
-    return budget_.signature() ? check_list_signature(crl, key) : failure(ERR_TOO_MUCH_WORK);
+    if (!budget_.signature()) return failure(ERR_TOO_MUCH_WORK);
+    const int code = check_list_signature(crl, key);
+    const bool of_provider = code == reason_of(code);
+    return code && of_provider ? failure(code == kNoMemory ? kNoMemory : ERR_SIGNATURE_MISMATCH) : code;
   }
 
   const VerifiedPath &path_;

@@ -93,9 +93,9 @@ typedef struct {
  * is passed is changed, and the settings of cpv.h are not read.
  *
  * What counts is the octets that were received: signatures are over them (verify_SIG_X509_CERT_RFC5280), and a
- * certificate that the plain readers made is read anew by the standard's rules. Faster and surer is to read
- * certificates and anchors with the _RFC5280 readers: a name of several attributes in one RDN that the plain reader
- * made of an anchor's certificate equals no issuer.
+ * certificate or revocation list that the plain readers made is read anew by the standard's rules. Faster and surer is
+ * to read certificates, lists and anchors with the _RFC5280 readers: a name of several attributes in one RDN that the
+ * plain reader made of an anchor's certificate equals no issuer.
  *
  * Every certificate: signature, dates with both boundaries inside, issuer (cmp_X509_NAME_RFC5280), no extension twice,
  * none critical but key usage, alternative names, basic constraints, name constraints, policies, mappings, policy
@@ -128,7 +128,15 @@ typedef struct {
  * applied), ERR_INVALID_CERTIFICATE_POLICIES (a policy twice, or critical ones with an unknown qualifier),
  * ERR_INVALID_POLICY_MAPPING (of anyPolicy), ERR_INVALID_VALID_POLICY_TREE (a policy is required and none is left) or
  * ERR_TOO_MUCH_WORK (one of the limits, or more names times constraints than 2,000,000 or so); or the codes of the
- * reader of a value, of verify_X509_validity_RFC5280 and of verify_SIG_X509_CERT_RFC5280. */
+ * reader of a value, of verify_X509_validity_RFC5280 and of verify_SIG_X509_CERT_RFC5280. Of revocation: 0x48000000
+ * with ERR_CERT_REVOKED, ERR_CRL_MISSING (no list is about the certificate), ERR_CRL_REASONS (those that are cover some
+ * reasons only) or ERR_TOO_MUCH_WORK; else why the newest list that is about the certificate gave no answer: 0x48000000
+ * with 2B (it was built or changed, and not signed by an _RFC5280 function since), 3C, ERR_CRL_SIGN,
+ * ERR_CRL_THIS_UPDATE, ERR_CRL_NEXT_UPDATE (also where it has none), ERR_CRL_INDIRECT, ERR_UNKNOWN_EXTENSION
+ * (critical), ERR_DUPLICATE_EXTENSION, ERR_INVALID_X509_TIME_TYPE or ERR_SIGNATURE_MISMATCH, the code of why its
+ * signer's path does not validate or F_BUILD_CERTPATH with ERR_NOT_FOUNDED or ERR_INVALID_MAX_PATH_LENGTH where there
+ * is none, or the codes of readDER_X509_CRL_from_Binary_RFC5280, of verify_SIG_X509_CRL_RFC5280 and of the readers of
+ * extension values. */
 VELPKI_API int validate_certpath_strict(const STACK *certs, const TRUST_ANCHORS *anchors,
                                         const CERTPATH_SETTINGS *settings, CERTPATH_REPORT *report) VELPKI_NOEXCEPT;
 

@@ -74,14 +74,23 @@ TEST_F(Strict, TheNewestListDecides) {
                                          {'l', {"root", 0, 7}},
                                          {'d', {"root", 0, 8, path.at(0), 6}}};
   std::map<char, Owned<X509_CRL>> lists;
-  for (const auto &[letter, list] : made) lists[letter] = make_list(list);
-  for (const auto &[order, reason] : std::vector<std::pair<std::string, int>>{
-           {"on", ERR_CERT_REVOKED}, {"no", ERR_CERT_REVOKED}, {"ofn", ERR_CERT_REVOKED}, {"onl", 0}, {"dno", 0}}) {
-    const Owned<STACK, free_STACK> crls(new_STACK());
-    for (const char letter : order) push_STACK_value(crls, static_cast<X509_CRL *>(lists[letter]));
-    CERTPATH_SETTINGS settings{};
-    settings.crls = crls, settings.flags = CERTPATH_CHECK_REVOCATION_END_ENTITY;
-    EXPECT_EQ(validate_certpath_strict(path.certs, path.anchors, &settings, nullptr) & 0xFFFF, reason) << order;
+  for (const auto read : {readDER_X509_CRL_from_Binary_RFC5280, readDER_X509_CRL_from_Binary}) {
+    for (const auto &[letter, list] : made)
+      lists[letter] = read_by(read, encoded(X509_CRL_to_Seq_RFC5280, make_list(list)));
+    for (const auto &[order, reason] : std::vector<std::pair<std::string, int>>{{"on", ERR_CERT_REVOKED},
+                                                                                {"no", ERR_CERT_REVOKED},
+                                                                                {"ofn", ERR_CERT_REVOKED},
+                                                                                {"onl", 0},
+                                                                                {"dno", 0},
+                                                                                {"f", ERR_SIGNATURE_MISMATCH},
+                                                                                {"", ERR_CRL_MISSING}}) {
+      const Owned<STACK, free_STACK> crls(new_STACK());
+      for (const char letter : order) push_STACK_value(crls, static_cast<X509_CRL *>(lists[letter]));
+      CERTPATH_SETTINGS settings{};
+      settings.crls = crls, settings.flags = CERTPATH_CHECK_REVOCATION_END_ENTITY;
+      const int code = validate_certpath_strict(path.certs, path.anchors, &settings, nullptr);
+      EXPECT_EQ(code, reason ? 0x48000000 | reason : 0) << order;
+    }
   }
 }
 

@@ -25,19 +25,25 @@ struct PathList {
 };
 
 // Newer lists come first, by thisUpdate, then by number, wherever they stand: who supplies them does not choose which
-// one decides.
+// one decides. One that was not read by the standard's rules is read anew.
 class RevocationLists {
  public:
   RevocationLists() noexcept = default;
   RevocationLists(const RevocationLists &) = delete;
   RevocationLists &operator=(const RevocationLists &) = delete;
-  ~RevocationLists() { release(lists_); }
+  ~RevocationLists() {
+    release(lists_);
+    destroy_list<X509_CRL>(made_);
+  }
 
   int open(const STACK *crls) noexcept;
   std::span<const PathList> complete() const noexcept { return {lists_, size_t(complete_)}; }
   std::span<const PathList> deltas() const noexcept { return {lists_ + complete_, size_t(count_ - complete_)}; }
 
  private:
+  int standard_form_of(const X509_CRL *&crl) noexcept;
+
+  STACK *made_ = nullptr;
   PathList *lists_ = nullptr;
   int count_ = 0, complete_ = 0;
 };
