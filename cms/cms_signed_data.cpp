@@ -57,7 +57,9 @@ int decode(const Tlv &tlv, CMS_SIGNED_DATA &out) noexcept {
 }
 
 int encode(const CMS_SIGNED_DATA &data, DerWriter &out) noexcept {
-  if (!data.digestAlgorithms || !data.signerInfos) return fail(F_CMS_SIGNED_DATA_TO_SEQ, ERR_ASN1_ENCODING);
+  if (!data.digestAlgorithms || !data.signerInfos || !(data.encapContentInfo || holds_certificates_only(data))) {
+    return fail(F_CMS_SIGNED_DATA_TO_SEQ, ERR_ASN1_ENCODING);
+  }
   const auto sequence = out.sequence();
   write_version(data.version, out);
   if (const int code = encode_algorithms(*data.digestAlgorithms, out)) return code;

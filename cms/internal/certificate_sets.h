@@ -8,6 +8,12 @@ namespace velpki {
 
 inline bool has_elements(const STACK *list) noexcept { return list && list->count > 0; }
 
+// Signed data that carry certificates or CRLs and sign nothing need no content.
+template <class SignedData>
+bool holds_certificates_only(const SignedData &data) noexcept {
+  return !has_elements(data.signerInfos) && (has_elements(data.certificates) || has_elements(data.crls));
+}
+
 // Certificates [0] IMPLICIT and CRLs [1] IMPLICIT, both OPTIONAL, of a record with those four members.
 // In standard form what is no certificate or CRL that can be read is kept as a unit.
 template <class E>

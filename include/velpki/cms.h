@@ -81,7 +81,8 @@ typedef struct cms_digests CMS_DIGESTS;
 typedef struct {
   BIGINT *version;                             /**< 1 or 3; null is written as 0 */
   X509_ALGO_IDENTIFIERS *digestAlgorithms;     /**< one for each signer */
-  ENCAPSULATED_CONTENT_INFO *encapContentInfo; /**< what is signed; null is written as data without content */
+  ENCAPSULATED_CONTENT_INFO *encapContentInfo; /**< what is signed; null is written as data without
+                                                * content where there are certificates or CRLs and no signers */
   X509_CERTIFICATES *certificates;             /**< null when absent */
   X509_CRLS *crls;                             /**< null when absent */
   CMS_SIGNER_INFOS *signerInfos;               /**< the signatures */

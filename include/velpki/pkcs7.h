@@ -91,7 +91,8 @@ typedef struct {
 typedef struct {
   BIGINT *version;                         /**< 1; null is written as 0 */
   X509_ALGO_IDENTIFIERS *digestAlgorithms; /**< one for each signer */
-  P7_CONTENT_INFO *contentInfo;            /**< what is signed, or its type alone; null is written as data */
+  P7_CONTENT_INFO *contentInfo;            /**< what is signed, or its type alone; null is written as
+                                            * data where there are certificates or CRLs and no signers */
   X509_CERTIFICATES *certificates;         /**< null when absent */
   X509_CRLS *crls;                         /**< null when absent */
   P7_SIGNER_INFOS *signerInfos;            /**< the signatures */
