@@ -118,15 +118,23 @@ ASN1_TIME *read_time(int type, const ASN1_STRING *string) noexcept {
 }
 
 // RFC 5280 4.1.2.5: in UTC, with seconds, without fraction. The calendar must have the day.
+bool read_certificate_text(int type, const ASN1_STRING *string, TimeText &text) noexcept {
+  if (!string || !read_time_text(type, octets(*string), text)) return false;
+  if (!text.zulu || !text.seconds || text.fraction) return false;
+  return text.fields.tm_mday <= days_in_month(text.fields.tm_year + 1900, text.fields.tm_mon);
+}
+
 ASN1_TIME *read_certificate_time(int type, const ASN1_STRING *string) noexcept {
   TimeText text;
-  if (!string || !read_time_text(type, octets(*string), text)) return nullptr;
-  if (!text.zulu || !text.seconds || text.fraction) return nullptr;
-  const int last_day = days_in_month(text.fields.tm_year + 1900, text.fields.tm_mon);
-  return text.fields.tm_mday <= last_day ? in_utc(text) : nullptr;
+  return read_certificate_text(type, string, text) ? in_utc(text) : nullptr;
 }
 
 }  // namespace
+
+bool instant_of_certificate_time(int type, const ASN1_STRING *time, int64_t &seconds) noexcept {
+  TimeText text;
+  return read_certificate_text(type, time, text) && instant_of(text, seconds);
+}
 
 bool instant_of_text(int type, const ASN1_STRING *time, int64_t &seconds) noexcept {
   TimeText text;

@@ -11,7 +11,6 @@
 namespace velcrypto {
 namespace {
 
-constexpr int kMaxOctets = INT_MAX / 8;         // so that a bit length is an int
 constexpr unsigned kRoomMask = (1u << 30) - 1;  // says that kMaxOctets fits `room`
 constexpr int kDefaultRoom = 40;                // of numbers made empty: serials and words
 constexpr int kMaxDigits = 20000;               // conversion takes quadratic time

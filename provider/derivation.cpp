@@ -274,5 +274,7 @@ int PKV_PBKDF2(int digest_id, const unsigned char *password, int password_length
       info, {password, size_t(password_length)}, {salt, size_t(salt_length)}, iterations, HmacOwner(PKV_New_HMAC())};
   if (!with.hmac) return PKV_ERR_NO_MEMORY;
   if (int code = PKV_Init_HMAC(with.hmac.get(), info->id, password, password_length)) return code;
-  return derive(with, {out, size_t(out_length)});
+  const int code = derive(with, {out, size_t(out_length)});
+  if (code) PKV_Wipe(out, size_t(out_length));
+  return code;
 }

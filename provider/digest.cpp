@@ -160,7 +160,10 @@ int PKV_Init_DIGEST(DIGEST_UNIT *unit, int digest_id) noexcept {
   unit->info = nullptr;
   const DigestInfo *info = find_digest(digest_id);
   if (!info) return PKV_ERR_UNSUPPORTED;
-  if (!start(*unit, *info)) return PKV_ERR_NO_MEMORY;
+  if (!start(*unit, *info)) {
+    const bool missing = digest_id == PKV_DIGEST_MDC2 && !Mdc2::is_there();
+    return missing ? PKV_ERR_UNSUPPORTED : PKV_ERR_NO_MEMORY;
+  }
   unit->info = info;
   return 0;
 }

@@ -56,6 +56,8 @@ int PKV_DSA_VERIFY(const BIGINT *p, const BIGINT *q, const BIGINT *g, const BIGI
   uint8_t digest[PKV_MAX_DIGEST_LENGTH];
   int digest_length = 0;
   if (int error = PKV_DIGEST(digest_id, data, length, digest, &digest_length)) return error;
+  for (const BIGINT *number : {p, q, g, y})
+    if (PKV_Is_BIGINT_Negative(number)) return PKV_ERR_BAD_VALUE;
   ErrorScope errors;
   const Domain domain{to_bn(p), to_bn(q), to_bn(g), to_bn(y)};
   const BnOwner r_value(BN_bin2bn(r, r_length, nullptr)), s_value(BN_bin2bn(s, s_length, nullptr)), again(BN_new());
@@ -66,6 +68,8 @@ int PKV_DSA_VERIFY(const BIGINT *p, const BIGINT *q, const BIGINT *g, const BIGI
   const BnOwner hash = hash_number({digest, size_t(digest_length)}, domain.q.get());
   if (!hash) return PKV_ERR_NO_MEMORY;
   // A composite q may share a factor with s; then there is no inverse, and no valid signature.
-  if (!recompute(domain, hash.get(), r_value.get(), s_value.get(), again.get())) return PKV_ERR_MISMATCH;
+  if (!recompute(domain, hash.get(), r_value.get(), s_value.get(), again.get())) {
+    return code_of_failure(PKV_ERR_MISMATCH);
+  }
   return BN_ucmp(again.get(), r_value.get()) == 0 ? 0 : PKV_ERR_MISMATCH;
 }

@@ -229,7 +229,7 @@ int PKV_Check_ECC(const ECC_UNIT *key) noexcept {
   EncodedPoint point, expected;
   if (int error = encode_point(*curve, key->part->number(kEccX), key->part->number(kEccY), point)) return error;
   ErrorScope errors;
-  if (!is_on_curve(*curve, point)) return PKV_ERR_BAD_VALUE;
+  if (!is_on_curve(*curve, point)) return code_of_failure(PKV_ERR_BAD_VALUE);
   const BIGINT *d = PKV_Get_ECC_Private(key);
   if (!d) return 0;
   if (!is_private_value(*curve, d)) return PKV_ERR_BAD_VALUE;

@@ -23,7 +23,9 @@ EVP_PKEY *prepared_key(const ECC_UNIT &key, int &error) noexcept {
   EncodedPoint point;
   if (encode_point(*curve, part.number(kEccX), part.number(kEccY), point)) return nullptr;
   if (d && !is_private_value(*curve, d)) return nullptr;
-  return part.extra.key.get([&] { return make_ec_key(*curve, point, d).release(); });
+  EVP_PKEY *prepared = part.extra.key.get([&] { return make_ec_key(*curve, point, d).release(); });
+  if (!prepared) error = code_of_failure(PKV_ERR_BAD_VALUE);
+  return prepared;
 }
 
 // ECDSA-Sig-Value, the form that libcrypto takes and gives; 16 octets hold the headers of three elements.
@@ -50,10 +52,11 @@ int decode_signature(Octets der, size_t length, uint8_t *r, uint8_t *s) noexcept
              : PKV_ERR_FAILED;
 }
 
-bool verify_der(EVP_PKEY *key, Octets digest, Octets der) noexcept {
+int verify_der(EVP_PKEY *key, Octets digest, Octets der) noexcept {
   const PkeyContextOwner context(EVP_PKEY_CTX_new_from_pkey(library_context(), key, nullptr));
-  return context && EVP_PKEY_verify_init(context.get()) > 0 &&
-         EVP_PKEY_verify(context.get(), der.data(), der.size(), digest.data(), digest.size()) == 1;
+  if (!context || EVP_PKEY_verify_init(context.get()) <= 0) return code_of_failure(PKV_ERR_FAILED);
+  const int result = EVP_PKEY_verify(context.get(), der.data(), der.size(), digest.data(), digest.size());
+  return result == 1 ? 0 : result < 0 ? code_of_failure(PKV_ERR_MISMATCH) : PKV_ERR_MISMATCH;
 }
 
 // A fault on the way can give the key away: what does not verify does not leave.
@@ -66,9 +69,11 @@ int sign_here(const ECC_UNIT &key, size_t length, Octets digest, uint8_t *r, uin
   const PkeyContextOwner context(EVP_PKEY_CTX_new_from_pkey(library_context(), pkey, nullptr));
   if (!context || EVP_PKEY_sign_init(context.get()) <= 0 ||
       EVP_PKEY_sign(context.get(), der.data(), &written, digest.data(), digest.size()) <= 0) {
-    return PKV_ERR_FAILED;
+    return code_of_failure(PKV_ERR_FAILED);
   }
-  if (!verify_der(pkey, digest, {der.data(), written})) return PKV_ERR_FAILED;
+  if (int code = verify_der(pkey, digest, {der.data(), written})) {
+    return code == PKV_ERR_MISMATCH ? PKV_ERR_FAILED : code;
+  }
   return decode_signature({der.data(), written}, length, r, s);
 }
 
@@ -142,7 +147,7 @@ int PKV_ECDSA_VERIFY(const ECC_UNIT *key, int digest_id, const unsigned char *da
   DerSignature der;
   const size_t der_length = encode_signature(r_octets, s_octets, der);
   if (!der_length) return PKV_ERR_NO_MEMORY;
-  return verify_der(pkey, {digest, digest_length}, {der.data(), der_length}) ? 0 : PKV_ERR_MISMATCH;
+  return verify_der(pkey, {digest, digest_length}, {der.data(), der_length});
 }
 
 namespace {
@@ -153,7 +158,7 @@ int derive(EVP_PKEY *own, EVP_PKEY *other, size_t length, uint8_t *out) noexcept
   const PkeyContextOwner context(EVP_PKEY_CTX_new_from_pkey(library_context(), own, nullptr));
   if (!context || EVP_PKEY_derive_init(context.get()) <= 0 || EVP_PKEY_derive_set_peer(context.get(), other) <= 0 ||
       EVP_PKEY_derive(context.get(), shared.value.data(), &written) <= 0 || written != length) {
-    return PKV_ERR_FAILED;
+    return code_of_failure(PKV_ERR_FAILED);
   }
   std::copy_n(shared.value.begin(), length, out);
   return 0;

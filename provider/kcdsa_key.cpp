@@ -133,6 +133,21 @@ bool prepare_moduli(KcdsaNumbers &numbers, BN_CTX *context) noexcept {
          BN_MONT_CTX_set(numbers.mod_q.get(), numbers.q.get(), context);
 }
 
+// Whether the base has an order that divides q, as g and y must: with others anybody can make signatures.
+bool find_order(const KcdsaNumbers &numbers, const BIGNUM *base, BN_CTX *context, bool &sound) noexcept {
+  const BnOwner power(BN_new());
+  if (!power || !BN_mod_exp_mont(power.get(), base, numbers.q.get(), numbers.p.get(), context, numbers.mod_p.get())) {
+    return false;
+  }
+  sound = BN_is_one(power.get());
+  return true;
+}
+
+bool find_orders(KcdsaNumbers &numbers, BN_CTX *context) noexcept {
+  return find_order(numbers, numbers.g.get(), context, numbers.g_is_sound) &&
+         (!numbers.y || find_order(numbers, numbers.y.get(), context, numbers.y_is_sound));
+}
+
 KcdsaNumbers *prepare(const KcdsaPart &part) noexcept {
   owned<KcdsaNumbers, destroy<KcdsaNumbers>> made(make<KcdsaNumbers>());
   const BnCtxOwner context(BN_CTX_new());
@@ -144,16 +159,25 @@ KcdsaNumbers *prepare(const KcdsaPart &part) noexcept {
   if (!made->p || !made->q || !made->g || (part.number(PKV_KCDSA_Y) && !made->y)) return nullptr;
   made->p_length = size_t(part.number(PKV_KCDSA_P)->length);
   made->q_length = size_t(part.number(PKV_KCDSA_Q)->length);
-  return compute_lift(*made, context.get()) && prepare_moduli(*made, context.get()) ? made.release() : nullptr;
+  const bool prepared =
+      compute_lift(*made, context.get()) && prepare_moduli(*made, context.get()) && find_orders(*made, context.get());
+  return prepared ? made.release() : nullptr;
 }
 
 }  // namespace
 
-const KcdsaNumbers *kcdsa_numbers(const KCDSA_UNIT &key, int &error) noexcept {
+const KcdsaNumbers *kcdsa_prepared(const KCDSA_UNIT &key, int &error) noexcept {
   error = PKV_ERR_BAD_VALUE;
   if (!key.part || !is_usable(*key.part)) return nullptr;
   error = PKV_ERR_NO_MEMORY;
   return key.part->extra.numbers.get([&] { return prepare(*key.part); });
+}
+
+const KcdsaNumbers *kcdsa_numbers(const KCDSA_UNIT &key, int &error) noexcept {
+  const KcdsaNumbers *numbers = kcdsa_prepared(key, error);
+  if (!numbers || (numbers->g_is_sound && numbers->y_is_sound)) return numbers;
+  error = PKV_ERR_BAD_VALUE;
+  return nullptr;
 }
 
 bool kcdsa_power_secret(const KcdsaNumbers &numbers, BIGNUM *out, const BIGNUM *base, const BIGNUM *exponent,
@@ -210,7 +234,7 @@ bool is_private_value(const BIGINT *x, const BIGINT *q) noexcept {
 // The y that belongs to x; PKV_ERR_MISMATCH when the key holds another.
 int match_y(const KCDSA_UNIT &key, const BIGINT *x, BnOwner &x_out, BnOwner &y_out) noexcept {
   int error = 0;
-  const KcdsaNumbers *numbers = kcdsa_numbers(key, error);
+  const KcdsaNumbers *numbers = kcdsa_prepared(key, error);
   if (!numbers) return error;
   if (!is_private_value(x, key.part->number(PKV_KCDSA_Q))) return PKV_ERR_BAD_VALUE;
   x_out = to_bn(x);
@@ -244,17 +268,9 @@ int PKV_Generate_KCDSA(KCDSA_UNIT *key) noexcept {
 int PKV_Check_KCDSA_Key(const KCDSA_UNIT *key) noexcept {
   if (!key) return PKV_ERR_NULL;
   int error = 0;
-  const KcdsaNumbers *numbers = kcdsa_numbers(*key, error);
+  const KcdsaNumbers *numbers = kcdsa_prepared(*key, error);
   if (!numbers) return error;
-  if (!numbers->y) return PKV_ERR_BAD_VALUE;
-  const BnCtxOwner context(BN_CTX_new());
-  const BnOwner power(BN_new());
-  if (!context || !power ||
-      !BN_mod_exp_mont(power.get(), numbers->y.get(), numbers->q.get(), numbers->p.get(), context.get(),
-                       numbers->mod_p.get())) {
-    return PKV_ERR_NO_MEMORY;
-  }
-  if (!BN_is_one(power.get())) return PKV_ERR_BAD_VALUE;
+  if (!numbers->y || !numbers->y_is_sound) return PKV_ERR_BAD_VALUE;
   const BIGINT *x = key->part->number(PKV_KCDSA_X);
   BnOwner secret, y;
   return x ? match_y(*key, x, secret, y) : 0;

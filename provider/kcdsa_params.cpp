@@ -189,14 +189,6 @@ bool is_divided(const KcdsaNumbers &numbers, const BIGNUM *j, BN_CTX *context) n
   return !j || (BN_rshift1(quotient.get(), quotient.get()) && BN_cmp(quotient.get(), j) == 0);
 }
 
-bool has_order_q(const KcdsaNumbers &numbers, BN_CTX *context) noexcept {
-  const BnOwner power(BN_new());
-  return power &&
-         BN_mod_exp_mont(power.get(), numbers.g.get(), numbers.q.get(), numbers.p.get(), context,
-                         numbers.mod_p.get()) &&
-         BN_is_one(power.get());
-}
-
 bool are_prime(const KcdsaNumbers &numbers, const BIGNUM *j, BN_CTX *context) noexcept {
   return BN_check_prime(numbers.q.get(), context, nullptr) == 1 &&
          BN_check_prime(numbers.p.get(), context, nullptr) == 1 && (!j || BN_check_prime(j, context, nullptr) == 1);
@@ -220,13 +212,13 @@ bool comes_from_seed(const KCDSA_UNIT &key, const KcdsaNumbers &numbers, int dig
 int PKV_Check_KCDSA_Params(const KCDSA_UNIT *key, int primes, int digest_id) noexcept {
   if (!key) return PKV_ERR_NULL;
   int error = 0;
-  const KcdsaNumbers *numbers = kcdsa_numbers(*key, error);
+  const KcdsaNumbers *numbers = kcdsa_prepared(*key, error);
   if (!numbers) return error;
   const BIGINT *j_held = key->part->number(PKV_KCDSA_J);
   const BnOwner j = to_bn(j_held);
   const BnCtxOwner context(BN_CTX_new_ex(library_context()));
   if (!context || (j_held && !j)) return PKV_ERR_NO_MEMORY;
-  if (!is_divided(*numbers, j.get(), context.get()) || !has_order_q(*numbers, context.get())) return PKV_ERR_BAD_VALUE;
+  if (!numbers->g_is_sound || !is_divided(*numbers, j.get(), context.get())) return PKV_ERR_BAD_VALUE;
   if (!primes) return 0;
   const bool seeded = key->part->number(kKcdsaSeed) != nullptr;
   // The seed first: primality of the largest sizes takes a second.

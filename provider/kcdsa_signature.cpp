@@ -190,7 +190,7 @@ int finish(KCDSA_UNIT &key, Hash &hash, Digest &digest) noexcept {
 int PKV_Get_KCDSA_Lengths(const KCDSA_UNIT *key, int *r_length, int *s_length) noexcept {
   if (!key || !r_length || !s_length) return PKV_ERR_NULL;
   Hash hash{};
-  if (int error = choose_hash(*key, key->signature.digest_id, hash)) return error;
+  if (int error = choose_hash(*key, key->signature.digest ? key->signature.digest_id : 0, hash)) return error;
   *r_length = int(hash.kept);
   *s_length = key->part->number(PKV_KCDSA_Q)->length;
   return 0;
@@ -224,6 +224,7 @@ int PKV_Set_KCDSA_DIGEST(KCDSA_UNIT *key, int digest_id) noexcept {
 int PKV_Update_KCDSA(KCDSA_UNIT *key, const unsigned char *data, int length) noexcept {
   if (!key) return PKV_ERR_NULL;
   if (!key->signature.digest) return PKV_ERR_FAILED;
+  if (int error = check_octets(data, length)) return error;
   key->signature.updated = true;
   return PKV_Update_DIGEST(key->signature.digest.get(), data, length);
 }

@@ -39,10 +39,13 @@ int check_output(const uint8_t *out, int length) noexcept {
 // Fills `out` from blocks of `block_length`, made by `make`. On failure what was written is wiped.
 template <class Make>
 int fill(uint8_t *out, int length, int block_length, Make make) noexcept {
-  for (int done = 0; done < length; done += block_length) {
+  int left = length;
+  for (unsigned counter = 1; left > 0; ++counter) {
     Block block;
-    if (int code = make(unsigned(done / block_length) + 1, block)) return PKV_Wipe(out, size_t(length)), code;
-    std::copy_n(block.value.begin(), std::min(block_length, length - done), out + done);
+    if (int code = make(counter, block)) return PKV_Wipe(out, size_t(length)), code;
+    const int taken = std::min(block_length, left);
+    std::copy_n(block.value.begin(), taken, out + (length - left));
+    left -= taken;
   }
   return 0;
 }

@@ -5,8 +5,8 @@ namespace velcrypto {
 
 // Rejection keeps the distribution even: a bias of a few bits in nonces gives the key away.
 BnOwner random_exponent(const BIGNUM *order, int &error) noexcept {
-  constexpr size_t kMaxOctets = 66;
-  Wiped<std::array<uint8_t, kMaxOctets>> octets;
+  constexpr size_t kLargestOrder = 66;
+  Wiped<std::array<uint8_t, kLargestOrder>> octets;
   const int bits = BN_num_bits(order), length = (bits + 7) / 8;
   BnOwner out(BN_new());
   for (error = PKV_ERR_NO_MEMORY; out;) {

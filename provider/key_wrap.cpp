@@ -200,7 +200,7 @@ int PKV_Unwrap_KEY(int cipher_id, const unsigned char *kek, int kek_length, cons
   const int overhead = overhead_of(cipher_id);
   if (!overhead) return PKV_ERR_UNSUPPORTED;
   if (!kek || !wrapped) return PKV_ERR_NULL;
-  if (!is_key_length(wrapped_length - overhead, overhead)) return PKV_ERR_BAD_VALUE;
+  if (wrapped_length < overhead || !is_key_length(wrapped_length - overhead, overhead)) return PKV_ERR_BAD_VALUE;
   if (int code = check_capacity(out, out_length, size_t(wrapped_length - overhead))) return code;
   const WrapArguments with{cipher_id, kek, kek_length};
   const int code = overhead == kSemiblock ? unwrap_aes(with, wrapped, wrapped_length, out)

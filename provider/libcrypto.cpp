@@ -54,6 +54,10 @@ size_t digest_index(int digest_id) noexcept {
 ErrorScope::ErrorScope() noexcept { ERR_set_mark(); }
 ErrorScope::~ErrorScope() { ERR_pop_to_mark(); }
 
+int code_of_failure(int otherwise) noexcept {
+  return ERR_GET_REASON(ERR_peek_last_error()) == ERR_R_MALLOC_FAILURE ? PKV_ERR_NO_MEMORY : otherwise;
+}
+
 OSSL_LIB_CTX *library_context() noexcept {
   static std::atomic<OSSL_LIB_CTX *> kept;
   return keep_once(kept, OSSL_LIB_CTX_free, make_context);

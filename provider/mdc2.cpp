@@ -22,6 +22,8 @@ Mdc2::~Mdc2() {
   for (Block *block : {&left_, &right_, &partial_}) PKV_Wipe(block->data(), kBlock);
 }
 
+bool Mdc2::is_there() noexcept { return des() != nullptr; }
+
 bool Mdc2::start() noexcept {
   const ErrorScope errors;
   if (!des_) des_.reset(EVP_CIPHER_CTX_new());

@@ -165,7 +165,7 @@ int PKV_Set_RSAES_OAEP(RSA_UNIT *key, int digest_id, int mgf_digest_id, const un
   if (!is_digest(digest_id) || !is_digest(mgf_digest_id)) return PKV_ERR_UNSUPPORTED;
   const auto hash_length = size_t(PKV_Get_DIGEST_Length(digest_id));
   if (rsa_usable_length(key) < 2 * hash_length + 2) return PKV_ERR_BAD_VALUE;
-  if (!state.label.resize(size_t(label_length))) return PKV_ERR_NO_MEMORY;
+  if (!state.label.resize(size_t(label_length))) return state.scheme = 0, PKV_ERR_NO_MEMORY;  // the old one is gone
   if (label_length) std::memcpy(state.label.data(), label, size_t(label_length));
   state.digest_id = digest_id;
   state.mgf_digest_id = mgf_digest_id;

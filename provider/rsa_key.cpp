@@ -51,7 +51,8 @@ int PKV_Set_RSA_Params(RSA_UNIT *key, const BIGINT *n, const BIGINT *e, const BI
 int PKV_Set_RSA_Public(RSA_UNIT *key, const unsigned char *n, int n_length, const unsigned char *e,
                        int e_length) noexcept {
   if (!key || !n || !e) return PKV_ERR_NULL;
-  if (n_length < 0 || e_length < 0) return PKV_ERR_BAD_VALUE;
+  for (const int length : {n_length, e_length})
+    if (length < 0 || length > kMaxOctets) return PKV_ERR_BAD_VALUE;
   return replace_numbers(*key, {number_of(n, n_length), number_of(e, e_length)});
 }
 
@@ -143,5 +144,5 @@ int PKV_Check_RSA(const RSA_UNIT *key) noexcept {
   ErrorScope errors;
   PrivateNumbers numbers;
   if (!numbers.load(part)) return PKV_ERR_NO_MEMORY;
-  return has_consistent_primes(numbers) ? 0 : PKV_ERR_BAD_VALUE;
+  return has_consistent_primes(numbers) ? 0 : code_of_failure(PKV_ERR_BAD_VALUE);
 }

@@ -2,6 +2,7 @@
 #include <velpki/asn1_error.h>
 
 #include "asn1/internal/calendar.h"
+#include "asn1/internal/encoded_time.h"
 #include "validation/internal/ocsp.h"
 
 namespace velpki {
@@ -95,8 +96,7 @@ int check_responder(const Question &asked) noexcept {
 constexpr int kClockSkew = 300;  // seconds by which clocks may differ, where that is allowed
 
 bool instant_of_update(const GENERALIZED_TIME *time, int64_t &instant) noexcept {
-  const owned<ASN1_TIME> fields(generalizedTimeToASN1_TIME_RFC5280(time));
-  return fields && instant_of(*fields, instant);
+  return instant_of_certificate_time(TYPE_GENERALIZED_TIME, time, instant);
 }
 
 int check_time(const Question &asked, const OCSP_SINGLE_RESPONSE &single) noexcept {

@@ -1,6 +1,8 @@
 // What is asked of a certificate: its dates, its digests, its key.
 #include <velpki/asn1_error.h>
 
+#include "asn1/internal/calendar.h"
+#include "asn1/internal/encoded_time.h"
 #include "x509/internal/received.h"
 #include "x509/internal/x509.h"
 
@@ -12,10 +14,10 @@ owned<ASN1_TIME> time_of(const X509_TIME &time) noexcept {
   return nullptr;
 }
 
-owned<ASN1_TIME> standard_time_of(const X509_TIME &time) noexcept {
-  if (time.type == X509_TIME_UTC) return owned<ASN1_TIME>(utcTimeToASN1_TIME_RFC5280(time.time));
-  if (time.type == X509_TIME_GENERALIZED) return owned<ASN1_TIME>(generalizedTimeToASN1_TIME_RFC5280(time.time));
-  return nullptr;
+bool standard_instant_of(const X509_TIME *time, int64_t &seconds) noexcept {
+  if (!time || (time->type != X509_TIME_UTC && time->type != X509_TIME_GENERALIZED)) return false;
+  const int type = time->type == X509_TIME_UTC ? TYPE_UTC_TIME : TYPE_GENERALIZED_TIME;
+  return instant_of_certificate_time(type, time->time, seconds);
 }
 
 namespace {
@@ -44,10 +46,10 @@ int check_bound(const Bound &bound, const ASN1_TIME *now) noexcept {
 }
 
 int check_bound_standard(const Bound &bound, const ASN1_TIME *now) noexcept {
-  const owned<ASN1_TIME> date = bound.date ? standard_time_of(*bound.date) : nullptr;
-  if (!date) return validity_failure(bound.unreadable);
-  const int order = cmp_ASN1_TIME(now, date.get());
-  return order == bound.side || order == 0 ? 0 : validity_failure(bound.outside);
+  int64_t date, present;
+  if (!standard_instant_of(bound.date, date)) return validity_failure(bound.unreadable);
+  const bool inside = instant_of(*now, present) && (bound.side > 0 ? present >= date : present <= date);
+  return inside ? 0 : validity_failure(bound.outside);
 }
 
 int check_validity(const X509_CERT *cert, const X509_TIME *time,

@@ -3,6 +3,7 @@
 
 #include <velpki/asn1_error.h>
 
+#include "asn1/internal/calendar.h"
 #include "x509/internal/x509v3.h"
 
 namespace velpki {
@@ -90,11 +91,11 @@ int read_scope(const ListExtensions &extensions, owned<ISSUING_DIST_POINT> &out)
 int check_list_dates(const X509_CRL &crl, const X509_TIME *time) noexcept {
   const owned<ASN1_TIME> now = time ? time_of(*time) : owned<ASN1_TIME>(getCurrentLocalTime());
   if (!now) return failure(time ? ERR_INVALID_X509_TIME_TYPE : kNoMemory);
-  const X509_TIME *from = get_X509_CRL_thisUpdate(&crl), *until = get_X509_CRL_nextUpdate(&crl);
-  const owned<ASN1_TIME> first = from ? standard_time_of(*from) : nullptr;
-  if (!first || cmp_ASN1_TIME(first.get(), now.get()) > 0) return failure(ERR_CRL_THIS_UPDATE);
-  const owned<ASN1_TIME> last = until ? standard_time_of(*until) : nullptr;
-  return last && cmp_ASN1_TIME(last.get(), now.get()) >= 0 ? 0 : failure(ERR_CRL_NEXT_UPDATE);
+  int64_t present, from, until;
+  if (!instant_of(*now, present)) return failure(ERR_INVALID_X509_TIME_TYPE);
+  if (!standard_instant_of(get_X509_CRL_thisUpdate(&crl), from) || from > present) return failure(ERR_CRL_THIS_UPDATE);
+  const bool current = standard_instant_of(get_X509_CRL_nextUpdate(&crl), until) && until >= present;
+  return current ? 0 : failure(ERR_CRL_NEXT_UPDATE);
 }
 
 int check_list_signature(const X509_CRL &crl, const X509_PUBKEY *key) noexcept {

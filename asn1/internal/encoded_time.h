@@ -22,5 +22,7 @@ bool is_time_text(int type, Octets text) noexcept;
 
 // The instant of a text; false for null and for text that cannot be read.
 bool instant_of_text(int type, const ASN1_STRING *time, int64_t &seconds) noexcept;
+// The same for the form of RFC 5280 4.1.2.5 only.
+bool instant_of_certificate_time(int type, const ASN1_STRING *time, int64_t &seconds) noexcept;
 
 }  // namespace velpki

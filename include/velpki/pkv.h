@@ -93,7 +93,7 @@ typedef struct pkv_bigint BIGINT;
 /** Makes the number zero; null when memory ends. */
 VELPKI_API BIGINT *PKV_New_BIGINT(void) VELPKI_NOEXCEPT;
 /** Makes a number from unsigned big-endian octets, in one allocation. Null for null octets with a length, for a length
- * below 0 or above 2^28 - 1, and when memory ends. */
+ * below 0, for a number of more than 2^28 - 1 octets, and when memory ends. */
 VELPKI_API BIGINT *PKV_New_BIGINT_Binary(const unsigned char *octets, int length) VELPKI_NOEXCEPT;
 /** Wipes and releases a number. */
 VELPKI_API void PKV_Free_BIGINT(BIGINT *n) VELPKI_NOEXCEPT;
@@ -102,7 +102,8 @@ VELPKI_API size_t PKV_Get_BIGINT_Size(void) VELPKI_NOEXCEPT;
 /** Makes a number inside a record that holds very many of them: in PKV_Get_BIGINT_Size octets of the caller's, aligned
  * as a pointer, without allocating. It reads its value from the caller's octets, which must outlive it, until it is
  * changed; from then on it has octets of its own. A placed number is ended by PKV_Clear_BIGINT, or abandoned where it
- * was not changed; it is never released with PKV_Free_BIGINT. Null as for PKV_New_BIGINT_Binary. */
+ * was not changed; it is never released with PKV_Free_BIGINT. Null as for PKV_New_BIGINT_Binary,
+ * leading zeros counted. */
 VELPKI_API BIGINT *PKV_Place_BIGINT(void *place, const unsigned char *octets, int length) VELPKI_NOEXCEPT;
 /** Wipes and releases the octets that a number owns, and sets it to zero. */
 VELPKI_API void PKV_Clear_BIGINT(BIGINT *n) VELPKI_NOEXCEPT;
@@ -220,7 +221,7 @@ VELPKI_API int PKV_Final_HMAC(HMAC_UNIT *unit, unsigned char *out, int *out_leng
  * @{ */
 /** PBKDF2 with HMAC over the digest (RFC 8018 5.2): `out_length` octets. The identifier is taken with or without
  * PKV_HMAC_FLAG. Password and salt may be empty; fewer than one iteration or octet is PKV_ERR_BAD_VALUE, an unknown
- * digest PKV_ERR_UNSUPPORTED. */
+ * digest PKV_ERR_UNSUPPORTED. On failure the octets of `out` may be zeros. */
 VELPKI_API int PKV_PBKDF2(int digest_id, const unsigned char *password, int password_length, const unsigned char *salt,
                           int salt_length, int iterations, unsigned char *out, int out_length) VELPKI_NOEXCEPT;
 /** @} */
@@ -302,7 +303,8 @@ VELPKI_API int PKV_Wrap_KEY(int cipher_id, const unsigned char *kek, int kek_len
 VELPKI_API int PKV_Unwrap_KEY(int cipher_id, const unsigned char *kek, int kek_length, const unsigned char *wrapped,
                               int wrapped_length, unsigned char *out, int *out_length) VELPKI_NOEXCEPT;
 /** Derives exactly `length` octets (at least 1) from a shared secret with the function of ANSI X9.63 (SEC 1 3.6.1) over
- * a digest; `info` is the shared information, and may be empty. PKV_ERR_UNSUPPORTED for an unknown digest. */
+ * a digest; `info` is the shared information, and may be empty. PKV_ERR_UNSUPPORTED for an unknown digest.
+ * On failure the octets of `out` may be zeros. */
 VELPKI_API int PKV_X963_KDF(int digest_id, const unsigned char *secret, int secret_length, const unsigned char *info,
                             int info_length, unsigned char *out, int length) VELPKI_NOEXCEPT;
 /** @} */
@@ -421,7 +423,8 @@ VELPKI_API int PKV_Update_RSASSA(RSA_UNIT *key, const unsigned char *data, int l
 /** Signs into `signature` (capacity in `*length`), or, after Init for verification, verifies `*length` octets of it as
  * PKV_Verify_RSASSA does. */
 VELPKI_API int PKV_Final_RSASSA(RSA_UNIT *key, unsigned char *signature, int *length) VELPKI_NOEXCEPT;
-/** Ends a verification: 0 means valid, PKV_ERR_MISMATCH not; a signature of another length than the modulus is
+/** Ends a verification: 0 means valid, PKV_ERR_MISMATCH not, PKV_ERR_BAD_VALUE that the modulus is too short for the
+ * digest or the salt; a signature of another length than the modulus is
  * PKV_ERR_MISMATCH like any other that is wrong. PKV_ERR_FAILED without Init for verification. */
 VELPKI_API int PKV_Verify_RSASSA(RSA_UNIT *key, const unsigned char *signature, int length) VELPKI_NOEXCEPT;
 /** @} */
@@ -434,7 +437,8 @@ VELPKI_API int PKV_Verify_RSASSA(RSA_UNIT *key, const unsigned char *signature, 
  * the scheme. */
 VELPKI_API int PKV_RSASSA_SIGN(const RSA_UNIT *key, int digest_id, int scheme, const unsigned char *data, int length,
                                unsigned char *signature, int *signature_length) VELPKI_NOEXCEPT;
-/** Verifies what PKV_RSASSA_SIGN makes: 0 means valid, PKV_ERR_MISMATCH not. */
+/** Verifies what PKV_RSASSA_SIGN makes: 0 means valid, PKV_ERR_MISMATCH not; PKV_ERR_BAD_VALUE for a key that cannot be
+ * used or is too short for the digest, PKV_ERR_UNSUPPORTED as for signing. */
 VELPKI_API int PKV_RSASSA_VERIFY(const RSA_UNIT *key, int digest_id, int scheme, const unsigned char *data, int length,
                                  const unsigned char *signature, int signature_length) VELPKI_NOEXCEPT;
 /** Signs with RSASSA-PSS, a digest for MGF1 and a salt of 0 to 2048 octets, which must fit the modulus (else
@@ -442,7 +446,8 @@ VELPKI_API int PKV_RSASSA_VERIFY(const RSA_UNIT *key, int digest_id, int scheme,
 VELPKI_API int PKV_RSASSA_PSS_SIGN(const RSA_UNIT *key, int digest_id, int mgf_digest_id, int salt_length,
                                    const unsigned char *data, int length, unsigned char *signature,
                                    int *signature_length) VELPKI_NOEXCEPT;
-/** Verifies RSASSA-PSS with a digest for MGF1 and exactly that length of salt: 0 means valid, PKV_ERR_MISMATCH not. */
+/** Verifies RSASSA-PSS with a digest for MGF1 and exactly that length of salt, with the
+ * results of PKV_RSASSA_VERIFY. */
 VELPKI_API int PKV_RSASSA_PSS_VERIFY(const RSA_UNIT *key, int digest_id, int mgf_digest_id, int salt_length,
                                      const unsigned char *data, int length, const unsigned char *signature,
                                      int signature_length) VELPKI_NOEXCEPT;
@@ -524,8 +529,8 @@ VELPKI_API const BIGINT *PKV_Get_KCDSA_Component(const KCDSA_UNIT *key, PKV_KCDS
 VELPKI_API const unsigned char *PKV_Get_KCDSA_Seed(const KCDSA_UNIT *key, int *length, int *count) VELPKI_NOEXCEPT;
 /** 1 for a key with x or a callback, else 0. */
 VELPKI_API int PKV_Is_KCDSA_Private(const KCDSA_UNIT *key) VELPKI_NOEXCEPT;
-/** Tells the octets of r and of s for this key and its digest. PKV_ERR_BAD_VALUE for a key without q,
- * PKV_ERR_UNSUPPORTED for a q whose size has no digest. */
+/** Tells the octets of r and of s for this key and its digest, which is the one of a running operation, or its own.
+ * PKV_ERR_BAD_VALUE for a key without q, PKV_ERR_UNSUPPORTED for a q whose size has no digest. */
 VELPKI_API int PKV_Get_KCDSA_Lengths(const KCDSA_UNIT *key, int *r_length, int *s_length) VELPKI_NOEXCEPT;
 /** @} */
 
@@ -569,13 +574,14 @@ VELPKI_API int PKV_Final_KCDSA(KCDSA_UNIT *key, unsigned char *r, unsigned char 
  * for verification. */
 VELPKI_API int PKV_Verify_KCDSA(KCDSA_UNIT *key, const unsigned char *r, int r_length, const unsigned char *s,
                                 int s_length) VELPKI_NOEXCEPT;
-/** Signs in one call, safe from several threads on one key; `digest_id` 0 is the key's own. `r` and `s` have the room
- * that PKV_Get_KCDSA_Lengths says. PKV_ERR_BAD_VALUE for a key that is not private, PKV_ERR_UNSUPPORTED for an unknown
- * digest. */
+/** Signs in one call, safe from several threads on one key; `digest_id` 0 is the key's own. `r` and `s` have room
+ * for as many octets as q has; written are those of s, and of r those of the digest, at most as many. PKV_ERR_BAD_VALUE
+ * for a key that is not private, PKV_ERR_UNSUPPORTED for an unknown digest. */
 VELPKI_API int PKV_KCDSA_SIGN(const KCDSA_UNIT *key, int digest_id, const unsigned char *data, int length,
                               unsigned char *r, unsigned char *s) VELPKI_NOEXCEPT;
-/** Verifies in one call, safe from several threads on one key: 0 means valid, PKV_ERR_MISMATCH not. r must have its
- * exact length; s may have leading zeros left out, or zeros in front up to its length. */
+/** Verifies in one call, safe from several threads on one key: 0 means valid, PKV_ERR_MISMATCH not, and
+ * PKV_ERR_BAD_VALUE that the key cannot be used: numbers out of range, or g or y not of order q. r must have its exact
+ * length; s may have leading zeros left out, or zeros in front up to its length. */
 VELPKI_API int PKV_KCDSA_VERIFY(const KCDSA_UNIT *key, int digest_id, const unsigned char *data, int length,
                                 const unsigned char *r, int r_length, const unsigned char *s,
                                 int s_length) VELPKI_NOEXCEPT;
@@ -675,8 +681,9 @@ VELPKI_API int PKV_Get_ECC_Lengths(const ECC_UNIT *key, int *r_length, int *s_le
  * digest. */
 VELPKI_API int PKV_ECDSA_SIGN(const ECC_UNIT *key, int digest_id, const unsigned char *data, int length,
                               unsigned char *r, unsigned char *s) VELPKI_NOEXCEPT;
-/** Verifies, safe from several threads on one key: 0 means valid, PKV_ERR_MISMATCH not. r and s may be shorter than
- * PKV_Get_ECC_Lengths says, or have zeros in front up to that length. */
+/** Verifies, safe from several threads on one key: 0 means valid, PKV_ERR_MISMATCH not;
+ * PKV_ERR_BAD_VALUE for a point that is not on the curve, PKV_ERR_UNSUPPORTED as for signing. r and s may be shorter
+ * than PKV_Get_ECC_Lengths says, or have zeros in front up to that length. */
 VELPKI_API int PKV_ECDSA_VERIFY(const ECC_UNIT *key, int digest_id, const unsigned char *data, int length,
                                 const unsigned char *r, int r_length, const unsigned char *s,
                                 int s_length) VELPKI_NOEXCEPT;

@@ -1,6 +1,7 @@
 // The big integer's block, and the way to and from libcrypto's numbers.
 #pragma once
 
+#include <limits.h>
 #include <openssl/bn.h>
 #include <velpki/pkv.h>
 
@@ -18,6 +19,8 @@ struct pkv_bigint {
 };
 
 namespace velcrypto {
+
+inline constexpr int kMaxOctets = INT_MAX / 8;  // so that a bit length is an int
 
 using BigintOwner = owned<BIGINT, PKV_Free_BIGINT>;
 using BnOwner = owned<BIGNUM, BN_clear_free>;

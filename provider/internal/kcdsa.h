@@ -7,7 +7,7 @@
 
 namespace velcrypto {
 
-// Domain parameters and public value ready for arithmetic, checked for size and range; read-only once made.
+// Domain parameters and public value ready for arithmetic, checked for size, range and order; read-only once made.
 struct KcdsaNumbers {
   BnOwner p, q, g;
   BnOwner y;              // null for a key without one
@@ -15,6 +15,7 @@ struct KcdsaNumbers {
   BnOwner lift;           // a multiple of q that gives every secret exponent the same bit length
   BnMontOwner mod_p, mod_q;
   size_t p_length = 0, q_length = 0;
+  bool g_is_sound = true, y_is_sound = true;  // of order q
 };
 struct KcdsaExtra {
   int count = 0;  // of the seed
@@ -28,7 +29,7 @@ using DigestOwner = owned<DIGEST_UNIT, PKV_Free_DIGEST>;
 
 struct KcdsaSignatureState {
   DigestOwner digest;
-  int digest_id = 0;  // stays after the end, for PKV_Get_KCDSA_Lengths
+  int digest_id = 0;
   bool sign = false;
   bool updated = false;
 };
@@ -50,7 +51,9 @@ inline constexpr int kMaxKcdsaQBits = 256;
 inline constexpr size_t kMaxKcdsaPOctets = kMaxKcdsaPBits / 8;
 inline constexpr size_t kMaxKcdsaQOctets = kMaxKcdsaQBits / 8;
 
-// The prepared numbers of a key with usable domain parameters, or null with the reason in `error`.
+// The prepared numbers of a key whose numbers are in range, or null with the reason in `error`.
+const KcdsaNumbers *kcdsa_prepared(const KCDSA_UNIT &key, int &error) noexcept;
+// The same of a key that may be used: g and y are of order q.
 const KcdsaNumbers *kcdsa_numbers(const KCDSA_UNIT &key, int &error) noexcept;
 
 // base^exponent mod p for a secret exponent below q and a base of order q, in a time that depends on the sizes only.

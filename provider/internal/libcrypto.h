@@ -18,6 +18,9 @@ const EVP_MD *libcrypto_digest(int digest_id) noexcept;
 // libcrypto's name of the digest ("SHA2-256" ...), or null as above.
 const char *libcrypto_digest_name(int digest_id) noexcept;
 
+// The code of a call into libcrypto that failed: exhausted memory, or else what it is taken for. Inside an ErrorScope.
+int code_of_failure(int otherwise) noexcept;
+
 // Leaves libcrypto's error queue of the thread as it was: the queue is the application's, our errors are return values.
 class ErrorScope {
  public:

@@ -19,6 +19,8 @@ class Mdc2 {
   Mdc2 &operator=(const Mdc2 &) = delete;
   ~Mdc2();
 
+  // Whether libcrypto has DES, which is in its legacy module.
+  static bool is_there() noexcept;
   bool start() noexcept;
   bool update(std::span<const uint8_t> data) noexcept;
   bool finish(uint8_t *out) noexcept;

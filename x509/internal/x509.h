@@ -99,7 +99,8 @@ void write_time(const X509_TIME &time, DerWriter &out) noexcept;
 bool read_algorithm_oid(Cursor &in, OBJECT_IDENTIFIER *&out) noexcept;
 // The instant of a time, or null when its type or text is none.
 owned<ASN1_TIME> time_of(const X509_TIME &time) noexcept;
-owned<ASN1_TIME> standard_time_of(const X509_TIME &time) noexcept;  // only for the form of RFC 5280 4.1.2.5
+// The instant of a time in the form of RFC 5280 4.1.2.5; false for null and any other form.
+bool standard_instant_of(const X509_TIME *time, int64_t &seconds) noexcept;
 
 // A SEQUENCE OF read into a list that belongs to a record, and the same for a record inside a record.
 inline bool read_list(Cursor &in, STACK *&out, int (*decode)(const Tlv &, STACK &) noexcept) noexcept {
