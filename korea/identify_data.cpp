@@ -1,6 +1,7 @@
 // KISA_IDENTIFY_DATA: the name of a certificate's holder and what identifies him beside it.
 #include <velpki/asn1_error.h>
 
+#include "asn1/internal/oid_codec.h"
 #include "korea/internal/kisa.h"
 
 namespace velpki {
@@ -73,7 +74,8 @@ int add_info(KISA_IDENTIFY_DATA &data, owned<OBJECT_IDENTIFIER> type, owned<ASN1
 }
 
 int copy_oid(const char *dotted, owned<OBJECT_IDENTIFIER> &out) noexcept {
-  if (!is_dotted_decimal(dotted)) return fail(kKisa, kBadValue);
+  DerWriter content;
+  if (!write_oid_content_any_size(dotted, content)) return fail(kKisa, content.failed() ? kNoMemory : kBadValue);
   out.reset(new_OBJECT_IDENTIFIER(dotted, int(std::strlen(dotted))));
   return out ? 0 : fail(kKisa, kNoMemory);
 }

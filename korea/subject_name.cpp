@@ -30,7 +30,8 @@ bool identity_in(const Tlv &name, owned<GENERAL_NAME> &out, bool &no_memory) noe
 int find_identity(Octets names, owned<GENERAL_NAME> &out) noexcept {
   Rules rules;
   Tlv list, name;
-  if (!Tlv::parse(names, rules, list)) return fail(kKisa, ERR_ASN1_DECODING);
+  const bool whole = Tlv::parse(names, rules, list) && list.whole.size() == names.size();
+  if (!whole || list.identifier != tag::kSequence) return fail(kKisa, ERR_ASN1_DECODING);
   Cursor in(list);
   for (bool no_memory = false; !in.at_end() && in.next(name);) {
     if (identity_in(name, out, no_memory)) return 0;

@@ -88,7 +88,7 @@ int digest_of(const X509_ALGO_IDENTIFIER &identifier) noexcept {
   const int digest_id = get_DigestID_from_OID(identifier.algorithm);
   const bool plain =
       digest_id && get_OID_from_DigestID(digest_id) == index_from_OBJECT_IDENTIFIER(identifier.algorithm);
-  return plain && PKV_Get_DIGEST_Length(digest_id) > 0 ? digest_id : 0;
+  return plain && !(digest_id & PKV_HMAC_FLAG) && PKV_Get_DIGEST_Length(digest_id) > 0 ? digest_id : 0;
 }
 
 int identifier_record(int digest_id, Octets digest, owned<VID> &out) noexcept {
@@ -142,7 +142,9 @@ int gen_VID(VID **out, const char *idn, int idn_length, const unsigned char *ran
   if (!out) return fail(kKisa, kNullArgument);
   Secret secret;
   if (const int code = secret_of(idn, idn_length, random, random_length, kKisa, secret)) return code;
-  if (!get_OID_from_DigestID(digest_id) || !PKV_Get_DIGEST_Length(digest_id)) return fail(kKisa, kUnsupported);
+  if (digest_id & PKV_HMAC_FLAG || !get_OID_from_DigestID(digest_id) || !PKV_Get_DIGEST_Length(digest_id)) {
+    return fail(kKisa, kUnsupported);
+  }
   Identifier made;
   if (const int code = compute(secret, digest_id, kKisa, made)) return code;
   owned<VID> vid;

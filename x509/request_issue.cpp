@@ -2,6 +2,7 @@
 #include <velpki/asn1_error.h>
 
 #include "x509/internal/pkcs10.h"
+#include "x509/internal/received.h"
 #include "x509/internal/x509v3.h"
 
 namespace velpki {
@@ -52,6 +53,9 @@ int check_key_usage(const X509_EXTENSION &extension) noexcept {
   const int code = X509_EXTENSION_to_KEY_USAGE_RFC5280(&extension, &usage);
   const owned<ASN1_STRING> owner(usage);
   if (code) return unreadable(code);
+  bool any = false;
+  for (int bit = KEY_USAGE_DIGITAL_SIGNATURE; bit <= KEY_USAGE_DECIPHER_ONLY; ++bit) any |= has_KEY_USAGE(usage, bit);
+  if (!any) return fail(kRequest, ERR_ASN1_DECODING);
   const bool authority = usage->length > 0 && usage->data[0] & (kKeyCertSign | kCrlSign);
   return authority ? fail(kRequest, ERR_AUTHORITY_REQUESTED) : 0;
 }
@@ -150,7 +154,8 @@ int add_extensions(const STACK *requested, const OBJECT_IDENTIFIERS *allowed, ST
 
 // Where the subject is empty, the alternative name is all that names it (RFC 5280 4.1.2.6).
 int check_subject(const STACK &subject, const STACK &extensions) noexcept {
-  if (subject.count > 0) return 0;
+  for (const X509_NAME_CHILD *each : elements<X509_NAME_CHILD>(&subject))
+    if (each && each->rdn != kEmptyRdn) return 0;
   for (X509_EXTENSION *each : elements<X509_EXTENSION>(&extensions)) {
     if (!each || oid_of(*each) != kSubjectAltName) continue;
     each->critical = 1;
@@ -174,6 +179,17 @@ int fill(X509_CERT &cert, const PKCS10_X509_REQ_INFO &info, const OBJECT_IDENTIF
   return 0;
 }
 
+// What was verified, in standard form: the plain reader's record may lack names that the octets have.
+int read_again(const PKCS10_X509_REQ &req, owned<PKCS10_X509_REQ> &out) noexcept {
+  Tlv tlv;
+  Rules rules = kStandardRules;
+  PKCS10_X509_REQ *fresh = nullptr;
+  if (!Tlv::parse(received_whole(*req.received), rules, tlv)) return fail(kRequest, ERR_ASN1_DECODING);
+  const int code = from_tlv(kRequest, tlv, &fresh, decode);
+  out.reset(fresh);
+  return code;
+}
+
 }  // namespace
 
 }  // namespace velpki
@@ -184,6 +200,11 @@ int set_X509_CERT_from_PKCS10_X509_REQ(X509_CERT *cert, const PKCS10_X509_REQ *r
                                        const OBJECT_IDENTIFIERS *allowed) noexcept {
   if (!cert || !req || !req->info || !req->info->subject) return fail(kRequest, kNullArgument);
   if (const int code = check_allowed(allowed)) return code;
+  owned<PKCS10_X509_REQ> received;
+  if (req->received) {
+    if (const int code = read_again(*req, received)) return code;
+    req = received.get();
+  }
   if (const int code = check_request(*req)) return code;
   const owned<X509_CERT> filled(dup_X509_CERT(cert));
   if (!filled) return fail(kRequest, kNoMemory);

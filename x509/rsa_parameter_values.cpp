@@ -14,7 +14,7 @@ std::string_view oid_text(const X509_ALGO_IDENTIFIER &identifier) noexcept {
 }
 
 bool is_digest(int digest_id) noexcept {
-  return PKV_Get_DIGEST_Length(digest_id) > 0 && get_OID_from_DigestID(digest_id) != 0;
+  return !(digest_id & PKV_HMAC_FLAG) && PKV_Get_DIGEST_Length(digest_id) > 0 && get_OID_from_DigestID(digest_id) != 0;
 }
 
 // The registry gives signature algorithms a digest too, so the row has to be the digest's own.
@@ -133,6 +133,7 @@ int set_RSAES_OAEP_PARAM_values(RSAES_OAEP_PARAM *param, int digest_id, int mgf_
                                 int label_length) noexcept {
   constexpr int kFunction = F_SET_RSAES_OAEP_PARAM_HASHALGORITHM;
   if (const int code = check_values(param, digest_id, mgf_digest_id, label_length, kFunction)) return code;
+  if (!label && label_length > 0) return fail(kFunction, kNullArgument);
   owned<X509_ALGO_IDENTIFIER> hash = hash_identifier(digest_id), mask = mask_identifier(mgf_digest_id),
                               source = label_identifier(octets_of(label, label_length));
   if (!hash || !mask || !source) return fail(kFunction, kNoMemory);

@@ -92,7 +92,7 @@ VELPKI_API int set_PKCS10_X509_REQ_pub_key(PKCS10_X509_REQ *req, const X509_PUBK
 VELPKI_API X509_PUBKEY *get_PKCS10_X509_REQ_SPKI(const PKCS10_X509_REQ *req) VELPKI_NOEXCEPT;
 /** Stores a copy of the attributes, and null takes them away. */
 VELPKI_API int set_PKCS10_X509_REQ_attributes(PKCS10_X509_REQ *req, const X509_ATTRIBUTES *attributes) VELPKI_NOEXCEPT;
-/** Lends the attributes without the request for extensions; null when there are none. */
+/** Lends the attributes without the request for extensions; null or empty when there are none. */
 VELPKI_API X509_ATTRIBUTES *get_PKCS10_X509_REQ_attributes(const PKCS10_X509_REQ *req) VELPKI_NOEXCEPT;
 /** Stores a copy of the extensions to ask for, and null takes them away. */
 VELPKI_API int set_PKCS10_X509_REQ_extensions(PKCS10_X509_REQ *req, const X509_EXTENSIONS *extensions) VELPKI_NOEXCEPT;
@@ -120,7 +120,9 @@ VELPKI_API int add_PKCS10_X509_REQ_extension(PKCS10_X509_REQ *req, const X509_EX
 /** @name Signatures
  * @{ */
 /** Signs the house encoding with the algorithm `sig_alg` and a private RSA or KCDSA key: 48 for any other key, 2B for
- * an algorithm that the registry does not give a digest and scheme, or the provider's code. */
+ * an algorithm that the registry does not give a digest and scheme, or the provider's code.
+ * @warning Write it in house form: standard form has the attributes in another order where this is not DER's, and the
+ * signature does not hold. What gen_SIG_PKCS10_X509_REQ_RFC5280 signed is written in standard form. */
 VELPKI_API int gen_SIG_PKCS10_X509_REQ(PKCS10_X509_REQ *req, ASYMMETRIC_KEY *key) VELPKI_NOEXCEPT;
 /** Signs the standard encoding with any algorithm that certificates are signed with, and keeps the finished octets as
  * if they had been received. The reasons are those of gen_SIG_X509_Cert_RFC5280, under 0x46000000. */
@@ -140,7 +142,8 @@ VELPKI_API int verify_SIG_PKCS10_X509_REQ(PKCS10_X509_REQ *req) VELPKI_NOEXCEPT;
 VELPKI_API int verify_SIG_PKCS10_X509_REQ_RFC5280(const PKCS10_X509_REQ *req) VELPKI_NOEXCEPT;
 /** @} */
 
-/** Verifies a request and takes into a certificate, as version 3, what an issuer may take from it: subject, public key,
+/** Verifies a request, over the received octets and in standard form where it has any, whatever it was read by, and
+ * takes into a certificate, as version 3, what an issuer may take from it: subject, public key,
  * and of the requested extensions those whose OID is in `allowed` (null: none). An extension that the certificate has
  * already stays as it is. Serial number, issuer, dates and the signature's algorithm are the issuer's to set, before
  * or after, and so are all extensions that speak of the issuer or give powers: a list `allowed` that names one
@@ -149,10 +152,11 @@ VELPKI_API int verify_SIG_PKCS10_X509_REQ_RFC5280(const PKCS10_X509_REQ *req) VE
  * 2B. On failure the certificate is as it was.
  *
  * Codes: those of verification; 2B for a version other than 0; ERR_DUPLICATE_EXTENSION for an extension requested
- * twice; ERR_ASN1_DECODING for an extensionRequest that could not be read or an allowed extension whose value is not
- * its type's in standard form; ERR_AUTHORITY_REQUESTED for an allowed keyUsage with keyCertSign or cRLSign, and an
- * extKeyUsage with OCSPSigning or anyExtendedKeyUsage; ERR_TBS_CERT_SUBJECT for an empty subject without a
- * subjectAltName in the certificate (which is made critical, RFC 5280 4.1.2.6).
+ * twice; ERR_ASN1_DECODING for a request or an extensionRequest that cannot be read, an allowed extension whose value
+ * is not its type's in standard form, and an allowed keyUsage without a bit; ERR_AUTHORITY_REQUESTED for an allowed
+ * keyUsage with keyCertSign or cRLSign, and an extKeyUsage with OCSPSigning or anyExtendedKeyUsage;
+ * ERR_TBS_CERT_SUBJECT for a subject without an attribute and without a subjectAltName in the certificate (which is
+ * made critical, RFC 5280 4.1.2.6).
  * @warning Names, in the subject and in subjectAltName, are what the requester claims: check them before signing. */
 VELPKI_API int set_X509_CERT_from_PKCS10_X509_REQ(X509_CERT *cert, const PKCS10_X509_REQ *req,
                                                   const OBJECT_IDENTIFIERS *allowed) VELPKI_NOEXCEPT;

@@ -161,7 +161,9 @@ TEST(RsaParameters, AreMadeFromTheProvidersTerms) {
   ASSERT_EQ(get_RSAES_OAEP_PARAM_values(oaep, &digest, &mask, nullptr, &length), 0);
   EXPECT_EQ(std::tuple(mask, length), std::tuple(int(PKV_DIGEST_SHA1), 0));
 
-  EXPECT_EQ(set_RSASSA_PSS_PARAM_values(pss, 7, PKV_DIGEST_SHA1, 20), F_SET_RSASSA_PSS_PARAM_HASHALGORITHM | 0x48);
+  for (const int digest : {7, PKV_DIGEST_SHA1 | PKV_HMAC_FLAG})
+    EXPECT_EQ(set_RSASSA_PSS_PARAM_values(pss, digest, PKV_DIGEST_SHA1, 20),
+              F_SET_RSASSA_PSS_PARAM_HASHALGORITHM | 0x48);
   EXPECT_EQ(set_RSASSA_PSS_PARAM_values(pss, PKV_DIGEST_SHA1, PKV_DIGEST_SHA1, -1),
             F_SET_RSASSA_PSS_PARAM_HASHALGORITHM | 0x2B);
   EXPECT_EQ(set_RSASSA_PSS_PARAM_hashAlgorithm(nullptr, nullptr), F_SET_RSASSA_PSS_PARAM_HASHALGORITHM | 0x49);

@@ -103,7 +103,8 @@ TEST(CheckVid, SaysWhatIsWrong) {
   EXPECT_EQ(check(plain, "", random), F_CHECK_VID | 0x2B);
   VID *vid_out = nullptr;
   EXPECT_EQ(gen_VID(&vid_out, "1", 1, random.data(), 0, PKV_DIGEST_SHA256), 0x4700002B);
-  EXPECT_EQ(gen_VID(&vid_out, "1", 1, random.data(), 20, 0x7777), 0x47000048);
+  for (const int digest : {0x7777, PKV_DIGEST_SHA1 | PKV_HMAC_FLAG})
+    EXPECT_EQ(gen_VID(&vid_out, "1", 1, random.data(), 20, digest), 0x47000048);
   EXPECT_EQ(gen_VID(&vid_out, nullptr, 0, random.data(), 20, PKV_DIGEST_SHA256), 0x47000049);
   EXPECT_EQ(vid_out, nullptr);
 }

@@ -58,6 +58,19 @@ TEST_F(Requests, AreVerifiedBeforeAnythingIsTaken) {
     EXPECT_EQ(get_X509_subject(taken) != nullptr, failed == 0) << n;
     ASSERT_LT(n, 500);
   }
+  // A name of two attributes in one RDN is taken whole, also where the plain reader kept one; one of none is no name.
+  for (const auto &[der, count, code] : {std::tuple("30163114300806035504031301413008060355040a130142", 2, 0),
+                                         {"30023100", 0, kRequest | ERR_TBS_CERT_SUBJECT}}) {
+    Name name;
+    ASSERT_EQ(Seq_to_X509_NAME_RFC5280(unit(der), &name), 0);
+    const Request named = unsigned_request(key, "1.2.840.113549.1.1.11");
+    set_PKCS10_X509_REQ_subject(named, name), set_PKCS10_X509_REQ_extensions(named, nullptr);
+    ASSERT_EQ(gen_SIG_PKCS10_X509_REQ_RFC5280(named, key), 0);
+    const Request plain = read_request(hex(written(named, true)), count == 0);
+    const Certificate taken(new_X509_CERT());
+    EXPECT_EQ(set_X509_CERT_from_PKCS10_X509_REQ(taken, plain, nullptr), code);
+    EXPECT_EQ(get_X509_subject(taken) ? get_X509_NAME_count(get_X509_subject(taken)) : 0, count);
+  }
   const Request stolen = read_request(hex(written(req, true)), true);
   Bytes der = hex(written(req, true));
   der.back() ^= 1;
