@@ -28,7 +28,14 @@ constexpr ASN1_CODE_NAME kProviderReasons[] = {{PKV_ERR_FAILED, "PKV_ERR_FAILED"
                                                {PKV_ERR_NULL, "PKV_ERR_NULL"},
                                                {PKV_ERR_MISMATCH, "PKV_ERR_MISMATCH"},
                                                {0, nullptr}};
-constexpr ASN1_CODE_NAME kModules[] = {{0x4E, "DER and PEM input and output"}, {0x50, "OCSP"}, {0, nullptr}};
+// What a code without a function is about.
+constexpr ASN1_CODE_NAME kModules[] = {{0x46, "certificates and requests"},
+                                       {0x47, "extensions and identity data"},
+                                       {0x48, "revocation lists"},
+                                       {0x4B, "PKCS#7 messages"},
+                                       {0x4E, "DER and PEM input and output"},
+                                       {0x50, "OCSP"},
+                                       {0, nullptr}};
 
 // Codes of one module follow each other, so a number given twice may stand apart by others of its module.
 constexpr int repeated_codes() {
@@ -98,6 +105,12 @@ void add_reason(Text &text, unsigned reason) {
   text.add_hex(reason, reason < 0x100 ? 2 : 4);
 }
 
+void add_code(Text &text, unsigned function, unsigned reason) {
+  if (function) add_function(text, function);
+  if (function && reason) text.add(": ");
+  if (reason) add_reason(text, reason);
+}
+
 }  // namespace
 
 int describe_velpki_code(int code, char *out, int capacity) noexcept {
@@ -106,12 +119,9 @@ int describe_velpki_code(int code, char *out, int capacity) noexcept {
   const unsigned value = unsigned(code), function = value & 0xFFFF0000, reason = value & ERR_MASK;
   if (value == 0)
     text.add("success");
-  else if (value == 1)
+  else if (code == 1 || code == -1)
     text.add("failed");
-  else if (!function)
-    add_reason(text, reason);
   else
-    add_function(text, function);
-  if (function && reason) text.add(": "), add_reason(text, reason);
+    add_code(text, function, reason);
   return text.result();
 }
