@@ -33,7 +33,7 @@ void ask(const X509_CERT *cert, const X509_CERT *issuer, const char *path) {
   OCSP_REQUEST *request = nullptr;
   check(generate_single_OCSP_REQUEST_strict(&request, cert, issuer, PKV_DIGEST_SHA1, nullptr, 0), "the request");
   const ocsp<OCSP_REQUEST> owner(request);
-  if (writeDER_OCSP_REQUEST_to_FILE(request, path) < 2) die("writeDER_OCSP_REQUEST_to_FILE");
+  check_written(writeDER_OCSP_REQUEST_to_FILE(request, path), "writeDER_OCSP_REQUEST_to_FILE");
 }
 
 // The nonce that was asked with: the octets inside the OCTET STRING of the extension.
@@ -95,7 +95,7 @@ void answer(X509_CERT *issuer, const ASYMMETRIC_KEY *key, const OCSP_REQUEST *re
   const ocsp<BASIC_OCSP_RESPONSE> basic_owner(basic);
   check(generate_OCSP_RESPONSE(&response, OCSP_SUCCESSFUL, basic), "generate_OCSP_RESPONSE");
   const ocsp<OCSP_RESPONSE> owner(response);
-  if (writeDER_OCSP_RESPONSE_to_FILE(response, path) < 2) die("writeDER_OCSP_RESPONSE_to_FILE");
+  check_written(writeDER_OCSP_RESPONSE_to_FILE(response, path), "writeDER_OCSP_RESPONSE_to_FILE");
 }
 
 }  // namespace
@@ -105,7 +105,7 @@ int main(int argc, char **argv) {
     answer(read_certificate(argv[2]).get(), read_key(argv[3]).get(), read_request(argv[4]).get(), argv[5]);
     return 0;
   }
-  if (argc < 4) die("ask_status CERTIFICATE.pem ISSUER.pem REQUEST.der [RESPONSE.der]");
+  if (argc < 4) usage("ask_status CERTIFICATE.pem ISSUER.pem REQUEST.der [RESPONSE.der]");
   const auto cert = read_certificate(argv[1]), issuer = read_certificate(argv[2]);
   if (argc == 4)
     ask(cert.get(), issuer.get(), argv[3]);

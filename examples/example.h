@@ -36,14 +36,23 @@ struct Release {
 template <class T>
 using owned = std::unique_ptr<T, Release>;
 
+[[noreturn]] inline void usage(const char *call) {
+  std::fprintf(stderr, "usage: %s\n", call);
+  std::exit(1);
+}
+// Without a code there is no reason to tell.
 [[noreturn]] inline void die(const char *what, int code = 0) {
   char why[200] = "";
-  describe_velpki_code(code, why, sizeof why);
-  std::fprintf(stderr, "%s failed: %s\n", what, why);
+  if (code) describe_velpki_code(code, why, sizeof why);
+  std::fprintf(stderr, "%s failed%s%s\n", what, code ? ": " : "", why);
   std::exit(1);
 }
 inline void check(int code, const char *what) {
   if (code) die(what, code);
+}
+// Writers return the octets written, or a code in the same int.
+inline void check_written(int result, const char *what) {
+  if (result < 2 || result >= 0x41000000) die(what, result < 2 ? 0 : result);
 }
 
 // A certificate, and an unencrypted RSA private key ("RSA PRIVATE KEY"), from PEM files.

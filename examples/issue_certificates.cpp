@@ -113,9 +113,8 @@ owned<X509_CERT> issue(unsigned serial, const char *issuer, const char *subject,
 // Writes a certificate in both forms, reads both back, and verifies what was read.
 void store_and_verify(X509_CERT *cert, const std::string &path, const KeyPair &issuer_key) {
   const std::string pem = path + ".pem", der = path + ".der";
-  if (writePEM_X509_CERT_to_FILE(cert, pem.c_str()) < 2 || writeDER_X509_CERT_to_FILE(cert, der.c_str()) < 2) {
-    die("writing a certificate");
-  }
+  check_written(writePEM_X509_CERT_to_FILE(cert, pem.c_str()), "writing a certificate");
+  check_written(writeDER_X509_CERT_to_FILE(cert, der.c_str()), "writing a certificate");
   X509_CERT *from_pem = nullptr, *from_der = nullptr;
   check(readPEM_X509_CERT_from_File(&from_pem, pem.c_str()), "readPEM_X509_CERT_from_File");
   check(readDER_X509_CERT_from_File(&from_der, der.c_str()), "readDER_X509_CERT_from_File");

@@ -96,7 +96,7 @@ void store_key(const ASYMMETRIC_KEY *key, const Random &random, const std::strin
   check(encrypt_PKCS5(info.get(), &container, kPassword, kPasswordLength, nullptr, 0, 2048, kSeedScheme),
         "encrypt_PKCS5");
   const own<PKCS8> owner(container);
-  if (writeDER_PKCS8_to_FILE(container, path.c_str()) < 2) die("writing the key");
+  check_written(writeDER_PKCS8_to_FILE(container, path.c_str()), "writing the key");
 }
 
 void make_pair(const std::string &folder) {
@@ -106,7 +106,7 @@ void make_pair(const std::string &folder) {
   check(PKV_Rand_Bytes(random.octets, kRandomLength), "PKV_Rand_Bytes");
   const owned<ASYMMETRIC_KEY> key(RSA_UNIT_to_ASYMMETRIC_KEY(rsa.get()));
   const owned<X509_CERT> cert = certificate(rsa.get(), key.get(), random);
-  if (writeDER_X509_CERT_to_FILE(cert.get(), (folder + "/signCert.der").c_str()) < 2) die("writing the certificate");
+  check_written(writeDER_X509_CERT_to_FILE(cert.get(), (folder + "/signCert.der").c_str()), "writing the certificate");
   store_key(key.get(), random, folder + "/signPri.key");
   std::puts("made: signCert.der and signPri.key (SEED, 2048 rounds)");
 }
@@ -142,7 +142,7 @@ void export_pair(P8_PRIV_KEY_INFO *key, X509_CERT *cert, const std::string &path
   check(PKCS12_add_safe(&safes, keys, -1, 0, nullptr), "PKCS12_add_safe");
   const own<PKCS12> file(PKCS12_add_safes(safes));
   check(set_PKCS12_mac(file.get(), kPassword, -1, nullptr, 0, 2048, PKV_DIGEST_SHA256), "set_PKCS12_mac");
-  if (writeDER_PKCS12_to_FILE(file.get(), path.c_str()) < 2) die("writing the file");
+  check_written(writeDER_PKCS12_to_FILE(file.get(), path.c_str()), "writing the file");
   free_P12_SAFEBAGS(keys);
   free_P12_SAFEBAGS(certs);
   free_P12_AUTH_SAFE(safes);

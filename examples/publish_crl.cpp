@@ -49,7 +49,8 @@ owned<X509_CRL> make_crl(const X509_CERT *issuer, const BIGINT *serial, ASYMMETR
   return crl;
 }
 
-void ask(const X509_CRL *crl, const char *whose, const X509_CERT *cert, const X509_CERT *issuer) {
+// Prints the answer, and tells whether it is one: revoked or not. Every other code says that the list does not answer.
+bool ask(const X509_CRL *crl, const char *whose, const X509_CERT *cert, const X509_CERT *issuer) {
   X509_REVOKED *entry = nullptr;
   const int code = check_X509_CRL_revocation_strict(crl, cert, issuer, nullptr, &entry);
   char why[200] = "not revoked";
@@ -57,15 +58,18 @@ void ask(const X509_CRL *crl, const char *whose, const X509_CERT *cert, const X5
   std::printf("%s: %s", whose, why);
   if (entry) std::printf(", reason %d", get_X509_REVOKED_CRLreason_strict(entry));
   std::puts("");
+  return code == 0 || (code & ERR_MASK) == ERR_CERT_REVOKED;
 }
 
 }  // namespace
 
 int main(int argc, char **argv) {
-  if (argc < 5) die("publish_crl ISSUER.pem ISSUER_KEY.pem CERTIFICATE.pem CRL.der");
+  if (argc < 5) usage("publish_crl ISSUER.pem ISSUER_KEY.pem CERTIFICATE.pem CRL.der");
   const auto issuer = read_certificate(argv[1]), cert = read_certificate(argv[3]);
-  const auto made = make_crl(issuer.get(), get_X509_serial(cert.get()), read_key(argv[2]).get());
-  if (writeDER_X509_CRL_to_FILE(made.get(), argv[4]) < 2) die("writeDER_X509_CRL_to_FILE");
+  const auto key = read_key(argv[2]);
+  if (check_X509_keypair(issuer.get(), key.get()) != 0) die("matching the issuer's certificate and key");
+  const auto made = make_crl(issuer.get(), get_X509_serial(cert.get()), key.get());
+  check_written(writeDER_X509_CRL_to_FILE(made.get(), argv[4]), "writeDER_X509_CRL_to_FILE");
 
   X509_CRL *read = nullptr;
   check(readDER_X509_CRL_from_File(&read, argv[4]), "readDER_X509_CRL_from_File");
@@ -73,7 +77,7 @@ int main(int argc, char **argv) {
   const bool found = find_X509_CRL_revoked(read, get_X509_serial(cert.get()));
   std::printf("%d entry, the certificate %s\n", get_X509_REVOKED_count(get_X509_CRL_revoked(read)),
               found ? "is listed" : "is not listed");
-  ask(made.get(), "the certificate", cert.get(), issuer.get());
-  ask(made.get(), "its issuer", issuer.get(), issuer.get());
-  return 0;
+  const bool answered = ask(made.get(), "the certificate", cert.get(), issuer.get());
+  ask(made.get(), "its issuer", issuer.get(), issuer.get());  // no answer where somebody else issued that one
+  return answered ? 0 : 1;
 }

@@ -43,7 +43,7 @@ Message read_message(const std::string &path) {
 }
 
 void write_message(P7_CONTENT_INFO *message, const std::string &path) {
-  if (writeDER_P7_CONTENT_INFO_to_FILE(message, path.c_str()) < 2) die(path.c_str());
+  check_written(writeDER_P7_CONTENT_INFO_to_FILE(message, path.c_str()), path.c_str());
 }
 
 const char *name_of(const OBJECT_IDENTIFIER *oid) {
@@ -135,7 +135,9 @@ void open(const std::string &path, const X509_CERT *recipient, const ASYMMETRIC_
 }  // namespace
 
 int main(int argc, char **argv) {
-  if (argc < 8) die("sign_and_seal, called without its seven arguments,");
+  if (argc < 8)
+    usage(
+        "sign_and_seal DOCUMENT SIGNER.pem SIGNER_KEY.pem RECIPIENT1.pem RECIPIENT2.pem RECIPIENT2_KEY.pem DIRECTORY");
   const Document document = read_document(argv[1]);
   const auto signer = read_certificate(argv[2]), first = read_certificate(argv[4]), second = read_certificate(argv[5]);
   const auto signer_key = read_key(argv[3]), second_key = read_key(argv[6]);

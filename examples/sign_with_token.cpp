@@ -121,7 +121,7 @@ void sign(const char *document, X509_CERT *cert, const ASYMMETRIC_KEY *key, cons
   check(add_PKCS7_Certificate_ex(message, cert), "add_PKCS7_Certificate_ex");
   check(sign_PKCS7_ex(message, octets, length, 0, PKCS7_SIGN_ATTRIBUTES), "sign_PKCS7_ex");
   check(verify_PKCS7_strict(message, nullptr, nullptr, nullptr, 0, 0, nullptr, nullptr), "verify_PKCS7_strict");
-  if (writeDER_P7_CONTENT_INFO_to_FILE(message, path.c_str()) < 2) die(path.c_str());
+  check_written(writeDER_P7_CONTENT_INFO_to_FILE(message, path.c_str()), path.c_str());
   free_P7_CONTENT_INFO(message);
   std::puts("the token signed; the signature verifies");
 }
@@ -129,7 +129,7 @@ void sign(const char *document, X509_CERT *cert, const ASYMMETRIC_KEY *key, cons
 }  // namespace
 
 int main(int argc, char **argv) {
-  if (argc < 5) die("sign_with_token MODULE.so PIN DOCUMENT DIRECTORY");
+  if (argc < 5) usage("sign_with_token MODULE.so PIN DOCUMENT DIRECTORY");
   const std::string folder = argv[4];
   const Session session(argv[1], argv[2]);
   if (!find(session, CKO_PRIVATE_KEY)) generate(session);
@@ -138,7 +138,7 @@ int main(int argc, char **argv) {
   check(read_P11_KEY(&in_token, find(session, CKO_PUBLIC_KEY), &key), "read_P11_KEY");
   const owned<ASYMMETRIC_KEY> owner(key);
   const auto cert = certify(key);
-  if (writePEM_X509_CERT_to_FILE(cert.get(), (folder + "/token.pem").c_str()) < 2) die("writing the certificate");
+  check_written(writePEM_X509_CERT_to_FILE(cert.get(), (folder + "/token.pem").c_str()), "writing the certificate");
   sign(argv[3], cert.get(), key, folder + "/token.p7m");
   return 0;
 }

@@ -61,7 +61,7 @@ void validate_strictly(const X509_CERT *cert, const STACK *pool, const TRUST_ANC
 }  // namespace
 
 int main(int argc, char **argv) {
-  if (argc < 4) die("validate_chain, called without its three files,");
+  if (argc < 4) usage("validate_chain CERTIFICATE.pem INTERMEDIATES.pem BUNDLE.pem");
   const auto cert = read_certificate(argv[1]);
   const Certificates pool(new_X509_CERTIFICATES());
   TRUST_ANCHORS *anchors = new_TRUST_ANCHORS();
