@@ -779,8 +779,8 @@ VELPKI_API int authenticate_CMS(CMS_CONTENT_INFO *cms, int mac_digest_id, int di
                                 int length, int detached, int padding) VELPKI_NOEXCEPT;
 /** Verifies the MAC as strictly as verify_CMS_strict does signatures; `data` is the content where the message has none.
  * F_VERIFY_CMS with 49, 48, 2B (no recipient that the opener fits), 5E (a MAC or message digest that differs, whatever
- * the key), ERR_NO_CONTENT to ERR_AMBIGUOUS_CONTENT, ERR_WEAK_DIGEST (attributes bind the content by one), 5F, or the
- * provider's. */
+ * the key), ERR_NO_CONTENT, ERR_CONTENT_MISMATCH, those of verify_PKCS7_strict for attributes, ERR_WEAK_DIGEST (they
+ * bind the content by one), 5F, or the provider's. */
 VELPKI_API int verify_authenticated_CMS(const CMS_CONTENT_INFO *cms, const CMS_OPENER *opener,
                                         const unsigned char *data, int length) VELPKI_NOEXCEPT;
 /** @} */

@@ -440,8 +440,12 @@ enum {
  * received octets of the attributes. RSA (v1.5, and PSS with its parameters), KCDSA, ECDSA and Ed25519; weak digests
  * and bare signers need their flags. For each signer a report is written, as long as `*report_count` (the capacity;
  * then the number) allows; both may be null. Codes: F_P7_VERIFY with 49, 48 (another type, an unknown digest, algorithm
- * or key), 2B (no such signer), the reasons ERR_NO_SIGNER_CERTIFICATE to ERR_AMBIGUOUS_CONTENT, ERR_ALGORITHM_MISMATCH,
- * 5E (message digest), ERR_ASN1_DECODING; or the provider's: the first signer's that failed. */
+ * or key), 2B (no such signer), ERR_NO_SIGNER_CERTIFICATE, ERR_NO_CONTENT, ERR_CONTENT_MISMATCH (`data` is not the
+ * content of the message), ERR_WEAK_DIGEST, ERR_ALGORITHM_MISMATCH, 5E (message digest), ERR_ASN1_DECODING; of the
+ * attributes ERR_ATTRIBUTE_MISSING (no content type or message digest, or a signer without attributes that must have
+ * them), ERR_ATTRIBUTE_NOT_SINGLE (one of the two twice, or without just one value), ERR_CONTENT_TYPE_MISMATCH (another
+ * type than the content's) and ERR_AMBIGUOUS_CONTENT (none, over a content that could be attributes itself); or the
+ * provider's: the first signer's that failed. */
 VELPKI_API int verify_PKCS7_strict(const P7_CONTENT_INFO *p7, const X509_CERT *cert, const X509_CERTIFICATES *more,
                                    const unsigned char *data, int length, int flags, P7_SIGNER_REPORT *reports,
                                    int *report_count) VELPKI_NOEXCEPT;
