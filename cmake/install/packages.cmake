@@ -44,5 +44,8 @@ install(DIRECTORY docs DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/${dev_package} C
         FILES_MATCHING PATTERN *.md PATTERN *.svg)
 install(DIRECTORY examples DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/${dev_package} COMPONENT dev
         FILES_MATCHING PATTERN *.c PATTERN *.cpp PATTERN *.h PATTERN *.py)
-install(FILES README.md DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/${dev_package} COMPONENT dev)
+install(DIRECTORY tests/consumer DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/${dev_package}/tests COMPONENT dev
+        PATTERN check EXCLUDE)
+install(FILES README.md README.ko.md CONTRIBUTING.md SECURITY.md CHANGELOG.md
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/${dev_package} COMPONENT dev)
 include(CPack)
