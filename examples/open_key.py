@@ -9,7 +9,10 @@ import getpass
 import os
 import sys
 
-pki = ctypes.CDLL("libvelPKI.so.1")
+try:
+    pki = ctypes.CDLL("libvelPKI.so.1")
+except OSError as error:
+    sys.exit(f"{error} (LD_LIBRARY_PATH may name its folder)")
 handle = ctypes.c_void_p
 
 
@@ -66,9 +69,17 @@ def opened(container, password):
                   lambda out: decrypt(container, out, password, len(password), 0, None))
 
 
+def ask_password():
+    """An empty VELPKI_PASSWORD is a password too."""
+    try:
+        return os.environ["VELPKI_PASSWORD"] if "VELPKI_PASSWORD" in os.environ else getpass.getpass("password: ")
+    except EOFError:
+        sys.exit("no password: VELPKI_PASSWORD is not set, and nobody is there to be asked")
+
+
 def main(key_path, certificate_path=None):
-    password = os.environ.get("VELPKI_PASSWORD") or getpass.getpass("password: ")
-    with read("PKCS8", key_path) as container, opened(container, password.encode()) as key:
+    password = os.fsencode(ask_password())
+    with read("PKCS8", key_path) as container, opened(container, password) as key:
         print("a key of the algorithm", ln_from_index(index_of(key_oid(key))).decode())
         if certificate_path:
             with read("X509_CERT", certificate_path) as certificate:
