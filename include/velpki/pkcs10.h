@@ -137,7 +137,7 @@ VELPKI_API int gen_SIG_PKCS10_X509_REQ_RFC5280_ex(PKCS10_X509_REQ *req, const AS
  * @warning A valid signature says that whoever made the request has the private key; it says nothing of the name. */
 VELPKI_API int verify_SIG_PKCS10_X509_REQ(PKCS10_X509_REQ *req) VELPKI_NOEXCEPT;
 /** Verifies with the key in the request over the received octets alone (49 without them), with every algorithm that
- * verify_SIG_X509_CERT_RFC5280 knows; its reasons, under 0x46000000.
+ * verify_SIG_X509_CERT_RFC5280 knows; its reasons, under 0x46000000, or the provider's code.
  * @warning A valid signature says that whoever made the request has the private key; it says nothing of the name. */
 VELPKI_API int verify_SIG_PKCS10_X509_REQ_RFC5280(const PKCS10_X509_REQ *req) VELPKI_NOEXCEPT;
 /** @} */
