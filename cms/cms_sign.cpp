@@ -105,9 +105,12 @@ int write_attributes(const CMS_SIGNED_DATA &data, CMS_SIGNER_INFO &signer, Conte
 // Signs octets, or with null what was fed. That came as it was, unless attributes that the signer had then are gone.
 int make_signature(CMS_SIGNER_INFO &signer, const Octets *octets, owned<ASN1_STRING> &out) noexcept {
   ASYMMETRIC_KEY &key = *signer.privateKey;
-  if (!octets && (signer.state->skipped || is_on_curve(&key))) return fail(F_FINAL_CMS_SIGN, kBadValue);
-  if (is_on_curve(&key))
+  if (!octets && signer.state->skipped) return fail(F_FINAL_CMS_SIGN, kBadValue);
+  if (is_on_curve(&key)) {
+    if (!octets || !is_ecdsa(signer.digestAlgorithm, signer.signatureAlgorithm))
+      return fail(F_FINAL_CMS_SIGN, kBadValue);
     return sign_on_curve(key, *signer.signatureAlgorithm->algorithm, *octets, F_FINAL_CMS_SIGN, out);
+  }
   if (octets) {
     if (const int code = start_signer(signer, signer.signatureAlgorithm, F_FINAL_CMS_SIGN)) return code;
     if (const int code = feed_signature(key, *octets)) return code;
