@@ -3,17 +3,13 @@
 
 #include <velpki/asn1_error.h>
 
-#include "asn1/internal/encoded_time.h"
-
 namespace velpki {
 
 namespace {
 
 int64_t issued_at(const X509_CRL &crl) noexcept {
-  const X509_TIME *time = get_X509_CRL_thisUpdate(&crl);
-  int64_t seconds = INT64_MIN;
-  const int type = time && time->type == X509_TIME_UTC ? TYPE_UTC_TIME : TYPE_GENERALIZED_TIME;
-  return time && instant_of_text(type, time->time, seconds) ? seconds : INT64_MIN;
+  int64_t seconds;
+  return standard_instant_of(get_X509_CRL_thisUpdate(&crl), seconds) ? seconds : INT64_MIN;
 }
 
 PathList list_of(const X509_CRL &crl, int position, int fault) noexcept {

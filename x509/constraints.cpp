@@ -50,9 +50,7 @@ int decode(const Tlv &tlv, BASIC_CONSTRAINTS &out) noexcept {
   Cursor in(tlv);
   const bool standard = in.rules().standard;
   const bool read = standard && !in.at(TYPE_BOOLEAN) ? true : read_ca(in, out.ca);
-  if (read && !in.at_end() && read_path_length(in, out.pathLenConstraint) && standard && !in.at_end()) {
-    in.stop(Read::malformed);
-  }
+  if (read && (in.at_end() || read_path_length(in, out.pathLenConstraint))) in.finish();
   return in.result(F_SEQ_TO_BASIC_CONSTRAINTS);
 }
 
